@@ -1,0 +1,148 @@
+#include "schema.h"
+
+#include "sqlcompiler.h"
+
+#include <QSet>
+#include <QSqlError>
+#include <QSqlQuery>
+
+namespace corvanta::model::schema {
+
+namespace {
+
+QString sqlType(AttributeType type)
+{
+    switch (type) {
+    case AttributeType::String:
+    case AttributeType::Colour:
+    case AttributeType::IntegerSet:
+        return QStringLiteral("TEXT");
+    case AttributeType::Integer:
+    case AttributeType::Boolean:
+        return QStringLiteral("INTEGER");
+    case AttributeType::Decimal:
+    case AttributeType::Date:
+        return QStringLiteral("REAL");
+    case AttributeType::Image:
+        return QStringLiteral("BLOB");
+    case AttributeType::Variant:
+        return QString(); // no affinity: a value keeps the type it was stored with
+    }
+    return QString();
+}
+
+QString columnDefinition(const EntityDescription& entity, int column, const DataModel& model)
+{
+    const QString& name = entity.columns().at(column);
+    QString definition = SqlCompiler::quoted(name);
+    if (const RelationshipDescription* r = entity.relationship(name)) {
+        definition += QStringLiteral(" INTEGER REFERENCES %1(pk) DEFERRABLE INITIALLY DEFERRED")
+                          .arg(SqlCompiler::quoted(model.entity(r->destinationIndex).name()));
+    } else {
+        const QString type = sqlType(entity.columnTypes().at(column));
+        if (!type.isEmpty())
+            definition += QLatin1Char(' ') + type;
+    }
+    return definition;
+}
+
+QSet<QString> existingColumns(QSqlDatabase& db, const QString& table)
+{
+    QSet<QString> columns;
+    QSqlQuery q(db);
+    if (q.exec(QStringLiteral("PRAGMA table_info(%1)").arg(SqlCompiler::quoted(table)))) {
+        while (q.next())
+            columns.insert(q.value(1).toString());
+    }
+    return columns;
+}
+
+QString indexName(const QString& table, const QStringList& columns)
+{
+    return table + QLatin1Char('_') + columns.join(QLatin1Char('_'));
+}
+
+QString quotedList(const QStringList& names)
+{
+    QStringList quoted;
+    for (const QString& n : names)
+        quoted << SqlCompiler::quoted(n);
+    return quoted.join(QLatin1String(", "));
+}
+
+} // namespace
+
+bool migrate(QSqlDatabase& db, const DataModel& model, QString* error)
+{
+    QSqlQuery q(db);
+    QStringList statements;
+
+    QSet<QString> tables;
+    if (q.exec(QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'table'"))) {
+        while (q.next())
+            tables.insert(q.value(0).toString());
+    }
+
+    for (const EntityDescription& entity : model.entities()) {
+        const QString table = SqlCompiler::quoted(entity.name());
+        if (!tables.contains(entity.name())) {
+            QStringList definitions{QStringLiteral("pk INTEGER PRIMARY KEY")};
+            for (int i = 0; i < entity.columns().size(); ++i)
+                definitions << columnDefinition(entity, i, model);
+            statements << QStringLiteral("CREATE TABLE %1 (%2)").arg(table, definitions.join(QLatin1String(", ")));
+        } else {
+            const QSet<QString> present = existingColumns(db, entity.name());
+            for (int i = 0; i < entity.columns().size(); ++i) {
+                if (!present.contains(entity.columns().at(i)))
+                    statements << QStringLiteral("ALTER TABLE %1 ADD COLUMN %2")
+                                      .arg(table, columnDefinition(entity, i, model));
+            }
+        }
+        for (const RelationshipDescription& r : entity.relationships()) {
+            if (r.storage == RelationshipStorage::ForeignKey)
+                statements << QStringLiteral("CREATE INDEX IF NOT EXISTS %1 ON %2(%3)")
+                                  .arg(SqlCompiler::quoted(indexName(entity.name(), {r.name})), table,
+                                       SqlCompiler::quoted(r.name));
+            if (r.storage == RelationshipStorage::JoinTable && r.joinOwner) {
+                const QString join = SqlCompiler::quoted(r.joinTable);
+                statements << QStringLiteral(
+                                  "CREATE TABLE IF NOT EXISTS %1 ("
+                                  "source INTEGER NOT NULL REFERENCES %2(pk) ON DELETE CASCADE DEFERRABLE INITIALLY "
+                                  "DEFERRED, "
+                                  "target INTEGER NOT NULL REFERENCES %3(pk) ON DELETE CASCADE DEFERRABLE INITIALLY "
+                                  "DEFERRED, "
+                                  "PRIMARY KEY (source, target)) WITHOUT ROWID")
+                                  .arg(join, table, SqlCompiler::quoted(r.destination));
+                statements << QStringLiteral("CREATE INDEX IF NOT EXISTS %1 ON %2(target, source)")
+                                  .arg(SqlCompiler::quoted(r.joinTable + QLatin1String("_target")), join);
+            }
+        }
+        for (const IndexDescription& index : entity.indexes()) {
+            statements << QStringLiteral("CREATE %1INDEX IF NOT EXISTS %2 ON %3(%4)")
+                              .arg(QLatin1String(index.unique ? "UNIQUE " : ""),
+                                   SqlCompiler::quoted(indexName(entity.name(), index.columns)), table,
+                                   quotedList(index.columns));
+        }
+    }
+    statements << QStringLiteral("PRAGMA application_id = %1").arg(kApplicationId);
+
+    if (!q.exec(QStringLiteral("BEGIN IMMEDIATE"))) {
+        *error = q.lastError().text();
+        return false;
+    }
+    for (const QString& statement : statements) {
+        if (!q.exec(statement)) {
+            *error = QStringLiteral("%1 (%2)").arg(q.lastError().text(), statement);
+            q.exec(QStringLiteral("ROLLBACK"));
+            return false;
+        }
+    }
+    if (!q.exec(QStringLiteral("COMMIT"))) {
+        *error = q.lastError().text();
+        q.exec(QStringLiteral("ROLLBACK"));
+        return false;
+    }
+    return true;
+}
+
+} // namespace corvanta::model::schema

@@ -1,0 +1,20 @@
+#!/usr/bin/env bash
+# Sets up what is missing, builds with warnings as errors, and runs every test twice:
+# once in the normal build and once under AddressSanitizer + UndefinedBehaviorSanitizer.
+set -euo pipefail
+root="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
+"$root/scripts/setup.sh"
+
+export QT_QPA_PLATFORM=offscreen
+export QTWEBENGINE_DISABLE_SANDBOX=1
+
+echo "== build (warnings as errors)"
+"$root/scripts/build.sh" "$root/build-test" -DCMAKE_BUILD_TYPE=Debug -DCORVANTA_WERROR=ON
+echo "== tests"
+ctest --test-dir "$root/build-test" --output-on-failure -j "$(nproc)"
+
+echo "== build (address + undefined sanitizers)"
+"$root/scripts/build.sh" "$root/build-asan" -DCMAKE_BUILD_TYPE=Debug -DCORVANTA_WERROR=ON -DCORVANTA_SANITIZE=ON
+echo "== tests under sanitizers"
+ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
+    ctest --test-dir "$root/build-asan" --output-on-failure -j "$(nproc)"
