@@ -8,8 +8,7 @@ namespace corvanta::cli {
 CommandLine::CommandLine(QTextStream& out, QTextStream& err)
     : m_out(out)
     , m_err(err)
-{
-}
+{}
 
 QString CommandLine::usage() const
 {
@@ -81,7 +80,8 @@ int CommandLine::info(const QString& databasePath)
         return 1;
     }
     m_out << tr("Database: %1").arg(store->path()) << '\n';
-    m_out << tr("Data model: %1").arg(store->storedModelVersion().isEmpty() ? tr("new") : store->storedModelVersion())
+    m_out << tr("Data model: %1")
+                 .arg(store->storedModelVersion().isEmpty() ? tr("new") : store->storedModelVersion())
           << '\n';
     for (const model::EntityDescription& entity : store->model().entities()) {
         const int count = store->mainContext().count(model::FetchRequest(entity.name()));

@@ -17,7 +17,8 @@ QString ClientsRecord::fullName(qint64 type, const QString& companyName, const Q
 
 void ClientsRecord::updateFullName()
 {
-    const qint64 position = context()->store().cachedSetting(QStringLiteral("first_name_position")).toLongLong();
+    const qint64 position =
+        context()->store().cachedSetting(QStringLiteral("first_name_position")).toLongLong();
     const QString name = fullName(primitiveValue(QStringLiteral("type")).toLongLong(),
                                   primitiveValue(QStringLiteral("company_name")).toString(),
                                   primitiveValue(QStringLiteral("first_name")).toString(),
@@ -38,15 +39,15 @@ void ClientsRecord::awakeFromInsert()
 
 void ClientsRecord::didChangeValue(const QString& key)
 {
-    if (key == QLatin1String("type") || key == QLatin1String("company_name") || key == QLatin1String("first_name")
-        || key == QLatin1String("last_name"))
+    if (key == QLatin1String("type") || key == QLatin1String("company_name") ||
+        key == QLatin1String("first_name") || key == QLatin1String("last_name"))
         updateFullName();
 }
 
 QVariant ClientsRecord::willSetValue(const QString& key, const QVariant& value)
 {
-    if ((key == QLatin1String("emails") || key == QLatin1String("phones"))
-        && (value.typeId() == QMetaType::QStringList || value.typeId() == QMetaType::QVariantList))
+    if ((key == QLatin1String("emails") || key == QLatin1String("phones")) &&
+        (value.typeId() == QMetaType::QStringList || value.typeId() == QMetaType::QVariantList))
         return value.toStringList().join(QLatin1Char(','));
     return value;
 }

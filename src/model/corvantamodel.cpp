@@ -14,7 +14,11 @@ QString s(const char* text)
 
 void defineReferenceLists(DataModelBuilder& b)
 {
-    b.entity(s("Settings")).string(s("key")).attribute(s("value"), T::Variant).integer(s("id")).index({s("key")}, true);
+    b.entity(s("Settings"))
+        .string(s("key"))
+        .attribute(s("value"), T::Variant)
+        .integer(s("id"))
+        .index({s("key")}, true);
 
     b.entity(s("Units")).string(s("name"));
     b.entity(s("Taxes")).string(s("name")).decimal(s("rate1")).decimal(s("rate2")).boolean(s("cumulative"));
@@ -78,7 +82,8 @@ void defineCompany(DataModelBuilder& b)
         {"default_template_report_summary_item", "Templates"},
     };
     for (const auto& d : defaults)
-        b.oneToOne(s("MyCompany"), s(d.key), R::Nullify, s(d.entity), s("my_company_") + s(d.key), R::Nullify);
+        b.oneToOne(s("MyCompany"), s(d.key), R::Nullify, s(d.entity), s("my_company_") + s(d.key),
+                   R::Nullify);
 
     b.oneToMany(s("MyCompany"), s("category_selected"), R::Nullify, s("Categories"),
                 s("my_company_category_selected"), R::Nullify);
@@ -126,7 +131,8 @@ void defineClients(DataModelBuilder& b)
     b.oneToMany(s("Clients"), s("contacts"), R::Cascade, s("Contacts"), s("client"), R::Nullify);
     b.oneToOne(s("Clients"), s("default_contact"), R::Nullify, s("Contacts"), s("default_contact_client"),
                R::Nullify);
-    b.oneToMany(s("PaymentTypes"), s("clients"), R::Nullify, s("Clients"), s("default_payment_type"), R::Nullify);
+    b.oneToMany(s("PaymentTypes"), s("clients"), R::Nullify, s("Clients"), s("default_payment_type"),
+                R::Nullify);
     b.oneToMany(s("Banks"), s("clients"), R::Nullify, s("Clients"), s("default_bank"), R::Nullify);
     b.oneToMany(s("DueDays"), s("clients"), R::Nullify, s("Clients"), s("default_due_day"), R::Nullify);
 }
@@ -262,7 +268,8 @@ void defineDocuments(DataModelBuilder& b)
         .decimal(s("default_currency_tax1_value"))
         .decimal(s("default_currency_tax2_value"))
         .decimal(s("total"));
-    b.oneToMany(s("Documents"), s("summaries"), R::Cascade, s("DocumentSummaries"), s("document"), R::Nullify);
+    b.oneToMany(s("Documents"), s("summaries"), R::Cascade, s("DocumentSummaries"), s("document"),
+                R::Nullify);
 
     b.entity(s("Payments")).decimal(s("amount")).date(s("date"));
     b.oneToMany(s("Documents"), s("payments"), R::Cascade, s("Payments"), s("document"), R::Nullify);

@@ -51,7 +51,8 @@ EntityDescription& DataModelBuilder::entityNamed(const QString& name)
     return m_model.m_entities[*it];
 }
 
-DataModelBuilder::EntityBuilder& DataModelBuilder::EntityBuilder::attribute(const QString& name, AttributeType type)
+DataModelBuilder::EntityBuilder& DataModelBuilder::EntityBuilder::attribute(const QString& name,
+                                                                            AttributeType type)
 {
     EntityDescription& e = m_builder.m_model.m_entities[m_entity];
     if (e.m_attributeByName.contains(name))
@@ -62,7 +63,7 @@ DataModelBuilder::EntityBuilder& DataModelBuilder::EntityBuilder::attribute(cons
 }
 
 DataModelBuilder::EntityBuilder& DataModelBuilder::EntityBuilder::transientAttribute(const QString& name,
-                                                                                    AttributeType type)
+                                                                                     AttributeType type)
 {
     attribute(name, type);
     m_builder.m_model.m_entities[m_entity].m_attributes.last().transient = true;
@@ -70,14 +71,15 @@ DataModelBuilder::EntityBuilder& DataModelBuilder::EntityBuilder::transientAttri
 }
 
 DataModelBuilder::EntityBuilder& DataModelBuilder::EntityBuilder::numbered(const QString& prefix, int count,
-                                                                          AttributeType type)
+                                                                           AttributeType type)
 {
     for (int i = 1; i <= count; ++i)
         attribute(prefix + QStringLiteral("%1").arg(i, 2, 10, QLatin1Char('0')), type);
     return *this;
 }
 
-DataModelBuilder::EntityBuilder& DataModelBuilder::EntityBuilder::index(const QStringList& columns, bool unique)
+DataModelBuilder::EntityBuilder& DataModelBuilder::EntityBuilder::index(const QStringList& columns,
+                                                                        bool unique)
 {
     m_builder.m_model.m_entities[m_entity].m_indexes.append({columns, unique});
     return *this;
@@ -115,15 +117,19 @@ RelationshipDescription relationship(const QString& name, const QString& destina
 void DataModelBuilder::oneToMany(const QString& ownerEntity, const QString& toMany, DeleteRule ownerRule,
                                  const QString& memberEntity, const QString& toOne, DeleteRule memberRule)
 {
-    addRelationship(ownerEntity, relationship(toMany, memberEntity, toOne, true, ownerRule, RelationshipStorage::InverseForeignKey));
-    addRelationship(memberEntity, relationship(toOne, ownerEntity, toMany, false, memberRule, RelationshipStorage::ForeignKey));
+    addRelationship(ownerEntity, relationship(toMany, memberEntity, toOne, true, ownerRule,
+                                              RelationshipStorage::InverseForeignKey));
+    addRelationship(memberEntity, relationship(toOne, ownerEntity, toMany, false, memberRule,
+                                               RelationshipStorage::ForeignKey));
 }
 
 void DataModelBuilder::oneToOne(const QString& entityA, const QString& nameA, DeleteRule ruleA,
                                 const QString& entityB, const QString& nameB, DeleteRule ruleB)
 {
-    addRelationship(entityA, relationship(nameA, entityB, nameB, false, ruleA, RelationshipStorage::ForeignKey));
-    addRelationship(entityB, relationship(nameB, entityA, nameA, false, ruleB, RelationshipStorage::InverseForeignKey));
+    addRelationship(entityA,
+                    relationship(nameA, entityB, nameB, false, ruleA, RelationshipStorage::ForeignKey));
+    addRelationship(
+        entityB, relationship(nameB, entityA, nameA, false, ruleB, RelationshipStorage::InverseForeignKey));
 }
 
 void DataModelBuilder::symmetricToOne(const QString& entity, const QString& name, DeleteRule rule)
@@ -135,8 +141,10 @@ void DataModelBuilder::manyToMany(const QString& entityA, const QString& nameA, 
                                   const QString& entityB, const QString& nameB, DeleteRule ruleB)
 {
     const QString table = entityA + QLatin1Char('_') + nameA;
-    addRelationship(entityA, relationship(nameA, entityB, nameB, true, ruleA, RelationshipStorage::JoinTable, table, true));
-    addRelationship(entityB, relationship(nameB, entityA, nameA, true, ruleB, RelationshipStorage::JoinTable, table, false));
+    addRelationship(entityA, relationship(nameA, entityB, nameB, true, ruleA, RelationshipStorage::JoinTable,
+                                          table, true));
+    addRelationship(entityB, relationship(nameB, entityA, nameA, true, ruleB, RelationshipStorage::JoinTable,
+                                          table, false));
 }
 
 DataModel DataModelBuilder::build()
@@ -160,8 +168,8 @@ DataModel DataModelBuilder::build()
         for (RelationshipDescription& r : e.m_relationships) {
             const auto dest = m_model.m_entityByName.constFind(r.destination);
             if (dest == m_model.m_entityByName.cend())
-                qFatal("data model: %s.%s leads to unknown entity %s", qPrintable(e.m_name), qPrintable(r.name),
-                       qPrintable(r.destination));
+                qFatal("data model: %s.%s leads to unknown entity %s", qPrintable(e.m_name),
+                       qPrintable(r.name), qPrintable(r.destination));
             r.destinationIndex = *dest;
             if (r.storage == RelationshipStorage::ForeignKey) {
                 r.slot = valueSlot++;

@@ -57,8 +57,7 @@ public:
         EntityBuilder(DataModelBuilder& builder, int entity)
             : m_builder(builder)
             , m_entity(entity)
-        {
-        }
+        {}
         DataModelBuilder& m_builder;
         int m_entity;
     };

@@ -7,7 +7,6 @@
 #include <QDebug>
 #include <QSqlError>
 #include <QSqlQuery>
-
 #include <algorithm>
 
 namespace corvanta::model {
@@ -38,8 +37,7 @@ EditingContext::EditingContext(Store& store, bool main)
     , m_main(main)
     , m_autoMerge(main)
     , m_registry(size_t(store.model().entities().size()))
-{
-}
+{}
 
 EditingContext::~EditingContext() = default;
 
@@ -64,7 +62,8 @@ Record* EditingContext::insertRecord(const QString& entityName)
         qWarning() << "EditingContext::insertRecord: unknown entity" << entityName;
         return nullptr;
     }
-    Record* record = registerRecord(m_store.createRecord({this, entity, m_store.allocatePk(entity->index())}));
+    Record* record =
+        registerRecord(m_store.createRecord({this, entity, m_store.allocatePk(entity->index())}));
     record->m_inserted = true;
     for (auto& list : record->m_lists)
         list = QList<qint64>();
@@ -109,7 +108,8 @@ void EditingContext::fulfill(Record* record)
     QString columns = QStringLiteral("pk");
     for (const QString& column : entity.columns())
         columns += QLatin1String(", ") + SqlCompiler::quoted(column);
-    const QString sql = QStringLiteral("SELECT %1 FROM %2 WHERE pk = ?").arg(columns, SqlCompiler::quoted(entity.name()));
+    const QString sql =
+        QStringLiteral("SELECT %1 FROM %2 WHERE pk = ?").arg(columns, SqlCompiler::quoted(entity.name()));
     QString error;
     QSqlQuery* query = m_store.preparedQuery(sql, &error);
     record->m_fault = false;
@@ -200,7 +200,8 @@ QList<qint64> EditingContext::loadList(Record* record, const RelationshipDescrip
         for (Record* changed : m_changedRecords) {
             if (changed->entity().index() != destination)
                 continue;
-            const bool member = !changed->m_deleted && keyOf(changed->m_values[size_t(inverse.slot)]) == record->pk();
+            const bool member =
+                !changed->m_deleted && keyOf(changed->m_values[size_t(inverse.slot)]) == record->pk();
             if (member)
                 insertSorted(keys, changed->pk());
             else
@@ -238,7 +239,8 @@ void EditingContext::listRemove(qint64 owner, int ownerEntity, const Relationshi
     }
 }
 
-void EditingContext::setToOne(Record* record, const RelationshipDescription& relationship, Record* destination)
+void EditingContext::setToOne(Record* record, const RelationshipDescription& relationship,
+                              Record* destination)
 {
     if (destination && destination->entity().index() != relationship.destinationIndex) {
         qWarning() << "EditingContext: a" << destination->entityName() << "cannot be the" << relationship.name
@@ -260,7 +262,8 @@ void EditingContext::setToOne(Record* record, const RelationshipDescription& rel
         setForeignKey(destination, inverse, record->pk());
 }
 
-void EditingContext::setForeignKey(Record* record, const RelationshipDescription& relationship, qint64 destination)
+void EditingContext::setForeignKey(Record* record, const RelationshipDescription& relationship,
+                                   qint64 destination)
 {
     const qint64 old = keyOf(record->slotValue(relationship.slot));
     if (old == destination)
@@ -306,7 +309,8 @@ void EditingContext::setForeignKey(Record* record, const RelationshipDescription
     listInsert(destination, destinationEntity, inverse, record->pk());
 }
 
-void EditingContext::addToMany(Record* record, const RelationshipDescription& relationship, Record* destination)
+void EditingContext::addToMany(Record* record, const RelationshipDescription& relationship,
+                               Record* destination)
 {
     if (!destination || destination->entity().index() != relationship.destinationIndex) {
         qWarning() << "EditingContext: cannot add to" << relationship.name << "of" << record->entityName();
@@ -327,7 +331,8 @@ void EditingContext::addToMany(Record* record, const RelationshipDescription& re
     listInsert(destination->pk(), destination->entity().index(), inverse, record->pk());
 }
 
-void EditingContext::removeToMany(Record* record, const RelationshipDescription& relationship, Record* destination)
+void EditingContext::removeToMany(Record* record, const RelationshipDescription& relationship,
+                                  Record* destination)
 {
     if (!destination || destination->entity().index() != relationship.destinationIndex)
         return;
@@ -421,13 +426,12 @@ bool EditingContext::checkDenyRules(StoreError* error)
                 users = list(record, r).size();
             }
             if (users > 0) {
-                report(error,
-                       StoreError::make(StoreError::DeleteDenied,
-                                        tr("The changes could not be saved."),
-                                        tr("A record of %1 cannot be deleted while %2 record(s) of %3 use it.")
-                                            .arg(record->entityName())
-                                            .arg(users)
-                                            .arg(r.destination)));
+                report(error, StoreError::make(
+                                  StoreError::DeleteDenied, tr("The changes could not be saved."),
+                                  tr("A record of %1 cannot be deleted while %2 record(s) of %3 use it.")
+                                      .arg(record->entityName())
+                                      .arg(users)
+                                      .arg(r.destination)));
                 return false;
             }
         }
@@ -484,9 +488,10 @@ bool EditingContext::writeChanges(ChangeSet& changes, StoreError* error)
     };
     auto touchForeignKeys = [&](const Record* record, bool onlyChanged) {
         for (const RelationshipDescription& r : record->entity().relationships()) {
-            if (r.storage == RelationshipStorage::ForeignKey && (!onlyChanged || record->m_changed.testBit(r.slot)))
-                changes.touchedForeignKeys << ChangeSet::ForeignKeyTouch{record->entity().index(),
-                                                                         record->entity().relationshipIndex(r.name)};
+            if (r.storage == RelationshipStorage::ForeignKey &&
+                (!onlyChanged || record->m_changed.testBit(r.slot)))
+                changes.touchedForeignKeys << ChangeSet::ForeignKeyTouch{
+                    record->entity().index(), record->entity().relationshipIndex(r.name)};
         }
     };
 
@@ -512,8 +517,9 @@ bool EditingContext::writeChanges(ChangeSet& changes, StoreError* error)
                 marks << QStringLiteral("?");
                 values << valueconversion::toSql(types.at(i), record->m_values[size_t(slots.at(i))]);
             }
-            const QString sql = QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
-                                    .arg(table, names.join(QLatin1String(", ")), marks.join(QLatin1String(", ")));
+            const QString sql =
+                QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
+                    .arg(table, names.join(QLatin1String(", ")), marks.join(QLatin1String(", ")));
             if (!run(sql, values, &why))
                 return fail(tr("Adding a record of %1").arg(entity.name()), why);
             changes.inserted << record->ref();
@@ -538,8 +544,8 @@ bool EditingContext::writeChanges(ChangeSet& changes, StoreError* error)
             if (assignments.isEmpty())
                 continue;
             values << record->pk();
-            const QString sql =
-                QStringLiteral("UPDATE %1 SET %2 WHERE pk = ?").arg(table, assignments.join(QLatin1String(", ")));
+            const QString sql = QStringLiteral("UPDATE %1 SET %2 WHERE pk = ?")
+                                    .arg(table, assignments.join(QLatin1String(", ")));
             if (!run(sql, values, &why))
                 return fail(tr("Changing a record of %1").arg(entity.name()), why);
             changes.updated << update;
@@ -548,8 +554,9 @@ bool EditingContext::writeChanges(ChangeSet& changes, StoreError* error)
     }
     for (const JoinOperation& op : m_joinOperations) {
         const QString table = SqlCompiler::quoted(op.ownerSide->joinTable);
-        const QString sql = op.add ? QStringLiteral("INSERT OR IGNORE INTO %1 (source, target) VALUES (?, ?)").arg(table)
-                                   : QStringLiteral("DELETE FROM %1 WHERE source = ? AND target = ?").arg(table);
+        const QString sql =
+            op.add ? QStringLiteral("INSERT OR IGNORE INTO %1 (source, target) VALUES (?, ?)").arg(table)
+                   : QStringLiteral("DELETE FROM %1 WHERE source = ? AND target = ?").arg(table);
         QString why;
         if (!run(sql, {op.source, op.target}, &why))
             return fail(tr("Changing %1").arg(op.ownerSide->joinTable), why);
@@ -743,7 +750,8 @@ int EditingContext::count(const FetchRequest& request, StoreError* error)
     QString why;
     QSqlQuery* query = m_store.preparedQuery(statement->text, &why);
     if (!query) {
-        report(error, StoreError::make(StoreError::InvalidFetch, tr("The records could not be counted."), why));
+        report(error,
+               StoreError::make(StoreError::InvalidFetch, tr("The records could not be counted."), why));
         return -1;
     }
     for (qsizetype i = 0; i < statement->bindings.size(); ++i)

@@ -7,7 +7,6 @@
 
 #include <QObject>
 #include <QVariantMap>
-
 #include <memory>
 #include <unordered_map>
 #include <vector>
@@ -91,8 +90,10 @@ private:
     void setForeignKey(Record* record, const RelationshipDescription& relationship, qint64 destination);
     void addToMany(Record* record, const RelationshipDescription& relationship, Record* destination);
     void removeToMany(Record* record, const RelationshipDescription& relationship, Record* destination);
-    void listInsert(qint64 owner, int ownerEntity, const RelationshipDescription& relationship, qint64 member);
-    void listRemove(qint64 owner, int ownerEntity, const RelationshipDescription& relationship, qint64 member);
+    void listInsert(qint64 owner, int ownerEntity, const RelationshipDescription& relationship,
+                    qint64 member);
+    void listRemove(qint64 owner, int ownerEntity, const RelationshipDescription& relationship,
+                    qint64 member);
     void applyDeleteRules(Record* record);
     bool checkDenyRules(StoreError* error);
     bool writeChanges(ChangeSet& changes, StoreError* error);

@@ -4,8 +4,7 @@ namespace corvanta::model {
 
 EntityDescription::EntityDescription(const QString& name)
     : m_name(name)
-{
-}
+{}
 
 const AttributeDescription* EntityDescription::attribute(const QString& name) const
 {

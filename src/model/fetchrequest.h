@@ -39,8 +39,7 @@ struct FetchRequest
         : entity(entityName)
         , predicate(condition)
         , sortDescriptors(sort)
-    {
-    }
+    {}
 };
 
 } // namespace corvanta::model

@@ -48,7 +48,7 @@ QVariant aggregate(const QString& function, const QVariantList& values)
         for (const QVariant& v : present) {
             const auto order = QVariant::compare(v, best);
             if (best.isNull() || (function == QLatin1String("@min") ? order == QPartialOrdering::Less
-                                                                     : order == QPartialOrdering::Greater))
+                                                                    : order == QPartialOrdering::Greater))
                 best = v;
         }
         return best;
@@ -66,8 +66,7 @@ Record::Record(const Init& init)
     , m_values(size_t(init.entity->valueSlotCount()))
     , m_lists(size_t(init.entity->listSlotCount()))
     , m_changed(init.entity->valueSlotCount())
-{
-}
+{}
 
 Record::~Record() = default;
 
@@ -103,11 +102,13 @@ QVariant Record::value(const QString& key) const
         const QString& destination = r->destination;
         if (r->storage == RelationshipStorage::ForeignKey) {
             const QVariant& pk = slotValue(r->slot);
-            return pk.isNull() ? QVariant() : QVariant::fromValue(predicate::RecordRef{destination, pk.toLongLong()});
+            return pk.isNull() ? QVariant()
+                               : QVariant::fromValue(predicate::RecordRef{destination, pk.toLongLong()});
         }
         const QList<qint64>& keys = m_context->list(const_cast<Record*>(this), *r);
         if (!r->toMany)
-            return keys.isEmpty() ? QVariant() : QVariant::fromValue(predicate::RecordRef{destination, keys.first()});
+            return keys.isEmpty() ? QVariant()
+                                  : QVariant::fromValue(predicate::RecordRef{destination, keys.first()});
         QVariantList refs;
         refs.reserve(keys.size());
         for (qint64 pk : keys)

@@ -6,7 +6,6 @@
 #include <QBitArray>
 #include <QList>
 #include <QVariant>
-
 #include <optional>
 #include <vector>
 
@@ -73,7 +72,11 @@ protected:
     // Called after setValue changed an attribute.
     virtual void didChangeValue(const QString& key) { Q_UNUSED(key) }
     // Lets a subclass adapt an incoming value before it is stored (lists joined to text ...).
-    virtual QVariant willSetValue(const QString& key, const QVariant& value) { Q_UNUSED(key) return value; }
+    virtual QVariant willSetValue(const QString& key, const QVariant& value)
+    {
+        Q_UNUSED(key)
+        return value;
+    }
 
     // Sets an attribute without hooks; `markChanged` decides whether the next save writes it.
     void setPrimitiveValue(const QString& key, const QVariant& value, bool markChanged);
@@ -91,9 +94,9 @@ private:
     EditingContext* m_context;
     const EntityDescription* m_entity;
     qint64 m_pk;
-    mutable std::vector<QVariant> m_values;                       // attributes, then to-one keys
-    mutable std::vector<std::optional<QList<qint64>>> m_lists;    // keys of the other relationships
-    std::optional<std::vector<QVariant>> m_committed;             // values before the first change
+    mutable std::vector<QVariant> m_values;                    // attributes, then to-one keys
+    mutable std::vector<std::optional<QList<qint64>>> m_lists; // keys of the other relationships
+    std::optional<std::vector<QVariant>> m_committed;          // values before the first change
     QBitArray m_changed;
     mutable bool m_fault = false;
     bool m_inserted = false;

@@ -89,7 +89,8 @@ bool migrate(QSqlDatabase& db, const DataModel& model, QString* error)
             QStringList definitions{QStringLiteral("pk INTEGER PRIMARY KEY")};
             for (int i = 0; i < entity.columns().size(); ++i)
                 definitions << columnDefinition(entity, i, model);
-            statements << QStringLiteral("CREATE TABLE %1 (%2)").arg(table, definitions.join(QLatin1String(", ")));
+            statements
+                << QStringLiteral("CREATE TABLE %1 (%2)").arg(table, definitions.join(QLatin1String(", ")));
         } else {
             const QSet<QString> present = existingColumns(db, entity.name());
             for (int i = 0; i < entity.columns().size(); ++i) {
@@ -105,14 +106,15 @@ bool migrate(QSqlDatabase& db, const DataModel& model, QString* error)
                                        SqlCompiler::quoted(r.name));
             if (r.storage == RelationshipStorage::JoinTable && r.joinOwner) {
                 const QString join = SqlCompiler::quoted(r.joinTable);
-                statements << QStringLiteral(
-                                  "CREATE TABLE IF NOT EXISTS %1 ("
-                                  "source INTEGER NOT NULL REFERENCES %2(pk) ON DELETE CASCADE DEFERRABLE INITIALLY "
-                                  "DEFERRED, "
-                                  "target INTEGER NOT NULL REFERENCES %3(pk) ON DELETE CASCADE DEFERRABLE INITIALLY "
-                                  "DEFERRED, "
-                                  "PRIMARY KEY (source, target)) WITHOUT ROWID")
-                                  .arg(join, table, SqlCompiler::quoted(r.destination));
+                statements
+                    << QStringLiteral(
+                           "CREATE TABLE IF NOT EXISTS %1 ("
+                           "source INTEGER NOT NULL REFERENCES %2(pk) ON DELETE CASCADE DEFERRABLE INITIALLY "
+                           "DEFERRED, "
+                           "target INTEGER NOT NULL REFERENCES %3(pk) ON DELETE CASCADE DEFERRABLE INITIALLY "
+                           "DEFERRED, "
+                           "PRIMARY KEY (source, target)) WITHOUT ROWID")
+                           .arg(join, table, SqlCompiler::quoted(r.destination));
                 statements << QStringLiteral("CREATE INDEX IF NOT EXISTS %1 ON %2(target, source)")
                                   .arg(SqlCompiler::quoted(r.joinTable + QLatin1String("_target")), join);
             }

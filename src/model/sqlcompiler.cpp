@@ -1,10 +1,9 @@
 #include "sqlcompiler.h"
 
+#include "predicate/textrules.h"
 #include "record.h"
 #include "sqlitefunctions.h"
 #include "valueconversion.h"
-
-#include "predicate/textrules.h"
 
 #include <QCoreApplication>
 
@@ -32,12 +31,10 @@ struct Sql
     Sql() = default;
     Sql(const QString& t) // NOLINT: plain text converts implicitly
         : text(t)
-    {
-    }
+    {}
     Sql(const char* t) // NOLINT
         : text(QString::fromLatin1(t))
-    {
-    }
+    {}
     static Sql bound(const QVariant& value)
     {
         Sql s(QStringLiteral("?"));
@@ -74,11 +71,11 @@ QString tr(const char* text)
 struct Scope
 {
     const EntityDescription* entity = nullptr;
-    QString alias;       // the entity's table alias, once joined
+    QString alias;        // the entity's table alias, once joined
     QString pkExpression; // the member record's key
-    QString from;        // FROM clause of a sub-query (empty at the top)
-    QString link;        // condition tying a sub-query to its owner
-    QString pendingJoin; // join of the member table, added on first use of its columns
+    QString from;         // FROM clause of a sub-query (empty at the top)
+    QString link;         // condition tying a sub-query to its owner
+    QString pendingJoin;  // join of the member table, added on first use of its columns
     QStringList joins;
     QHash<QString, QString> aliasByPath;
     int* counter = nullptr;
@@ -116,8 +113,7 @@ class Compiler
 public:
     explicit Compiler(const DataModel& model)
         : m_model(model)
-    {
-    }
+    {}
 
     Sql condition(const Predicate& p, Scope& scope)
     {
@@ -150,9 +146,10 @@ public:
     {
         Operand o = resolve(scope, keyPath.split(QLatin1Char('.')), keyPath);
         if (o.kind == Operand::Kind::ToMany)
-            throw CompileFailure{tr("The key path \"%1\" leads through a to-many relationship and has no single "
-                                    "value here.")
-                                     .arg(keyPath)};
+            throw CompileFailure{
+                tr("The key path \"%1\" leads through a to-many relationship and has no single "
+                   "value here.")
+                    .arg(keyPath)};
         return o;
     }
 
@@ -245,8 +242,8 @@ private:
             }
             const RelationshipDescription* r = entity->relationship(name);
             if (!r)
-                throw CompileFailure{
-                    tr("Unknown key path \"%1\": %2 has no key named \"%3\".").arg(keyPath, entity->name(), name)};
+                throw CompileFailure{tr("Unknown key path \"%1\": %2 has no key named \"%3\".")
+                                         .arg(keyPath, entity->name(), name)};
             const EntityDescription& destination = m_model.entity(r->destinationIndex);
             path += name + QLatin1Char('.');
             if (!r->toMany) {
@@ -302,12 +299,13 @@ private:
             sub.from = SqlCompiler::quoted(r.joinTable) + QLatin1Char(' ') + j;
             sub.link = j + QLatin1Char('.') + ownerColumn + QLatin1String(" = ") + ownerKey;
             sub.pkExpression = j + QLatin1Char('.') + memberColumn;
-            sub.pendingJoin = QStringLiteral("JOIN %1 %2 ON %2.pk = %3").arg(destination, sub.alias, sub.pkExpression);
+            sub.pendingJoin =
+                QStringLiteral("JOIN %1 %2 ON %2.pk = %3").arg(destination, sub.alias, sub.pkExpression);
         } else {
             const RelationshipDescription& inverse = m_model.inverseOf(r);
             sub.from = destination + QLatin1Char(' ') + sub.alias;
-            sub.link = sub.alias + QLatin1Char('.') + SqlCompiler::quoted(inverse.name) + QLatin1String(" = ")
-                       + ownerKey;
+            sub.link = sub.alias + QLatin1Char('.') + SqlCompiler::quoted(inverse.name) +
+                       QLatin1String(" = ") + ownerKey;
             sub.pkExpression = sub.alias + QLatin1String(".pk");
         }
         return sub;
@@ -337,7 +335,8 @@ private:
             throw CompileFailure{tr("The aggregate in \"%1\" needs a key to work on.").arg(keyPath)};
         const Operand member = resolve(sub, rest, keyPath);
         if (member.kind == Operand::Kind::ToMany)
-            throw CompileFailure{tr("The aggregate in \"%1\" crosses a second to-many relationship.").arg(keyPath)};
+            throw CompileFailure{
+                tr("The aggregate in \"%1\" crosses a second to-many relationship.").arg(keyPath)};
         QString select;
         if (function == QLatin1String("@sum"))
             select = QStringLiteral("total(%1)").arg(member.sql.text); // 0.0 over nothing, never NULL
@@ -358,8 +357,8 @@ private:
 
     Sql exists(const Scope& sub, const Sql& inner, bool all)
     {
-        const Sql head = QLatin1String(all ? "(NOT EXISTS (" : "(EXISTS (") + subqueryHead(sub, QStringLiteral("1"))
-                         + QLatin1String(" AND ");
+        const Sql head = QLatin1String(all ? "(NOT EXISTS (" : "(EXISTS (") +
+                         subqueryHead(sub, QStringLiteral("1")) + QLatin1String(" AND ");
         if (all)
             return head + "NOT " + inner + "))";
         return head + inner + "))";
@@ -372,11 +371,12 @@ private:
             Scope sub = memberScope(scope, *lhs.relationship, lhs.ownerKey);
             Op memberOp = op;
             // `tags CONTAINS %@` asks whether the collection holds a record.
-            if (op == Op::Contains && lhs.rest.isEmpty()
-                && !(rhs.isConstant && rhs.constant.typeId() == QMetaType::QString))
+            if (op == Op::Contains && lhs.rest.isEmpty() &&
+                !(rhs.isConstant && rhs.constant.typeId() == QMetaType::QString))
                 memberOp = Op::Equal;
-            const Operand member = lhs.rest.isEmpty() ? selfOperand(sub)
-                                                      : resolve(sub, lhs.rest, lhs.rest.join(QLatin1Char('.')));
+            const Operand member = lhs.rest.isEmpty()
+                                       ? selfOperand(sub)
+                                       : resolve(sub, lhs.rest, lhs.rest.join(QLatin1Char('.')));
             const Sql inner = compare(member, memberOp, rhs, options, modifier, sub);
             return exists(sub, inner, modifier == Predicate::Modifier::All);
         }
@@ -384,9 +384,11 @@ private:
             if (op != Op::In)
                 throw CompileFailure{tr("A to-many key path on the right of a comparison needs IN.")};
             Scope sub = memberScope(scope, *rhs.relationship, rhs.ownerKey);
-            const Operand member = rhs.rest.isEmpty() ? selfOperand(sub)
-                                                      : resolve(sub, rhs.rest, rhs.rest.join(QLatin1Char('.')));
-            return exists(sub, compare(lhs, Op::Equal, member, options, Predicate::Modifier::Direct, sub), false);
+            const Operand member = rhs.rest.isEmpty()
+                                       ? selfOperand(sub)
+                                       : resolve(sub, rhs.rest, rhs.rest.join(QLatin1Char('.')));
+            return exists(sub, compare(lhs, Op::Equal, member, options, Predicate::Modifier::Direct, sub),
+                          false);
         }
         return compareValues(lhs, op, rhs, options);
     }
@@ -431,10 +433,11 @@ private:
         switch (op) {
         case Op::Equal:
         case Op::NotEqual: {
-            if (rhs.constant.typeId() == QMetaType::QVariantList || lhs.constant.typeId() == QMetaType::QVariantList)
+            if (rhs.constant.typeId() == QMetaType::QVariantList ||
+                lhs.constant.typeId() == QMetaType::QVariantList)
                 throw CompileFailure{tr("A list can only be compared with IN.")};
-            return Sql("(") + folded(lhs, options) + (op == Op::Equal ? " IS " : " IS NOT ") + folded(rhs, options)
-                   + ")";
+            return Sql("(") + folded(lhs, options) + (op == Op::Equal ? " IS " : " IS NOT ") +
+                   folded(rhs, options) + ")";
         }
         case Op::Less:
         case Op::LessOrEqual:
@@ -442,7 +445,10 @@ private:
         case Op::GreaterOrEqual: {
             if ((lhs.isConstant && lhs.constant.isNull()) || (rhs.isConstant && rhs.constant.isNull()))
                 return "0";
-            const char* sign = op == Op::Less ? " < " : op == Op::LessOrEqual ? " <= " : op == Op::Greater ? " > " : " >= ";
+            const char* sign = op == Op::Less          ? " < "
+                               : op == Op::LessOrEqual ? " <= "
+                               : op == Op::Greater     ? " > "
+                                                       : " >= ";
             QList<Sql> parts;
             if (!lhs.isConstant)
                 parts << lhs.sql + " IS NOT NULL";
@@ -462,8 +468,8 @@ private:
                 return "0";
             const QString pattern = predicate::textrules::fold(rhs.constant.toString(), options);
             const Sql text = folded(lhs, options);
-            return Sql("(") + lhs.sql + " IS NOT NULL AND " + text + " GLOB "
-                   + Sql::bound(predicate::textrules::likePatternToGlob(pattern)) + ")";
+            return Sql("(") + lhs.sql + " IS NOT NULL AND " + text + " GLOB " +
+                   Sql::bound(predicate::textrules::likePatternToGlob(pattern)) + ")";
         }
         case Op::In:
             return membership(lhs, rhs, options);
@@ -475,8 +481,8 @@ private:
     {
         if (!rhs.isConstant) {
             const int code = op == Op::Contains ? 0 : op == Op::BeginsWith ? 1 : 2;
-            return Sql(QStringLiteral("cv_text_op(%1, ").arg(code)) + lhs.sql + ", " + rhs.sql
-                   + QStringLiteral(", %1)").arg(int(options));
+            return Sql(QStringLiteral("cv_text_op(%1, ").arg(code)) + lhs.sql + ", " + rhs.sql +
+                   QStringLiteral(", %1)").arg(int(options));
         }
         if (rhs.constant.isNull())
             return "0";
@@ -494,8 +500,8 @@ private:
             out = out + "substr(" + text + QStringLiteral(", 1, %1) = ").arg(length) + Sql::bound(needle);
             break;
         default:
-            out = out + "length(" + text + QStringLiteral(") >= %1 AND substr(").arg(length) + text
-                  + QStringLiteral(", -%1) = ").arg(length) + Sql::bound(needle);
+            out = out + "length(" + text + QStringLiteral(") >= %1 AND substr(").arg(length) + text +
+                  QStringLiteral(", -%1) = ").arg(length) + Sql::bound(needle);
             break;
         }
         return out + ")";
@@ -506,9 +512,10 @@ private:
         if (!rhs.isConstant)
             throw CompileFailure{tr("IN needs a list, a text or a to-many key path on its right.")};
         if (rhs.constant.typeId() == QMetaType::QString) // a text IN a text: the text contains it
-            return Sql("(") + lhs.sql + " IS NOT NULL AND instr(" + folded(rhs, options) + ", " + folded(lhs, options)
-                   + ") > 0)";
-        if (rhs.constant.typeId() != QMetaType::QVariantList && rhs.constant.typeId() != QMetaType::QStringList)
+            return Sql("(") + lhs.sql + " IS NOT NULL AND instr(" + folded(rhs, options) + ", " +
+                   folded(lhs, options) + ") > 0)";
+        if (rhs.constant.typeId() != QMetaType::QVariantList &&
+            rhs.constant.typeId() != QMetaType::QStringList)
             return compareValues(lhs, Op::Equal, rhs, options);
         const QVariantList items = rhs.constant.toList();
         if (items.isEmpty())
@@ -529,8 +536,7 @@ private:
 
 SqlCompiler::SqlCompiler(const DataModel& model)
     : m_model(model)
-{
-}
+{}
 
 QString SqlCompiler::quoted(const QString& name)
 {
@@ -549,12 +555,13 @@ std::optional<SqlStatement> SqlCompiler::count(const FetchRequest& request, Stor
     return compile(request, true, error);
 }
 
-std::optional<SqlStatement> SqlCompiler::compile(const FetchRequest& request, bool countOnly, StoreError* error) const
+std::optional<SqlStatement> SqlCompiler::compile(const FetchRequest& request, bool countOnly,
+                                                 StoreError* error) const
 {
     const EntityDescription* entity = m_model.entity(request.entity);
     if (!entity) {
-        report(error, StoreError::make(StoreError::InvalidFetch,
-                                       tr("Unknown entity \"%1\".").arg(request.entity)));
+        report(error,
+               StoreError::make(StoreError::InvalidFetch, tr("Unknown entity \"%1\".").arg(request.entity)));
         return std::nullopt;
     }
     int counter = 0;
@@ -575,7 +582,8 @@ std::optional<SqlStatement> SqlCompiler::compile(const FetchRequest& request, bo
                     term += QLatin1String(" COLLATE ") + QLatin1String(sqlitefunctions::kLocalizedCollation);
                 order << term + QLatin1String(sort.ascending ? " ASC" : " DESC");
             }
-            const bool lastDescending = !request.sortDescriptors.isEmpty() && !request.sortDescriptors.last().ascending;
+            const bool lastDescending =
+                !request.sortDescriptors.isEmpty() && !request.sortDescriptors.last().ascending;
             order << QLatin1String(lastDescending ? "t0.pk DESC" : "t0.pk ASC");
         }
 

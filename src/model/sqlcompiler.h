@@ -5,7 +5,6 @@
 #include "storeerror.h"
 
 #include <QVariantList>
-
 #include <optional>
 
 namespace corvanta::model {

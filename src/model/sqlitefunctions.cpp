@@ -3,7 +3,6 @@
 #include "predicate/textrules.h"
 
 #include <QString>
-
 #include <sqlite3.h>
 
 namespace corvanta::model::sqlitefunctions {
@@ -73,14 +72,12 @@ int localizedCompare(void*, int lengthA, const void* a, int lengthB, const void*
 bool registerAll(sqlite3* db)
 {
     const int flags = SQLITE_UTF8 | SQLITE_DETERMINISTIC;
-    bool ok = sqlite3_create_function_v2(db, "cv_fold", 2, flags, nullptr, fold, nullptr, nullptr, nullptr)
-              == SQLITE_OK;
-    ok = ok
-         && sqlite3_create_function_v2(db, "cv_text_op", 4, flags, nullptr, textOperation, nullptr, nullptr, nullptr)
-                == SQLITE_OK;
-    ok = ok
-         && sqlite3_create_collation_v2(db, kLocalizedCollation, SQLITE_UTF16, nullptr, localizedCompare, nullptr)
-                == SQLITE_OK;
+    bool ok = sqlite3_create_function_v2(db, "cv_fold", 2, flags, nullptr, fold, nullptr, nullptr, nullptr) ==
+              SQLITE_OK;
+    ok = ok && sqlite3_create_function_v2(db, "cv_text_op", 4, flags, nullptr, textOperation, nullptr,
+                                          nullptr, nullptr) == SQLITE_OK;
+    ok = ok && sqlite3_create_collation_v2(db, kLocalizedCollation, SQLITE_UTF16, nullptr, localizedCompare,
+                                           nullptr) == SQLITE_OK;
     return ok;
 }
 

@@ -13,7 +13,6 @@
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QVersionNumber>
-
 #include <atomic>
 
 namespace corvanta::model {
@@ -72,17 +71,20 @@ bool Store::openDatabase(StoreError* error)
     const QString folder = file.absolutePath();
     const QFileInfo folderInfo(folder);
     if (folderInfo.exists() && !folderInfo.isDir()) {
-        report(error, StoreError::make(StoreError::FolderIsFile,
-                                       tr("Expected a folder to store application data, found a file (%1).").arg(folder)));
+        report(error, StoreError::make(
+                          StoreError::FolderIsFile,
+                          tr("Expected a folder to store application data, found a file (%1).").arg(folder)));
         return false;
     }
     if (!folderInfo.exists() && !QDir().mkpath(folder)) {
-        report(error, StoreError::make(StoreError::NotWritable, tr("The folder \"%1\" cannot be created.").arg(folder),
+        report(error, StoreError::make(StoreError::NotWritable,
+                                       tr("The folder \"%1\" cannot be created.").arg(folder),
                                        tr("Check that the location exists and that you may write there.")));
         return false;
     }
     if (!QFileInfo(folder).isWritable()) {
-        report(error, StoreError::make(StoreError::NotWritable, tr("The folder \"%1\" cannot be written.").arg(folder),
+        report(error, StoreError::make(StoreError::NotWritable,
+                                       tr("The folder \"%1\" cannot be written.").arg(folder),
                                        tr("A company database needs a folder that you may write in.")));
         return false;
     }
@@ -92,9 +94,10 @@ bool Store::openDatabase(StoreError* error)
         return false;
     }
     if (file.exists() && (!file.isReadable() || !file.isWritable())) {
-        report(error, StoreError::make(StoreError::NotWritable,
-                                       tr("The company database \"%1\" cannot be read and written.").arg(m_path),
-                                       tr("Check the file's permissions.")));
+        report(error,
+               StoreError::make(StoreError::NotWritable,
+                                tr("The company database \"%1\" cannot be read and written.").arg(m_path),
+                                tr("Check the file's permissions.")));
         return false;
     }
 
@@ -102,17 +105,19 @@ bool Store::openDatabase(StoreError* error)
     m_lock->setStaleLockTime(0); // a lock is stale only when its process is gone
     if (!m_lock->tryLock(0)) {
         if (m_lock->error() == QLockFile::LockFailedError) {
-            report(error, StoreError::make(
-                              StoreError::AlreadyOpen,
-                              tr("The company database \"%1\" is already open in another running instance of "
-                                 "Corvanta.")
-                                  .arg(m_path),
-                              tr("Quit the other instance first: a company database can be used by one instance "
-                                 "at a time.")));
+            report(error,
+                   StoreError::make(
+                       StoreError::AlreadyOpen,
+                       tr("The company database \"%1\" is already open in another running instance of "
+                          "Corvanta.")
+                           .arg(m_path),
+                       tr("Quit the other instance first: a company database can be used by one instance "
+                          "at a time.")));
         } else {
-            report(error, StoreError::make(StoreError::NotWritable,
-                                           tr("The company database \"%1\" cannot be locked for writing.").arg(m_path),
-                                           tr("Check that you may write in its folder.")));
+            report(error, StoreError::make(
+                              StoreError::NotWritable,
+                              tr("The company database \"%1\" cannot be locked for writing.").arg(m_path),
+                              tr("Check that you may write in its folder.")));
         }
         m_lock.reset();
         return false;
@@ -131,7 +136,8 @@ bool Store::openDatabase(StoreError* error)
     QSqlQuery q(db);
     const auto notOurs = [&](const QString& reason) {
         report(error, StoreError::make(StoreError::NotADatabase,
-                                       tr("The file \"%1\" is not a Corvanta company database.").arg(m_path), reason));
+                                       tr("The file \"%1\" is not a Corvanta company database.").arg(m_path),
+                                       reason));
         return false;
     };
     if (!q.exec(QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'table'")))
@@ -147,15 +153,19 @@ bool Store::openDatabase(StoreError* error)
     if (applicationId == 0 && !tables.isEmpty() && !tables.contains(QStringLiteral("Settings")))
         return notOurs(tr("It holds tables of another program."));
 
-    if (tables.contains(QStringLiteral("Settings"))
-        && q.exec(QStringLiteral("SELECT value FROM \"Settings\" WHERE \"key\" = 'version'")) && q.next())
+    if (tables.contains(QStringLiteral("Settings")) &&
+        q.exec(QStringLiteral("SELECT value FROM \"Settings\" WHERE \"key\" = 'version'")) && q.next())
         m_storedVersion = q.value(0).toString();
     q.finish();
     const QVersionNumber stored = QVersionNumber::fromString(m_storedVersion);
-    if (!m_storedVersion.isEmpty() && stored.majorVersion() > QVersionNumber::fromString(m_model.version()).majorVersion()) {
-        report(error, StoreError::make(StoreError::StoreInitFailed,
-                                       tr("The company database \"%1\" was made by a newer version of Corvanta.").arg(m_path),
-                                       tr("Its data model is %1; this version knows %2.").arg(m_storedVersion, m_model.version())));
+    if (!m_storedVersion.isEmpty() &&
+        stored.majorVersion() > QVersionNumber::fromString(m_model.version()).majorVersion()) {
+        report(
+            error,
+            StoreError::make(
+                StoreError::StoreInitFailed,
+                tr("The company database \"%1\" was made by a newer version of Corvanta.").arg(m_path),
+                tr("Its data model is %1; this version knows %2.").arg(m_storedVersion, m_model.version())));
         return false;
     }
 
@@ -165,8 +175,8 @@ bool Store::openDatabase(StoreError* error)
     q.finish();
 
     const QVariant handle = db.driver()->handle();
-    if (!handle.isValid() || qstrcmp(handle.typeName(), "sqlite3*") != 0
-        || !sqlitefunctions::registerAll(*static_cast<sqlite3* const*>(handle.data()))) {
+    if (!handle.isValid() || qstrcmp(handle.typeName(), "sqlite3*") != 0 ||
+        !sqlitefunctions::registerAll(*static_cast<sqlite3* const*>(handle.data()))) {
         report(error, StoreError::make(StoreError::StoreInitFailed, tr("Failed to initialize the store"),
                                        tr("There was an error building up the data file.")));
         return false;
@@ -174,14 +184,16 @@ bool Store::openDatabase(StoreError* error)
 
     QString why;
     if (!schema::migrate(db, m_model, &why)) {
-        report(error, StoreError::make(StoreError::StoreInitFailed,
-                                       tr("The company database \"%1\" could not be brought up to date.").arg(m_path),
-                                       why));
+        report(error,
+               StoreError::make(
+                   StoreError::StoreInitFailed,
+                   tr("The company database \"%1\" could not be brought up to date.").arg(m_path), why));
         return false;
     }
 
     for (const EntityDescription& entity : m_model.entities()) {
-        if (q.exec(QStringLiteral("SELECT max(pk) FROM %1").arg(SqlCompiler::quoted(entity.name()))) && q.next())
+        if (q.exec(QStringLiteral("SELECT max(pk) FROM %1").arg(SqlCompiler::quoted(entity.name()))) &&
+            q.next())
             m_lastPk[size_t(entity.index())] = q.value(0).toLongLong();
     }
     m_mainContext.reset(new EditingContext(*this, true));

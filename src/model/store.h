@@ -9,7 +9,6 @@
 #include <QObject>
 #include <QSqlDatabase>
 #include <QSqlQuery>
-
 #include <functional>
 #include <memory>
 #include <unordered_map>

@@ -12,15 +12,15 @@ struct StoreError
 
     enum Code {
         None = 0,
-        FolderIsFile = 101,       // a file stands where the data folder should be
-        NotFound = 260,           // the data folder does not exist
-        NotWritable = 513,        // the location cannot be written
-        NotADatabase = 259,       // the file is not a company database
-        AlreadyOpen = 9001,       // another running instance holds the database
-        SaveFailed = 1560,        // a save was rolled back
-        DeleteDenied = 1600,      // a deleted record is still in use
-        InvalidFetch = 1700,      // a fetch named an unknown key or could not be compiled
-        StoreInitFailed = 9999,   // no store could be built
+        FolderIsFile = 101,     // a file stands where the data folder should be
+        NotFound = 260,         // the data folder does not exist
+        NotWritable = 513,      // the location cannot be written
+        NotADatabase = 259,     // the file is not a company database
+        AlreadyOpen = 9001,     // another running instance holds the database
+        SaveFailed = 1560,      // a save was rolled back
+        DeleteDenied = 1600,    // a deleted record is still in use
+        InvalidFetch = 1700,    // a fetch named an unknown key or could not be compiled
+        StoreInitFailed = 9999, // no store could be built
     };
 
     QString domain = QString::fromLatin1(kDomain);

@@ -3,7 +3,6 @@
 #include "predicate/recordref.h"
 
 #include <QColor>
-
 #include <cmath>
 
 namespace corvanta::model::valueconversion {
@@ -68,8 +67,11 @@ QVariant toMemory(AttributeType type, const QVariant& value)
     if (value.isNull() || !value.isValid())
         return {};
     switch (type) {
-    case AttributeType::String:
-        return value.toString();
+    case AttributeType::String: {
+        // An empty text is a value, not a missing one: keep it apart from NULL.
+        const QString text = value.toString();
+        return text.isNull() ? QString(QLatin1String("")) : text;
+    }
     case AttributeType::Integer:
         if (value.typeId() == QMetaType::Double)
             return qint64(std::llround(value.toDouble()));

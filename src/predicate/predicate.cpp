@@ -62,8 +62,8 @@ bool operator==(const Predicate& a, const Predicate& b)
     if (a.m_kind != b.m_kind)
         return false;
     if (a.m_kind == Predicate::Kind::Comparison)
-        return a.m_op == b.m_op && a.m_modifier == b.m_modifier && a.m_options == b.m_options && a.m_lhs == b.m_lhs
-               && a.m_rhs == b.m_rhs;
+        return a.m_op == b.m_op && a.m_modifier == b.m_modifier && a.m_options == b.m_options &&
+               a.m_lhs == b.m_lhs && a.m_rhs == b.m_rhs;
     return a.m_children == b.m_children;
 }
 

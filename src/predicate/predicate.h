@@ -3,7 +3,6 @@
 #include "expression.h"
 
 #include <QFlags>
-
 #include <vector>
 
 namespace corvanta::predicate {
@@ -36,8 +35,8 @@ public:
     Predicate() = default;
     static Predicate truePredicate();
     static Predicate falsePredicate();
-    static Predicate comparison(const Expression& lhs, Operator op, const Expression& rhs, Options options = {},
-                                Modifier modifier = Modifier::Direct);
+    static Predicate comparison(const Expression& lhs, Operator op, const Expression& rhs,
+                                Options options = {}, Modifier modifier = Modifier::Direct);
     // Shorthand for `keyPath op value`.
     static Predicate compare(const QString& keyPath, Operator op, const QVariant& value, Options options = {},
                              Modifier modifier = Modifier::Direct);

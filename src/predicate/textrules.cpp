@@ -13,8 +13,8 @@ QString fold(const QString& text, Predicate::Options options)
         result.reserve(decomposed.size());
         for (const QChar c : decomposed) {
             const auto category = c.category();
-            if (category != QChar::Mark_NonSpacing && category != QChar::Mark_SpacingCombining
-                && category != QChar::Mark_Enclosing)
+            if (category != QChar::Mark_NonSpacing && category != QChar::Mark_SpacingCombining &&
+                category != QChar::Mark_Enclosing)
                 result.append(c);
         }
         result = result.normalized(QString::NormalizationForm_C);

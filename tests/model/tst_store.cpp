@@ -1,0 +1,261 @@
+#include "model/corvantamodel.h"
+#include "model/schema.h"
+#include "storetestsupport.h"
+
+#include <QProcess>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+
+using namespace corvanta::model;
+using namespace corvanta::model::testing;
+using corvanta::predicate::Predicate;
+
+namespace {
+
+// Runs SQL on a database file through a connection of its own, as another program would.
+void runSql(const QString& path, const QStringList& statements)
+{
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("raw"));
+        db.setDatabaseName(path);
+        QVERIFY(db.open());
+        QSqlQuery q(db);
+        for (const QString& s : statements)
+            QVERIFY2(q.exec(s), qPrintable(s));
+    }
+    QSqlDatabase::removeDatabase(QStringLiteral("raw"));
+}
+
+QStringList columnsOf(const QString& path, const QString& table)
+{
+    QStringList columns;
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("raw"));
+        db.setDatabaseName(path);
+        db.open();
+        QSqlQuery q(db);
+        q.exec(QStringLiteral("PRAGMA table_info(\"%1\")").arg(table));
+        while (q.next())
+            columns << q.value(1).toString();
+    }
+    QSqlDatabase::removeDatabase(QStringLiteral("raw"));
+    return columns;
+}
+
+} // namespace
+
+class tst_Store : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void opensNewDatabaseWithEveryTable();
+    void refusesBadLocations_data();
+    void refusesBadLocations();
+    void refusesSecondInstanceInProcess();
+    void refusesSecondRunningInstance();
+    void migratesOlderFile();
+    void refusesNewerDataModel();
+    void keysContinueAfterReopen();
+};
+
+void tst_Store::opensNewDatabaseWithEveryTable()
+{
+    ScratchStore s;
+    QVERIFY(s.store().storedModelVersion().isEmpty());
+    for (const EntityDescription& entity : corvantaDataModel().entities()) {
+        QCOMPARE(s.main().count(FetchRequest(entity.name())), 0);
+    }
+    QVERIFY(QFile::exists(s.path() + QLatin1String(".lock")));
+}
+
+void tst_Store::refusesBadLocations_data()
+{
+    QTest::addColumn<QString>("setup"); // what stands in the way
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QString>("message");
+
+    QTest::newRow("garbage file") << "garbage" << int(StoreError::NotADatabase)
+                                  << "The file \"%1\" is not a Corvanta company database.";
+    QTest::newRow("empty-looking text file")
+        << "text" << int(StoreError::NotADatabase) << "The file \"%1\" is not a Corvanta company database.";
+    QTest::newRow("database of another program") << "foreign" << int(StoreError::NotADatabase)
+                                                 << "The file \"%1\" is not a Corvanta company database.";
+    QTest::newRow("folder in place of the file")
+        << "folder" << int(StoreError::NotADatabase) << "\"%1\" is a folder, not a company database file.";
+    QTest::newRow("file in place of the folder")
+        << "folderIsFile" << int(StoreError::FolderIsFile)
+        << "Expected a folder to store application data, found a file (%2).";
+    QTest::newRow("folder that cannot be made")
+        << "unwritable" << int(StoreError::NotWritable) << "The folder \"%2\" cannot be created.";
+}
+
+void tst_Store::refusesBadLocations()
+{
+    QFETCH(QString, setup);
+    QFETCH(int, code);
+    QFETCH(QString, message);
+
+    QTemporaryDir dir;
+    QString folder = dir.path();
+    QString path = dir.filePath(QStringLiteral("company.cvdb"));
+    QByteArray before;
+    if (setup == QLatin1String("garbage") || setup == QLatin1String("text")) {
+        QFile f(path);
+        QVERIFY(f.open(QIODevice::WriteOnly));
+        before = setup == QLatin1String("garbage") ? QByteArray(4096, '\xA5')
+                                                   : QByteArray("name;city\nAnn;Oslo\n");
+        f.write(before);
+    } else if (setup == QLatin1String("foreign")) {
+        runSql(path, {QStringLiteral("CREATE TABLE songs (title TEXT)"),
+                      QStringLiteral("INSERT INTO songs VALUES ('Blue')")});
+    } else if (setup == QLatin1String("folder")) {
+        QVERIFY(QDir().mkpath(path));
+    } else if (setup == QLatin1String("folderIsFile")) {
+        folder = dir.filePath(QStringLiteral("data"));
+        QFile f(folder);
+        QVERIFY(f.open(QIODevice::WriteOnly));
+        path = folder + QLatin1String("/company.cvdb");
+    } else if (setup == QLatin1String("unwritable")) {
+        folder = QStringLiteral("/proc/corvanta-test-%1").arg(QCoreApplication::applicationPid());
+        path = folder + QLatin1String("/company.cvdb");
+    }
+
+    StoreError error;
+    QVERIFY(!Store::open(path, &error));
+    QCOMPARE(error.code, code);
+    QCOMPARE(error.domain, QStringLiteral("YOUR_ERROR_DOMAIN"));
+    QCOMPARE(error.description,
+             message.replace(QLatin1String("%1"), path).replace(QLatin1String("%2"), folder));
+
+    // Nothing was written over what stood there, and no lock is left behind.
+    if (!before.isEmpty()) {
+        QFile f(path);
+        QVERIFY(f.open(QIODevice::ReadOnly));
+        QCOMPARE(f.readAll(), before);
+    }
+    if (setup == QLatin1String("foreign"))
+        QCOMPARE(columnsOf(path, QStringLiteral("Settings")), QStringList());
+    QVERIFY(!QFile::exists(path + QLatin1String(".lock")));
+}
+
+void tst_Store::refusesSecondInstanceInProcess()
+{
+    ScratchStore s;
+    StoreError error;
+    QVERIFY(!Store::open(s.path(), &error));
+    QCOMPARE(error.code, int(StoreError::AlreadyOpen));
+    QVERIFY(error.description.contains(QLatin1String("already open in another running instance")));
+    // The first instance is untouched by the refused one.
+    s.main().insertRecord(QStringLiteral("Units"), {{QStringLiteral("name"), QStringLiteral("Each")}});
+    saveOrFail(s.main());
+}
+
+void tst_Store::refusesSecondRunningInstance()
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("company.cvdb"));
+    QProcess holder;
+    holder.start(QStringLiteral(STORE_HOLDER), {path});
+    QVERIFY(holder.waitForStarted());
+    QVERIFY(holder.waitForReadyRead(10000));
+    QCOMPARE(holder.readLine().trimmed(), QByteArray("open"));
+
+    StoreError error;
+    QVERIFY(!Store::open(path, &error));
+    QCOMPARE(error.code, int(StoreError::AlreadyOpen));
+    QCOMPARE(
+        error.description,
+        QStringLiteral("The company database \"%1\" is already open in another running instance of Corvanta.")
+            .arg(path));
+
+    holder.closeWriteChannel();
+    QVERIFY(holder.waitForFinished(10000));
+    QCOMPARE(holder.exitCode(), 0);
+    auto store = Store::open(path, &error);
+    QVERIFY2(store, qPrintable(error.message()));
+}
+
+void tst_Store::migratesOlderFile()
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("old.cvdb"));
+    // A file of an earlier version: fewer tables and columns, and one column this version
+    // does not know.
+    runSql(path,
+           {QStringLiteral("CREATE TABLE \"Settings\" (pk INTEGER PRIMARY KEY, \"key\" TEXT, \"value\")"),
+            QStringLiteral("INSERT INTO \"Settings\" VALUES (1, 'version', '1.0')"),
+            QStringLiteral("INSERT INTO \"Settings\" VALUES (2, 'use_warehouse', 1)"),
+            QStringLiteral("CREATE TABLE \"Clients\" (pk INTEGER PRIMARY KEY, \"company_name\" TEXT, "
+                           "\"legacy_note\" TEXT)"),
+            QStringLiteral("INSERT INTO \"Clients\" VALUES (7, 'Acme', 'kept')")});
+
+    StoreError error;
+    auto store = Store::open(path, &error);
+    QVERIFY2(store, qPrintable(error.message()));
+    QCOMPARE(store->storedModelVersion(), QStringLiteral("1.0"));
+
+    EditingContext& c = store->mainContext();
+    Record* acme = c.fetchFirst(FetchRequest(QStringLiteral("Clients")));
+    QVERIFY(acme);
+    QCOMPARE(acme->pk(), qint64(7));
+    QCOMPARE(acme->value(QStringLiteral("company_name")).toString(), QStringLiteral("Acme"));
+    QCOMPARE(acme->value(QStringLiteral("full_name")).toString(), QStringLiteral("Acme"));
+    QCOMPARE(c.count(FetchRequest(QStringLiteral("Settings"))), 2);
+
+    // New columns and tables work at once; a new record does not reuse an old key.
+    acme->setValue(QStringLiteral("tax_number"), QStringLiteral("HU123"));
+    Record* other =
+        c.insertRecord(QStringLiteral("Clients"), {{QStringLiteral("company_name"), QStringLiteral("Beta")}});
+    Record* doc = c.insertRecord(QStringLiteral("Documents"));
+    doc->setRelated(QStringLiteral("client"), acme);
+    saveOrFail(c);
+    QVERIFY(other->pk() > 7);
+    store.reset();
+
+    const QStringList columns = columnsOf(path, QStringLiteral("Clients"));
+    QVERIFY(columns.contains(QStringLiteral("legacy_note")));
+    QVERIFY(columns.contains(QStringLiteral("full_name")));
+    QVERIFY(columns.contains(QStringLiteral("default_address")));
+    QVERIFY(!columnsOf(path, QStringLiteral("Clients_tags")).isEmpty());
+
+    store = Store::open(path, &error);
+    QVERIFY2(store, qPrintable(error.message()));
+    Record* reread = store->mainContext().record({QStringLiteral("Clients"), 7});
+    QCOMPARE(reread->value(QStringLiteral("tax_number")).toString(), QStringLiteral("HU123"));
+    QCOMPARE(reread->relatedList(QStringLiteral("documents")).size(), 1);
+}
+
+void tst_Store::refusesNewerDataModel()
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("newer.cvdb"));
+    runSql(path,
+           {QStringLiteral("CREATE TABLE \"Settings\" (pk INTEGER PRIMARY KEY, \"key\" TEXT, \"value\")"),
+            QStringLiteral("INSERT INTO \"Settings\" VALUES (1, 'version', '2.0')")});
+    StoreError error;
+    QVERIFY(!Store::open(path, &error));
+    QCOMPARE(error.code, int(StoreError::StoreInitFailed));
+    QVERIFY(error.description.contains(QLatin1String("newer version")));
+    QVERIFY(columnsOf(path, QStringLiteral("Clients")).isEmpty()); // nothing was added to it
+}
+
+void tst_Store::keysContinueAfterReopen()
+{
+    ScratchStore s;
+    Record* first =
+        s.main().insertRecord(QStringLiteral("Units"), {{QStringLiteral("name"), QStringLiteral("Each")}});
+    Record* second =
+        s.main().insertRecord(QStringLiteral("Units"), {{QStringLiteral("name"), QStringLiteral("Hours")}});
+    saveOrFail(s.main());
+    const qint64 last = qMax(first->pk(), second->pk());
+    s.reopen();
+    Record* third =
+        s.main().insertRecord(QStringLiteral("Units"), {{QStringLiteral("name"), QStringLiteral("Days")}});
+    QVERIFY(third->pk() > last);
+    saveOrFail(s.main());
+    QCOMPARE(s.main().count(FetchRequest(QStringLiteral("Units"))), 3);
+}
+
+QTEST_GUILESS_MAIN(tst_Store)
+#include "tst_store.moc"
