@@ -5,6 +5,7 @@
 #include "valueconversion.h"
 
 #include <QDebug>
+#include <QSet>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <algorithm>
@@ -474,53 +475,57 @@ bool EditingContext::writeChanges(ChangeSet& changes, StoreError* error)
     }
     control.exec(QStringLiteral("PRAGMA defer_foreign_keys = ON"));
 
-    auto run = [&](const QString& sql, const QVariantList& values, QString* why) {
-        QSqlQuery* query = m_store.preparedQuery(sql, why);
-        if (!query)
-            return false;
-        for (qsizetype i = 0; i < values.size(); ++i)
-            query->bindValue(int(i), values.at(i));
+    auto execute = [](QSqlQuery* query, QString* why) {
         const bool ok = query->exec();
         if (!ok)
             *why = query->lastError().text();
         query->finish();
         return ok;
     };
+    auto run = [&](const QString& sql, const QVariantList& values, QString* why) {
+        QSqlQuery* query = m_store.preparedQuery(sql, why);
+        if (!query)
+            return false;
+        for (qsizetype i = 0; i < values.size(); ++i)
+            query->bindValue(int(i), values.at(i));
+        return execute(query, why);
+    };
+    // Lists of the destinations of these foreign keys are no longer current elsewhere.
+    QSet<int> touched;
     auto touchForeignKeys = [&](const Record* record, bool onlyChanged) {
-        for (const RelationshipDescription& r : record->entity().relationships()) {
+        const QList<RelationshipDescription>& relationships = record->entity().relationships();
+        for (int i = 0; i < relationships.size(); ++i) {
+            const RelationshipDescription& r = relationships.at(i);
             if (r.storage == RelationshipStorage::ForeignKey &&
                 (!onlyChanged || record->m_changed.testBit(r.slot)))
-                changes.touchedForeignKeys << ChangeSet::ForeignKeyTouch{
-                    record->entity().index(), record->entity().relationshipIndex(r.name)};
+                touched.insert(record->entity().index() * 1000 + i);
         }
     };
 
     for (const Record* record : m_changedRecords) {
         const EntityDescription& entity = record->entity();
-        const QString table = SqlCompiler::quoted(entity.name());
         QString why;
         if (record->m_inserted && record->m_deleted)
             continue;
         if (record->m_deleted) {
-            if (!run(QStringLiteral("DELETE FROM %1 WHERE pk = ?").arg(table), {record->pk()}, &why))
+            QSqlQuery* query = m_store.deleteStatement(entity, &why);
+            if (query)
+                query->bindValue(0, record->pk());
+            if (!query || !execute(query, &why))
                 return fail(tr("Deleting a record of %1").arg(entity.name()), why);
             changes.deleted << record->ref();
             touchForeignKeys(record, false);
         } else if (record->m_inserted) {
-            QStringList names{QStringLiteral("pk")};
-            QStringList marks{QStringLiteral("?")};
-            QVariantList values{record->pk()};
-            const QList<int>& slots = entity.columnSlots();
-            const QList<AttributeType>& types = entity.columnTypes();
-            for (qsizetype i = 0; i < slots.size(); ++i) {
-                names << SqlCompiler::quoted(entity.columns().at(i));
-                marks << QStringLiteral("?");
-                values << valueconversion::toSql(types.at(i), record->m_values[size_t(slots.at(i))]);
+            QSqlQuery* query = m_store.insertStatement(entity, &why);
+            if (query) {
+                query->bindValue(0, record->pk());
+                const QList<int>& slots = entity.columnSlots();
+                const QList<AttributeType>& types = entity.columnTypes();
+                for (qsizetype i = 0; i < slots.size(); ++i)
+                    query->bindValue(int(i) + 1, valueconversion::toSql(
+                                                     types.at(i), record->m_values[size_t(slots.at(i))]));
             }
-            const QString sql =
-                QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
-                    .arg(table, names.join(QLatin1String(", ")), marks.join(QLatin1String(", ")));
-            if (!run(sql, values, &why))
+            if (!query || !execute(query, &why))
                 return fail(tr("Adding a record of %1").arg(entity.name()), why);
             changes.inserted << record->ref();
             touchForeignKeys(record, false);
@@ -544,14 +549,17 @@ bool EditingContext::writeChanges(ChangeSet& changes, StoreError* error)
             if (assignments.isEmpty())
                 continue;
             values << record->pk();
-            const QString sql = QStringLiteral("UPDATE %1 SET %2 WHERE pk = ?")
-                                    .arg(table, assignments.join(QLatin1String(", ")));
+            const QString sql =
+                QStringLiteral("UPDATE %1 SET %2 WHERE pk = ?")
+                    .arg(SqlCompiler::quoted(entity.name()), assignments.join(QLatin1String(", ")));
             if (!run(sql, values, &why))
                 return fail(tr("Changing a record of %1").arg(entity.name()), why);
             changes.updated << update;
             touchForeignKeys(record, true);
         }
     }
+    for (int key : std::as_const(touched))
+        changes.touchedForeignKeys << ChangeSet::ForeignKeyTouch{key / 1000, key % 1000};
     for (const JoinOperation& op : m_joinOperations) {
         const QString table = SqlCompiler::quoted(op.ownerSide->joinTable);
         const QString sql =

@@ -32,6 +32,8 @@ Store::Store(const QString& path, const DataModel& model)
     , m_model(model)
     , m_connectionName(nextConnectionName())
     , m_lastPk(size_t(model.entities().size()), 0)
+    , m_insertStatements(size_t(model.entities().size()), nullptr)
+    , m_deleteStatements(size_t(model.entities().size()), nullptr)
 {
     registerRecordClass(QStringLiteral("Clients"),
                         [](const Record::Init& init) { return std::make_unique<ClientsRecord>(init); });
@@ -53,6 +55,8 @@ std::unique_ptr<Store> Store::open(const QString& path, const DataModel& model, 
 Store::~Store()
 {
     m_mainContext.reset();
+    m_insertStatements.clear();
+    m_deleteStatements.clear();
     m_statements.clear();
     if (QSqlDatabase::contains(m_connectionName)) {
         {
@@ -220,6 +224,33 @@ QSqlQuery* Store::preparedQuery(const QString& sql, QString* error)
     QSqlQuery* raw = query.get();
     m_statements.emplace(sql, std::move(query));
     return raw;
+}
+
+QSqlQuery* Store::insertStatement(const EntityDescription& entity, QString* error)
+{
+    QSqlQuery*& cached = m_insertStatements[size_t(entity.index())];
+    if (!cached) {
+        QStringList names{QStringLiteral("pk")};
+        QStringList marks{QStringLiteral("?")};
+        for (const QString& column : entity.columns()) {
+            names << SqlCompiler::quoted(column);
+            marks << QStringLiteral("?");
+        }
+        cached = preparedQuery(QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
+                                   .arg(SqlCompiler::quoted(entity.name()), names.join(QLatin1String(", ")),
+                                        marks.join(QLatin1String(", "))),
+                               error);
+    }
+    return cached;
+}
+
+QSqlQuery* Store::deleteStatement(const EntityDescription& entity, QString* error)
+{
+    QSqlQuery*& cached = m_deleteStatements[size_t(entity.index())];
+    if (!cached)
+        cached = preparedQuery(
+            QStringLiteral("DELETE FROM %1 WHERE pk = ?").arg(SqlCompiler::quoted(entity.name())), error);
+    return cached;
 }
 
 EditingContext& Store::mainContext()

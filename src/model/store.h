@@ -65,6 +65,9 @@ private:
     QSqlDatabase database() const;
     // A prepared statement kept for reuse; prepared on first use.
     QSqlQuery* preparedQuery(const QString& sql, QString* error);
+    // The statements that add and remove one record of an entity, prepared once.
+    QSqlQuery* insertStatement(const EntityDescription& entity, QString* error);
+    QSqlQuery* deleteStatement(const EntityDescription& entity, QString* error);
     qint64 allocatePk(int entity) { return ++m_lastPk[size_t(entity)]; }
     std::unique_ptr<Record> createRecord(const Record::Init& init) const;
     void contextDidSave(const ChangeSet& changes, EditingContext* origin);
@@ -76,6 +79,8 @@ private:
     std::unique_ptr<QLockFile> m_lock;
     std::vector<qint64> m_lastPk;
     std::unordered_map<QString, std::unique_ptr<QSqlQuery>> m_statements;
+    std::vector<QSqlQuery*> m_insertStatements;
+    std::vector<QSqlQuery*> m_deleteStatements;
     QHash<QString, RecordFactory> m_factories;
     std::optional<QHash<QString, QVariant>> m_settingsCache;
     std::unique_ptr<EditingContext> m_mainContext;
