@@ -1,6 +1,7 @@
 #pragma once
 
 #include "entitydescription.h"
+#include "predicate/keypathsource.h"
 #include "predicate/recordref.h"
 
 #include <QBitArray>
@@ -16,7 +17,7 @@ class EditingContext;
 // One record of an entity, owned by the editing context that fetched or inserted it.
 // Values are addressed by attribute name and by key path; relationships keep their inverses
 // in step. Subclasses derive attributes through the protected hooks.
-class Record
+class Record : public predicate::KeyPathSource
 {
 public:
     struct Init
@@ -27,7 +28,7 @@ public:
     };
 
     explicit Record(const Init& init);
-    virtual ~Record();
+    ~Record() override;
     Record(const Record&) = delete;
     Record& operator=(const Record&) = delete;
 
@@ -48,7 +49,8 @@ public:
     // Follows a key path: to-one chains (`client.default_address.street`), to-many steps
     // (giving a list), aggregates (`payments.@sum.amount`, `@count`, `@avg`, `@min`, `@max`)
     // and `self`. Sums add in the records' stored order. An unknown key gives null.
-    QVariant valueForKeyPath(const QString& keyPath) const;
+    QVariant valueForKeyPath(const QString& keyPath) const override;
+    predicate::RecordRef selfRef() const override { return ref(); }
 
     Record* related(const QString& toOne) const;
     QList<Record*> relatedList(const QString& toMany) const;

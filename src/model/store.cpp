@@ -35,6 +35,10 @@ Store::Store(const QString& path, const DataModel& model)
     , m_insertStatements(size_t(model.entities().size()), nullptr)
     , m_deleteStatements(size_t(model.entities().size()), nullptr)
 {
+    // Lets the predicate evaluator compare records given as Record* with references.
+    static const bool converterRegistered = QMetaType::registerConverter<Record*, predicate::RecordRef>(
+        [](Record* record) { return record ? record->ref() : predicate::RecordRef(); });
+    Q_UNUSED(converterRegistered)
     registerRecordClass(QStringLiteral("Clients"),
                         [](const Record::Init& init) { return std::make_unique<ClientsRecord>(init); });
 }

@@ -1,6 +1,7 @@
 #include "textrules.h"
 
 #include <QCollator>
+#include <algorithm>
 
 namespace corvanta::predicate::textrules {
 
@@ -35,6 +36,18 @@ int localizedCaseInsensitiveCompare(const QString& a, const QString& b)
     return collator.compare(a, b);
 }
 
+int compareCodePoints(const QString& a, const QString& b)
+{
+    const QList<uint> x = a.toUcs4();
+    const QList<uint> y = b.toUcs4();
+    const auto [ix, iy] = std::mismatch(x.begin(), x.end(), y.begin(), y.end());
+    if (ix == x.end())
+        return iy == y.end() ? 0 : -1;
+    if (iy == y.end())
+        return 1;
+    return *ix < *iy ? -1 : 1;
+}
+
 QString likePatternToGlob(const QString& pattern)
 {
     QString glob;
@@ -58,12 +71,13 @@ QString likePatternToGlob(const QString& pattern)
 
 namespace {
 
-bool likeMatchesFrom(const QString& text, qsizetype ti, const QString& pattern, qsizetype pi)
+// Works on code points, as SQLite's GLOB does: `?` stands for one character, whatever its size.
+bool likeMatchesFrom(const QList<uint>& text, qsizetype ti, const QList<uint>& pattern, qsizetype pi)
 {
     while (pi < pattern.size()) {
-        QChar p = pattern.at(pi);
-        if (p == QLatin1Char('*')) {
-            while (pi < pattern.size() && pattern.at(pi) == QLatin1Char('*'))
+        uint p = pattern.at(pi);
+        if (p == '*') {
+            while (pi < pattern.size() && pattern.at(pi) == '*')
                 ++pi;
             if (pi == pattern.size())
                 return true;
@@ -75,12 +89,12 @@ bool likeMatchesFrom(const QString& text, qsizetype ti, const QString& pattern, 
         }
         if (ti >= text.size())
             return false;
-        if (p == QLatin1Char('?')) {
+        if (p == '?') {
             ++pi;
             ++ti;
             continue;
         }
-        if (p == QLatin1Char('\\') && pi + 1 < pattern.size())
+        if (p == '\\' && pi + 1 < pattern.size())
             p = pattern.at(++pi);
         if (text.at(ti) != p)
             return false;
@@ -94,7 +108,7 @@ bool likeMatchesFrom(const QString& text, qsizetype ti, const QString& pattern, 
 
 bool likeMatches(const QString& text, const QString& pattern)
 {
-    return likeMatchesFrom(text, 0, pattern, 0);
+    return likeMatchesFrom(text.toUcs4(), 0, pattern.toUcs4(), 0);
 }
 
 } // namespace corvanta::predicate::textrules

@@ -18,6 +18,9 @@ QString fold(const QString& text, Predicate::Options options);
 // The order of "localized, case-insensitive" sorting: the user's locale collation, ignoring case.
 int localizedCaseInsensitiveCompare(const QString& a, const QString& b);
 
+// Orders two texts by their Unicode code points, as SQLite's binary collation orders UTF-8.
+int compareCodePoints(const QString& a, const QString& b);
+
 // Translates a LIKE pattern (`*` any run, `?` one character, backslash escapes the next
 // character) into an SQLite GLOB pattern with the same meaning.
 QString likePatternToGlob(const QString& pattern);

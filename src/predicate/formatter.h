@@ -1,0 +1,21 @@
+#pragma once
+
+#include "predicate.h"
+
+#include <QString>
+
+namespace corvanta::predicate {
+
+// Writes a predicate in its stored text form, the form the smart-folder editor writes:
+// `company_name CONTAINS[cd] "smith"`, `date_creation == "@this_month"`, `type == 0`,
+// compounds joined by AND / OR with nested compounds in parentheses. Reading the text back
+// with Parser gives the same tree.
+class Formatter
+{
+public:
+    static QString format(const Predicate& predicate);
+    static QString format(const Expression& expression);
+    static QString quoted(const QString& text);
+};
+
+} // namespace corvanta::predicate
