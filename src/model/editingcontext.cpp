@@ -1,5 +1,6 @@
 #include "editingcontext.h"
 
+#include "predicate/evaluator.h"
 #include "sqlcompiler.h"
 #include "store.h"
 #include "valueconversion.h"
@@ -11,6 +12,8 @@
 #include <algorithm>
 
 namespace corvanta::model {
+
+using predicate::Predicate;
 
 namespace {
 
@@ -702,6 +705,36 @@ void EditingContext::reset()
 
 QList<Record*> EditingContext::fetch(const FetchRequest& request, StoreError* error)
 {
+    const EntityDescription* entity = m_store.model().entity(request.entity);
+    const QList<Record*> pending =
+        entity && request.includesPendingChanges ? pendingRecords(entity->index()) : QList<Record*>();
+    if (pending.isEmpty())
+        return runSelect(request, error);
+
+    // Unsaved records are judged in memory by the same rules; the rest comes from the store.
+    FetchRequest stored = request;
+    stored.limit = 0;
+    stored.offset = 0;
+    StoreError selectError;
+    QList<Record*> results = runSelect(stored, &selectError);
+    if (selectError.isError()) {
+        report(error, selectError);
+        return {};
+    }
+    results.removeIf([&](Record* r) { return pending.contains(r); });
+    for (Record* r : pending) {
+        if (!r->m_deleted && predicate::Evaluator::evaluate(request.predicate, *r))
+            results << r;
+    }
+    sortInMemory(results, request.sortDescriptors);
+    const qsizetype from = qMin<qsizetype>(qMax(0, request.offset), results.size());
+    const qsizetype count =
+        request.limit > 0 ? qMin<qsizetype>(request.limit, results.size() - from) : results.size() - from;
+    return results.mid(from, count);
+}
+
+QList<Record*> EditingContext::runSelect(const FetchRequest& request, StoreError* error)
+{
     const SqlCompiler compiler(m_store.model());
     const std::optional<SqlStatement> statement = compiler.select(request, error);
     if (!statement)
@@ -723,23 +756,61 @@ QList<Record*> EditingContext::fetch(const FetchRequest& request, StoreError* er
 
     const EntityDescription& entity = *m_store.model().entity(request.entity);
     QList<Record*> results;
-    QList<Record*> fresh;
     while (query->next()) {
         const qint64 pk = query->value(0).toLongLong();
         Record* record = registered(entity.index(), pk);
-        if (record && record->m_deleted)
+        if (record && record->m_deleted && request.includesPendingChanges)
             continue;
         if (!record)
             record = registerRecord(m_store.createRecord({this, &entity, pk}));
         fillFromQuery(record, *query, true);
         results << record;
-        fresh << record;
     }
     query->finish();
     // Hooks run after the statement is finished: they may read the store themselves.
-    for (Record* record : fresh)
+    for (Record* record : results)
         record->awakeFromFetch();
     return results;
+}
+
+QList<Record*> EditingContext::pendingRecords(int entity) const
+{
+    QList<Record*> records;
+    for (Record* r : m_changedRecords) {
+        if (r->entity().index() == entity && (r->hasChanges()))
+            records << r;
+    }
+    // Records whose folders or tags changed are pending too.
+    for (const JoinOperation& op : m_joinOperations) {
+        const RelationshipDescription& inverse = m_store.model().inverseOf(*op.ownerSide);
+        const int sourceEntity = inverse.destinationIndex;
+        const int targetEntity = op.ownerSide->destinationIndex;
+        Record* r = nullptr;
+        if (sourceEntity == entity)
+            r = registered(entity, op.source);
+        else if (targetEntity == entity)
+            r = registered(entity, op.target);
+        if (r && !records.contains(r))
+            records << r;
+    }
+    return records;
+}
+
+void EditingContext::sortInMemory(QList<Record*>& records, const QList<SortDescriptor>& sort) const
+{
+    const bool lastDescending = !sort.isEmpty() && !sort.last().ascending;
+    std::stable_sort(records.begin(), records.end(), [&](const Record* a, const Record* b) {
+        for (const SortDescriptor& d : sort) {
+            const QVariant x = a->valueForKeyPath(d.keyPath);
+            const QVariant y = b->valueForKeyPath(d.keyPath);
+            const int order = d.comparison == SortDescriptor::Comparison::LocalizedCaseInsensitive
+                                  ? predicate::Evaluator::compareLocalized(x, y)
+                                  : predicate::Evaluator::compareValues(x, y);
+            if (order != 0)
+                return d.ascending ? order < 0 : order > 0;
+        }
+        return lastDescending ? a->pk() > b->pk() : a->pk() < b->pk();
+    });
 }
 
 Record* EditingContext::fetchFirst(FetchRequest request, StoreError* error)
@@ -750,6 +821,29 @@ Record* EditingContext::fetchFirst(FetchRequest request, StoreError* error)
 }
 
 int EditingContext::count(const FetchRequest& request, StoreError* error)
+{
+    const EntityDescription* entity = m_store.model().entity(request.entity);
+    const QList<Record*> pending =
+        entity && request.includesPendingChanges ? pendingRecords(entity->index()) : QList<Record*>();
+    if (pending.isEmpty())
+        return runCount(request, error);
+    // The store counts what it holds apart from the unsaved records; those are judged in memory.
+    QVariantList keys;
+    int matching = 0;
+    for (Record* r : pending) {
+        keys << QVariant::fromValue(r->ref());
+        if (!r->m_deleted && predicate::Evaluator::evaluate(request.predicate, *r))
+            ++matching;
+    }
+    FetchRequest stored = request;
+    stored.predicate = Predicate::andOf(
+        {request.predicate,
+         Predicate::notOf(Predicate::compare(QStringLiteral("self"), Predicate::Operator::In, keys))});
+    const int storedCount = runCount(stored, error);
+    return storedCount < 0 ? -1 : storedCount + matching;
+}
+
+int EditingContext::runCount(const FetchRequest& request, StoreError* error)
 {
     const SqlCompiler compiler(m_store.model());
     const std::optional<SqlStatement> statement = compiler.count(request, error);

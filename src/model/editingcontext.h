@@ -19,7 +19,8 @@ class Store;
 
 // A unit of work over the store: records are fetched, inserted, changed and deleted in memory,
 // then written together by save() in one transaction that is rolled back whole on failure.
-// Fetches and counts run as SQL against what is stored.
+// Fetches and counts run as SQL against what is stored; records with unsaved changes in this
+// context are judged in memory by the same rules (unless the request leaves them out).
 class EditingContext : public QObject
 {
     Q_OBJECT
@@ -79,6 +80,11 @@ private:
     EditingContext(Store& store, bool main);
 
     Record* registered(int entity, qint64 pk) const;
+    QList<Record*> runSelect(const FetchRequest& request, StoreError* error);
+    int runCount(const FetchRequest& request, StoreError* error);
+    // The records of an entity with unsaved changes here, which fetches judge in memory.
+    QList<Record*> pendingRecords(int entity) const;
+    void sortInMemory(QList<Record*>& records, const QList<SortDescriptor>& sort) const;
     Record* registerRecord(std::unique_ptr<Record> record);
     void fulfill(Record* record);
     void fillFromQuery(Record* record, const QSqlQuery& query, bool keepChanges);

@@ -32,6 +32,8 @@ struct FetchRequest
     QList<SortDescriptor> sortDescriptors;
     int limit = 0; // 0 = all
     int offset = 0;
+    // Whether records inserted, changed or deleted in the context and not yet saved count.
+    bool includesPendingChanges = true;
 
     FetchRequest() = default;
     explicit FetchRequest(const QString& entityName, const predicate::Predicate& condition = {},

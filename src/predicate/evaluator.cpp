@@ -228,6 +228,22 @@ bool comparison(const Predicate& p, const KeyPathSource& record)
 
 } // namespace
 
+int Evaluator::compareValues(const QVariant& a, const QVariant& b)
+{
+    const QVariant x = normalized(a);
+    const QVariant y = normalized(b);
+    if (x.isNull() || y.isNull())
+        return x.isNull() == y.isNull() ? 0 : x.isNull() ? -1 : 1;
+    return order(x, y, {}).value_or(0);
+}
+
+int Evaluator::compareLocalized(const QVariant& a, const QVariant& b)
+{
+    if (isText(a) && isText(b))
+        return textrules::localizedCaseInsensitiveCompare(a.toString(), b.toString());
+    return compareValues(a, b);
+}
+
 bool Evaluator::evaluate(const Predicate& predicate, const KeyPathSource& record)
 {
     switch (predicate.kind()) {

@@ -14,6 +14,12 @@ class Evaluator
 {
 public:
     static bool evaluate(const Predicate& predicate, const KeyPathSource& record);
+
+    // Orders two values as the store's ORDER BY does: missing values first, numbers and dates
+    // by value, texts by code point, records by key.
+    static int compareValues(const QVariant& a, const QVariant& b);
+    // The same with texts in localized, case-insensitive order.
+    static int compareLocalized(const QVariant& a, const QVariant& b);
 };
 
 } // namespace corvanta::predicate

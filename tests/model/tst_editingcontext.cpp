@@ -45,6 +45,7 @@ private Q_SLOTS:
     void mainMergesOtherContextsSaves();
     void localChangeWinsPropertyByProperty();
     void mergeRemovesDeletedAndRefreshesLists();
+    void fetchJudgesUnsavedRecordsInMemory();
     void keyPaths_data();
     void keyPaths();
     void sumFollowsStoredOrder();
@@ -250,7 +251,7 @@ void tst_EditingContext::denyRefusesDeleteInUse()
     QVERIFY(!c.save(&error));
     QCOMPARE(error.code, int(StoreError::DeleteDenied));
     QVERIFY2(error.reason.contains(QLatin1String("DocumentRows")), qPrintable(error.reason));
-    QCOMPARE(c.count(FetchRequest(s("Taxes"))), 1);
+    QCOMPARE(st.store().newContext()->count(FetchRequest(s("Taxes"))), 1);
 
     // Once no row uses it, the same delete goes through.
     row->setRelated(s("tax"), nullptr);
@@ -383,6 +384,46 @@ void tst_EditingContext::mergeRemovesDeletedAndRefreshesLists()
     QCOMPARE(names(doc->relatedList(s("rows"))), QStringList{s("second")});
     QCOMPARE(doc->relatedList(s("tags")), QList<Record*>{tag});
     QCOMPARE(tag->relatedList(s("documents")), QList<Record*>{doc});
+}
+
+void tst_EditingContext::fetchJudgesUnsavedRecordsInMemory()
+{
+    ScratchStore st;
+    EditingContext& c = st.main();
+    QList<Record*> docs;
+    for (int i = 1; i <= 5; ++i)
+        docs << c.insertRecord(s("Documents"), {{s("number_formatted"), QStringLiteral("D%1").arg(i)},
+                                                {s("sum_total"), 10.0 * i}});
+    saveOrFail(c);
+
+    // Unsaved: D6 is new and matches, D2 no longer matches, D4 is deleted, D1 now matches.
+    c.insertRecord(s("Documents"), {{s("number_formatted"), s("D6")}, {s("sum_total"), 60.0}});
+    docs[1]->setValue(s("sum_total"), 1.0);
+    c.deleteRecord(docs[3]);
+    docs[0]->setValue(s("sum_total"), 99.0);
+    const Predicate over15 = where(s("sum_total"), Op::Greater, 15.0);
+    FetchRequest request(s("Documents"), over15, {SortDescriptor{s("sum_total"), false}});
+    QCOMPARE(names(c.fetch(request), "number_formatted"), (QStringList{s("D1"), s("D6"), s("D5"), s("D3")}));
+    QCOMPARE(c.count(request), 4);
+    request.offset = 1;
+    request.limit = 2;
+    QCOMPARE(names(c.fetch(request), "number_formatted"), (QStringList{s("D6"), s("D5")}));
+
+    // Asked for what is stored only, the unsaved changes do not count (the records keep
+    // their unsaved values).
+    request = FetchRequest(s("Documents"), over15, {SortDescriptor{s("sum_total"), false}});
+    request.includesPendingChanges = false;
+    QCOMPARE(names(c.fetch(request), "number_formatted"), (QStringList{s("D5"), s("D4"), s("D3"), s("D2")}));
+    QCOMPARE(c.count(request), 4);
+
+    // A tag added but not saved.
+    Record* tag = c.insertRecord(s("Categories"), {{s("name"), s("Urgent")}});
+    docs[2]->addRelated(s("tags"), tag);
+    const FetchRequest tagged(s("Documents"),
+                              Predicate::compare(s("tags"), Op::Equal, QVariant::fromValue(tag->ref()), {},
+                                                 Predicate::Modifier::Any));
+    QCOMPARE(names(c.fetch(tagged), "number_formatted"), QStringList{s("D3")});
+    QCOMPARE(c.count(tagged), 1);
 }
 
 void tst_EditingContext::keyPaths_data()
