@@ -130,6 +130,7 @@ QVariant toSql(AttributeType type, const QVariant& value)
         return parts.join(QLatin1Char(','));
     }
     case AttributeType::Variant:
+    case AttributeType::String:
         return constantToSql(value);
     default:
         return value;
@@ -145,6 +146,9 @@ QVariant constantToSql(const QVariant& value)
         return toReferenceSeconds(value.toDate().startOfDay());
     case QMetaType::Bool:
         return value.toBool() ? 1 : 0;
+    case QMetaType::QString:
+        // The SQLite driver binds a null QString as NULL; an empty text constant is a text.
+        return value.toString().isNull() ? QVariant(QString(QLatin1String(""))) : value;
     default:
         break;
     }

@@ -79,12 +79,8 @@ QString constantText(const QVariant& value)
     default:
         break;
     }
-    if (value.typeId() == qMetaTypeId<RecordRef>()) {
-        // Records have no literal; they are bound as arguments (%@). This text names the record
-        // for messages and logs.
-        const RecordRef ref = value.value<RecordRef>();
-        return QStringLiteral("%@ /* %1 %2 */").arg(ref.entity).arg(ref.pk);
-    }
+    if (value.typeId() == qMetaTypeId<RecordRef>())
+        return QStringLiteral("%@"); // records have no literal: they are bound again as arguments
     return Formatter::quoted(value.toString());
 }
 

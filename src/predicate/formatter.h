@@ -9,7 +9,7 @@ namespace corvanta::predicate {
 // Writes a predicate in its stored text form, the form the smart-folder editor writes:
 // `company_name CONTAINS[cd] "smith"`, `date_creation == "@this_month"`, `type == 0`,
 // compounds joined by AND / OR with nested compounds in parentheses. Reading the text back
-// with Parser gives the same tree.
+// with Parser gives the same tree; a record constant is written as %@, to be bound again.
 class Formatter
 {
 public:

@@ -261,7 +261,7 @@ private:
         const QChar quote = m_text.at(m_pos);
         const int start = int(m_pos);
         ++m_pos;
-        QString value;
+        QString value(QLatin1String("")); // an empty text is a text, not a missing value
         while (m_pos < m_text.size()) {
             QChar c = m_text.at(m_pos++);
             if (c == quote)
