@@ -92,7 +92,33 @@ QString formatChild(const Predicate& child)
     return text;
 }
 
+void collectRecords(const QVariant& value, QVariantList& records)
+{
+    if (value.typeId() == qMetaTypeId<RecordRef>())
+        records << value;
+}
+
+void collectRecords(const Predicate& predicate, QVariantList& records)
+{
+    if (predicate.kind() == Predicate::Kind::Comparison) {
+        for (const Expression* e : {&predicate.lhs(), &predicate.rhs()}) {
+            if (e->isConstant())
+                collectRecords(e->value(), records);
+        }
+        return;
+    }
+    for (const Predicate& child : predicate.children())
+        collectRecords(child, records);
+}
+
 } // namespace
+
+QVariantList Formatter::recordArguments(const Predicate& predicate)
+{
+    QVariantList records;
+    collectRecords(predicate, records);
+    return records;
+}
 
 QString Formatter::quoted(const QString& text)
 {

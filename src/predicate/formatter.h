@@ -3,6 +3,7 @@
 #include "predicate.h"
 
 #include <QString>
+#include <QVariantList>
 
 namespace corvanta::predicate {
 
@@ -16,6 +17,9 @@ public:
     static QString format(const Predicate& predicate);
     static QString format(const Expression& expression);
     static QString quoted(const QString& text);
+    // The record constants of a predicate in the order format() writes their %@, to be bound
+    // when the text is read again.
+    static QVariantList recordArguments(const Predicate& predicate);
 };
 
 } // namespace corvanta::predicate
