@@ -267,6 +267,26 @@ std::unique_ptr<EditingContext> Store::newContext()
     return std::unique_ptr<EditingContext>(new EditingContext(*this, false));
 }
 
+bool Store::writeSnapshot(const QString& path, StoreError* error)
+{
+    if (QFileInfo::exists(path)) {
+        report(error,
+               StoreError::make(StoreError::NotWritable, tr("The copy \"%1\" already exists.").arg(path)));
+        return false;
+    }
+    QSqlQuery q(database());
+    q.prepare(QStringLiteral("VACUUM INTO ?"));
+    q.addBindValue(path);
+    if (!q.exec()) {
+        report(error, StoreError::make(StoreError::NotWritable,
+                                       tr("The company database could not be copied to \"%1\".").arg(path),
+                                       q.lastError().text()));
+        QFile::remove(path);
+        return false;
+    }
+    return true;
+}
+
 void Store::registerRecordClass(const QString& entity, RecordFactory factory)
 {
     m_factories.insert(entity, std::move(factory));

@@ -46,6 +46,10 @@ public:
     // A secondary context, as an editor window uses: its changes reach the store only when it saves.
     std::unique_ptr<EditingContext> newContext();
 
+    // Writes a consistent copy of the whole database, as saved so far, to a new file at
+    // `path` (which must not exist yet), while the store stays open.
+    bool writeSnapshot(const QString& path, StoreError* error = nullptr);
+
     // Lets another library give an entity its record class (derived attributes).
     void registerRecordClass(const QString& entity, RecordFactory factory);
 

@@ -57,6 +57,7 @@ private Q_SLOTS:
     void migratesOlderFile();
     void refusesNewerDataModel();
     void keysContinueAfterReopen();
+    void snapshotWhileOpen();
 };
 
 void tst_Store::opensNewDatabaseWithEveryTable()
@@ -255,6 +256,27 @@ void tst_Store::keysContinueAfterReopen()
     QVERIFY(third->pk() > last);
     saveOrFail(s.main());
     QCOMPARE(s.main().count(FetchRequest(QStringLiteral("Units"))), 3);
+}
+
+void tst_Store::snapshotWhileOpen()
+{
+    ScratchStore s;
+    s.main().insertRecord(QStringLiteral("Units"), {{QStringLiteral("name"), QStringLiteral("Saved")}});
+    saveOrFail(s.main());
+    s.main().insertRecord(QStringLiteral("Units"),
+                          {{QStringLiteral("name"), QStringLiteral("Not yet saved")}});
+    QTemporaryDir copies;
+    const QString copy = copies.filePath(QStringLiteral("copy.cvdb"));
+    StoreError error;
+    QVERIFY2(s.store().writeSnapshot(copy, &error), qPrintable(error.message()));
+    QVERIFY(!s.store().writeSnapshot(copy, &error)); // never over an existing file
+    QCOMPARE(error.code, int(StoreError::NotWritable));
+
+    auto reopened = Store::open(copy, &error);
+    QVERIFY2(reopened, qPrintable(error.message()));
+    const QList<Record*> units = reopened->mainContext().fetch(FetchRequest(QStringLiteral("Units")));
+    QCOMPARE(units.size(), 1);
+    QCOMPARE(units.first()->value(QStringLiteral("name")).toString(), QStringLiteral("Saved"));
 }
 
 QTEST_GUILESS_MAIN(tst_Store)
