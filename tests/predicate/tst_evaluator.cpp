@@ -66,6 +66,9 @@ void tst_Evaluator::evaluates_data()
     row("case-sensitive contains", "company_name CONTAINS \"almos\"", false);
     row("[c] keeps accents", "company_name CONTAINS[c] \"almos\"", false);
     row("[c] folds case", "company_name BEGINSWITH[c] \"ÁLM\"", true);
+    row("[d] takes the double acute off", "city ==[d] \"Gyor\"", true);
+    row("[cd] on double acute and case", "city ENDSWITH[cd] \"YOR\"", true);
+    row("without [d] the accent counts", "city ==[c] \"gyor\"", false);
     row("ends with", "company_name ENDSWITH \"Kft.\"", true);
     row("empty needle never matches", "company_name CONTAINS \"\"", false);
     row("LIKE ? and *", "company_name LIKE \"?lmos*\"", true);
@@ -104,6 +107,7 @@ void tst_Evaluator::evaluates()
                             {s("draft"), false},
                             {s("company_name"), s("Álmos Kft.")},
                             {s("pattern"), s("a*b")},
+         {s("city"), s("Győr")},
                             {s("rate1"), 20.0},
                             {s("code"), s("12")},
                             {s("date_creation"), QDateTime(QDate(2025, 1, 1), QTime(0, 0), Qt::UTC)},
