@@ -210,7 +210,10 @@ void defineDocuments(DataModelBuilder& b)
         .decimal(s("sum_tax1"))
         .decimal(s("sum_tax2"))
         .decimal(s("sum_total"))
+        .materializedSum(s("payments"), s("amount"))
         .index({s("type"), s("date_creation")})
+        // Covers the paid and unpaid invoice rules.
+        .index({s("type"), s("draft"), s("cancel_reference"), s("sum_total"), s("payments.@sum.amount")})
         .index({s("date_creation")})
         .index({s("identifier")})
         .index({s("number_formatted")});

@@ -85,6 +85,13 @@ DataModelBuilder::EntityBuilder& DataModelBuilder::EntityBuilder::index(const QS
     return *this;
 }
 
+DataModelBuilder::EntityBuilder& DataModelBuilder::EntityBuilder::materializedSum(const QString& toMany,
+                                                                                  const QString& attribute)
+{
+    m_builder.m_model.m_entities[m_entity].m_materializedSums.append({toMany, attribute});
+    return *this;
+}
+
 void DataModelBuilder::addRelationship(const QString& entity, RelationshipDescription description)
 {
     EntityDescription& e = entityNamed(entity);
@@ -191,6 +198,15 @@ DataModel DataModelBuilder::build()
             if (r.inverseIndex < 0)
                 qFatal("data model: %s.%s has no inverse %s", qPrintable(e.m_name), qPrintable(r.name),
                        qPrintable(r.inverse));
+        }
+    }
+    for (const EntityDescription& e : m_model.m_entities) {
+        for (const MaterializedSum& sum : e.m_materializedSums) {
+            const RelationshipDescription* r = e.relationship(sum.relationship);
+            if (!r || !r->toMany || r->storage != RelationshipStorage::InverseForeignKey ||
+                !m_model.m_entities.at(r->destinationIndex).attribute(sum.attribute))
+                qFatal("data model: %s cannot keep the sum %s", qPrintable(e.m_name),
+                       qPrintable(sum.column()));
         }
     }
     return m_model;

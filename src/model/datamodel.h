@@ -51,6 +51,8 @@ public:
         // `prefix` + "01" ... `prefix` + "NN" (two digits), all of one type.
         EntityBuilder& numbered(const QString& prefix, int count, AttributeType type);
         EntityBuilder& index(const QStringList& columns, bool unique = false);
+        // Keeps `toMany.@sum.attribute` in a column of its own; see MaterializedSum.
+        EntityBuilder& materializedSum(const QString& toMany, const QString& attribute);
 
     private:
         friend class DataModelBuilder;

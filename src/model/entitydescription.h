@@ -62,6 +62,17 @@ struct IndexDescription
     bool unique = false;
 };
 
+// A sum over a to-many relationship that the database keeps in a column of the owner, so that
+// lists and counts selecting by it need not add up the members for every record. The column is
+// named after the key path it answers ("payments.@sum.amount") and is recomputed by triggers
+// whenever a member changes, adding the members in their stored order as the sum always does.
+struct MaterializedSum
+{
+    QString relationship; // the to-many relationship
+    QString attribute;    // the members' attribute that is summed
+    QString column() const { return relationship + QLatin1String(".@sum.") + attribute; }
+};
+
 // One entity: its attributes, relationships and indexes, with lookup by name.
 class EntityDescription
 {
@@ -74,6 +85,7 @@ public:
     const QList<AttributeDescription>& attributes() const { return m_attributes; }
     const QList<RelationshipDescription>& relationships() const { return m_relationships; }
     const QList<IndexDescription>& indexes() const { return m_indexes; }
+    const QList<MaterializedSum>& materializedSums() const { return m_materializedSums; }
 
     const AttributeDescription* attribute(const QString& name) const;
     const RelationshipDescription* relationship(const QString& name) const;
@@ -103,6 +115,7 @@ private:
     QList<AttributeDescription> m_attributes;
     QList<RelationshipDescription> m_relationships;
     QList<IndexDescription> m_indexes;
+    QList<MaterializedSum> m_materializedSums;
     QHash<QString, int> m_attributeByName;
     QHash<QString, int> m_relationshipByName;
     int m_valueSlotCount = 0;

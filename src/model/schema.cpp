@@ -70,12 +70,67 @@ QString quotedList(const QStringList& names)
     return quoted.join(QLatin1String(", "));
 }
 
+// The triggers that keep a materialized sum current: each recomputes the column of one owner
+// when a member is added, removed or changed, and for a new owner, whose members may have been
+// written before it within one transaction.
+QStringList materializedSumTriggers(const EntityDescription& owner, const MaterializedSum& sum,
+                                    const DataModel& model)
+{
+    const RelationshipDescription& r = *owner.relationship(sum.relationship);
+    const QString ownerTable = SqlCompiler::quoted(owner.name());
+    const QString memberTable = SqlCompiler::quoted(r.destination);
+    const QString column = SqlCompiler::quoted(sum.column());
+    const QString key = SqlCompiler::quoted(model.inverseOf(r).name);
+    const QString amount = SqlCompiler::quoted(sum.attribute);
+    const QString name = owner.name() + QLatin1Char('.') + sum.column();
+    const auto recompute = [&](const QString& ownerKey) {
+        return QStringLiteral("UPDATE %1 SET %2 = (SELECT total(%3) FROM %4 WHERE %5 = %6) WHERE pk = %6;")
+            .arg(ownerTable, column, amount, memberTable, key, ownerKey);
+    };
+    return {
+        QStringLiteral(
+            "CREATE TRIGGER IF NOT EXISTS %1 AFTER INSERT ON %2 WHEN NEW.%3 IS NOT NULL BEGIN %4 END")
+            .arg(SqlCompiler::quoted(name + QLatin1String(" member added")), memberTable, key,
+                 recompute(QStringLiteral("NEW.") + key)),
+        QStringLiteral(
+            "CREATE TRIGGER IF NOT EXISTS %1 AFTER DELETE ON %2 WHEN OLD.%3 IS NOT NULL BEGIN %4 END")
+            .arg(SqlCompiler::quoted(name + QLatin1String(" member removed")), memberTable, key,
+                 recompute(QStringLiteral("OLD.") + key)),
+        QStringLiteral("CREATE TRIGGER IF NOT EXISTS %1 AFTER UPDATE OF %2, %3 ON %4 BEGIN %5 %6 END")
+            .arg(SqlCompiler::quoted(name + QLatin1String(" member changed")), amount, key, memberTable,
+                 recompute(QStringLiteral("OLD.") + key), recompute(QStringLiteral("NEW.") + key)),
+        QStringLiteral(
+            "CREATE TRIGGER IF NOT EXISTS %1 AFTER INSERT ON %2 WHEN EXISTS (SELECT 1 FROM %3 WHERE %4 = "
+            "NEW.pk) BEGIN %5 END")
+            .arg(SqlCompiler::quoted(name + QLatin1String(" owner added")), ownerTable, memberTable, key,
+                 recompute(QStringLiteral("NEW.pk"))),
+    };
+}
+
+// Computes a materialized sum for every owner, for a file written before the column existed.
+QString recomputeMaterializedSum(const EntityDescription& owner, const MaterializedSum& sum,
+                                 const DataModel& model)
+{
+    const RelationshipDescription& r = *owner.relationship(sum.relationship);
+    return QStringLiteral("UPDATE %1 SET %2 = (SELECT total(m.%3) FROM %4 m WHERE m.%5 = %1.pk)")
+        .arg(SqlCompiler::quoted(owner.name()), SqlCompiler::quoted(sum.column()),
+             SqlCompiler::quoted(sum.attribute), SqlCompiler::quoted(r.destination),
+             SqlCompiler::quoted(model.inverseOf(r).name));
+}
+
+QString materializedSumDefinition(const MaterializedSum& sum)
+{
+    return SqlCompiler::quoted(sum.column()) + QLatin1String(" REAL NOT NULL DEFAULT 0");
+}
+
 } // namespace
 
 bool migrate(QSqlDatabase& db, const DataModel& model, QString* error)
 {
     QSqlQuery q(db);
     QStringList statements;
+    QStringList recomputations; // run once every table and column exists
+    QStringList triggers;
 
     QSet<QString> tables;
     if (q.exec(QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'table'"))) {
@@ -89,6 +144,8 @@ bool migrate(QSqlDatabase& db, const DataModel& model, QString* error)
             QStringList definitions{QStringLiteral("pk INTEGER PRIMARY KEY")};
             for (int i = 0; i < entity.columns().size(); ++i)
                 definitions << columnDefinition(entity, i, model);
+            for (const MaterializedSum& sum : entity.materializedSums())
+                definitions << materializedSumDefinition(sum);
             statements
                 << QStringLiteral("CREATE TABLE %1 (%2)").arg(table, definitions.join(QLatin1String(", ")));
         } else {
@@ -98,7 +155,16 @@ bool migrate(QSqlDatabase& db, const DataModel& model, QString* error)
                     statements << QStringLiteral("ALTER TABLE %1 ADD COLUMN %2")
                                       .arg(table, columnDefinition(entity, i, model));
             }
+            for (const MaterializedSum& sum : entity.materializedSums()) {
+                if (!present.contains(sum.column())) {
+                    statements << QStringLiteral("ALTER TABLE %1 ADD COLUMN %2")
+                                      .arg(table, materializedSumDefinition(sum));
+                    recomputations << recomputeMaterializedSum(entity, sum, model);
+                }
+            }
         }
+        for (const MaterializedSum& sum : entity.materializedSums())
+            triggers << materializedSumTriggers(entity, sum, model);
         for (const RelationshipDescription& r : entity.relationships()) {
             if (r.storage == RelationshipStorage::ForeignKey)
                 statements << QStringLiteral("CREATE INDEX IF NOT EXISTS %1 ON %2(%3)")
@@ -126,6 +192,7 @@ bool migrate(QSqlDatabase& db, const DataModel& model, QString* error)
                                    quotedList(index.columns));
         }
     }
+    statements << recomputations << triggers;
     statements << QStringLiteral("PRAGMA application_id = %1").arg(kApplicationId);
 
     if (!q.exec(QStringLiteral("BEGIN IMMEDIATE"))) {

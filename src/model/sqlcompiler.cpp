@@ -108,6 +108,50 @@ struct Operand
     QStringList rest;
 };
 
+// `tags == X` with ANY (or `X IN tags`, `tags CONTAINS X`) on a many-to-many relationship of the
+// fetched entity, with X a record: the shape of every folder and tag in the sidebar.
+struct JoinMembership
+{
+    const RelationshipDescription* relationship = nullptr;
+    RecordRef member;
+};
+
+std::optional<RecordRef> recordConstant(const Expression& e)
+{
+    if (!e.isConstant())
+        return std::nullopt;
+    const QVariant& v = e.value();
+    if (v.typeId() == qMetaTypeId<RecordRef>())
+        return v.value<RecordRef>();
+    if (v.typeId() == qMetaTypeId<Record*>() && v.value<Record*>())
+        return v.value<Record*>()->ref();
+    return std::nullopt;
+}
+
+std::optional<JoinMembership> joinMembership(const Predicate& p, const EntityDescription& entity)
+{
+    if (p.kind() != Predicate::Kind::Comparison || p.modifier() == Predicate::Modifier::All)
+        return std::nullopt;
+    const Expression* collection = nullptr;
+    const Expression* member = nullptr;
+    if (p.op() == Op::Equal || p.op() == Op::Contains) {
+        collection = &p.lhs();
+        member = &p.rhs();
+    } else if (p.op() == Op::In) {
+        collection = &p.rhs();
+        member = &p.lhs();
+    } else {
+        return std::nullopt;
+    }
+    if (!collection->isKeyPath())
+        return std::nullopt;
+    const RelationshipDescription* r = entity.relationship(collection->keyPath());
+    const std::optional<RecordRef> ref = recordConstant(*member);
+    if (!r || r->storage != RelationshipStorage::JoinTable || !ref)
+        return std::nullopt;
+    return JoinMembership{r, *ref};
+}
+
 class Compiler
 {
 public:
@@ -134,6 +178,8 @@ public:
             return Sql("(") + joined(parts, p.kind() == Predicate::Kind::And ? " AND " : " OR ") + ")";
         }
         case Predicate::Kind::Comparison: {
+            if (const auto membership = joinMembership(p, *scope.entity))
+                return memberOf(*membership, scope);
             const Operand lhs = operand(p.lhs(), scope);
             const Operand rhs = operand(p.rhs(), scope);
             return compare(lhs, p.op(), rhs, p.options(), p.modifier(), scope);
@@ -151,6 +197,22 @@ public:
                    "value here.")
                     .arg(keyPath)};
         return o;
+    }
+
+    // The owner's key among the sources of the join rows that name the member: SQLite drives
+    // this from the join table's index instead of probing it once per owner.
+    static Sql memberOf(const JoinMembership& membership, Scope& scope)
+    {
+        const RelationshipDescription& r = *membership.relationship;
+        if (membership.member.entity != r.destination)
+            return "0";
+        const char* own = r.joinOwner ? "source" : "target";
+        const char* other = r.joinOwner ? "target" : "source";
+        Sql sql(QStringLiteral("(%1 IN (SELECT %2 FROM %3 WHERE %4 = ?))")
+                    .arg(scope.pkExpression, QLatin1String(own), SqlCompiler::quoted(r.joinTable),
+                         QLatin1String(other)));
+        sql.binds << membership.member.pk;
+        return sql;
     }
 
 private:
@@ -323,9 +385,18 @@ private:
                       const QString& ownerKey, const QString& function, const QStringList& rest,
                       const QString& keyPath)
     {
-        Scope sub = memberScope(scope, r, ownerKey);
         Operand o;
         o.type = AttributeType::Decimal;
+        if (function == QLatin1String("@sum") && rest.size() == 1) {
+            for (const MaterializedSum& sum : owner.materializedSums()) {
+                if (sum.relationship == r.name && sum.attribute == rest.first()) {
+                    // The database keeps this sum current in a column of the owner.
+                    o.sql = ownerKey.chopped(2) + SqlCompiler::quoted(sum.column()); // "t0." and the column
+                    return o;
+                }
+            }
+        }
+        Scope sub = memberScope(scope, r, ownerKey);
         if (function == QLatin1String("@count") && rest.isEmpty()) {
             o.sql = QLatin1Char('(') + subqueryHead(sub, QStringLiteral("count(*)")) + QLatin1Char(')');
             o.type = AttributeType::Integer;
@@ -350,7 +421,6 @@ private:
             select = QStringLiteral("count(%1)").arg(member.sql.text), o.type = AttributeType::Integer;
         else
             throw CompileFailure{tr("Unknown aggregate \"%1\" in \"%2\".").arg(function, keyPath)};
-        Q_UNUSED(owner)
         o.sql = QLatin1Char('(') + subqueryHead(sub, select) + QLatin1Char(')');
         return o;
     }
@@ -571,6 +641,18 @@ std::optional<SqlStatement> SqlCompiler::compile(const FetchRequest& request, bo
     top.pkExpression = QStringLiteral("t0.pk");
     top.counter = &counter;
     Compiler compiler(m_model);
+    if (countOnly) {
+        // Counting the members of one folder or tag: the join table holds one row per member.
+        if (const auto membership = joinMembership(request.predicate, *entity)) {
+            const RelationshipDescription& r = *membership->relationship;
+            if (membership->member.entity != r.destination)
+                return SqlStatement{QStringLiteral("SELECT 0"), {}};
+            return SqlStatement{
+                QStringLiteral("SELECT count(*) FROM %1 WHERE %2 = ?")
+                    .arg(quoted(r.joinTable), QLatin1String(r.joinOwner ? "target" : "source")),
+                {membership->member.pk}};
+        }
+    }
     try {
         const Sql where = compiler.condition(request.predicate, top);
         QStringList order;

@@ -49,6 +49,8 @@ private Q_SLOTS:
     void keyPaths_data();
     void keyPaths();
     void sumFollowsStoredOrder();
+    void storedPaymentSumFollowsEdits_data();
+    void storedPaymentSumFollowsEdits();
     void fullName_data();
     void fullName();
     void contactListsJoin();
@@ -501,6 +503,69 @@ void tst_EditingContext::sumFollowsStoredOrder()
                  Predicate::comparison(corvanta::predicate::Expression::keyPath(s("sum_total")), Op::Equal,
                                        corvanta::predicate::Expression::keyPath(s("payments.@sum.amount"))))),
              1);
+}
+
+void tst_EditingContext::storedPaymentSumFollowsEdits_data()
+{
+    QTest::addColumn<QString>("edit");
+    QTest::addColumn<QStringList>("paid"); // documents whose total equals their payments afterwards
+    QTest::newRow("nothing changed") << s("none") << QStringList{s("A")};
+    QTest::newRow("amount changed") << s("amount") << QStringList{s("B")};
+    QTest::newRow("payment moved to another document") << s("move") << QStringList{s("B")};
+    QTest::newRow("payment deleted") << s("delete") << QStringList{};
+    QTest::newRow("document deleted with its payments") << s("delete document") << QStringList{};
+    QTest::newRow("payment added in another context") << s("add elsewhere") << QStringList{s("A"), s("B")};
+}
+
+void tst_EditingContext::storedPaymentSumFollowsEdits()
+{
+    QFETCH(QString, edit);
+    QFETCH(QStringList, paid);
+    ScratchStore st;
+    EditingContext& c = st.main();
+    Record* a = c.insertRecord(s("Documents"), {{s("number_formatted"), s("A")}, {s("sum_total"), 50.0}});
+    Record* b = c.insertRecord(s("Documents"), {{s("number_formatted"), s("B")}, {s("sum_total"), 1.0}});
+    // A payment written before its document within one save still counts.
+    Record* early = c.insertRecord(s("Payments"), {{s("amount"), 20.0}});
+    Record* c2 = c.insertRecord(s("Documents"), {{s("number_formatted"), s("C")}, {s("sum_total"), 99.0}});
+    early->setRelated(s("document"), c2);
+    Record* payment =
+        c.insertRecord(s("Payments"), {{s("amount"), 30.0}, {s("document"), QVariant::fromValue(a)}});
+    c.insertRecord(s("Payments"), {{s("amount"), 20.0}, {s("document"), QVariant::fromValue(a)}});
+    saveOrFail(c);
+
+    if (edit == QLatin1String("amount")) {
+        payment->setValue(s("amount"), 10.0);
+        b->setValue(s("sum_total"), 0.0);
+    } else if (edit == QLatin1String("move")) {
+        payment->setRelated(s("document"), b);
+        b->setValue(s("sum_total"), 30.0);
+    } else if (edit == QLatin1String("delete")) {
+        c.deleteRecord(payment);
+    } else if (edit == QLatin1String("delete document")) {
+        c.deleteRecord(a);
+        c.deleteRecord(b);
+    } else if (edit == QLatin1String("add elsewhere")) {
+        auto editor = st.store().newContext();
+        editor->record(b->ref())->setValue(s("sum_total"), 5.0);
+        editor->insertRecord(s("Payments"),
+                             {{s("amount"), 5.0}, {s("document"), QVariant::fromValue(b->ref())}});
+        saveOrFail(*editor);
+    }
+    saveOrFail(c);
+    const Predicate rule =
+        Predicate::comparison(corvanta::predicate::Expression::keyPath(s("sum_total")), Op::Equal,
+                              corvanta::predicate::Expression::keyPath(s("payments.@sum.amount")));
+    auto fresh = st.store().newContext();
+    FetchRequest request(s("Documents"), rule, {SortDescriptor{s("number_formatted")}});
+    QCOMPARE(names(fresh->fetch(request), "number_formatted"), paid);
+    // The stored sum of every document is the sum of its payments.
+    for (Record* d : fresh->fetch(FetchRequest(s("Documents")))) {
+        const Predicate same = Predicate::andOf(
+            {where(s("self"), Op::Equal, QVariant::fromValue(d->ref())),
+             where(s("payments.@sum.amount"), Op::Equal, d->valueForKeyPath(s("payments.@sum.amount")))});
+        QCOMPARE(fresh->count(FetchRequest(s("Documents"), same)), 1);
+    }
 }
 
 void tst_EditingContext::fullName_data()

@@ -189,7 +189,12 @@ void tst_Store::migratesOlderFile()
             QStringLiteral("INSERT INTO \"Settings\" VALUES (2, 'use_warehouse', 1)"),
             QStringLiteral("CREATE TABLE \"Clients\" (pk INTEGER PRIMARY KEY, \"company_name\" TEXT, "
                            "\"legacy_note\" TEXT)"),
-            QStringLiteral("INSERT INTO \"Clients\" VALUES (7, 'Acme', 'kept')")});
+            QStringLiteral("INSERT INTO \"Clients\" VALUES (7, 'Acme', 'kept')"),
+            QStringLiteral("CREATE TABLE \"Documents\" (pk INTEGER PRIMARY KEY, \"sum_total\" REAL)"),
+            QStringLiteral("INSERT INTO \"Documents\" VALUES (1, 100.0), (2, 50.0)"),
+            QStringLiteral(
+                "CREATE TABLE \"Payments\" (pk INTEGER PRIMARY KEY, \"amount\" REAL, \"document\" INTEGER)"),
+            QStringLiteral("INSERT INTO \"Payments\" VALUES (1, 60.0, 1), (2, 40.0, 1), (3, 10.0, 2)")});
 
     StoreError error;
     auto store = Store::open(path, &error);
@@ -203,6 +208,11 @@ void tst_Store::migratesOlderFile()
     QCOMPARE(acme->value(QStringLiteral("company_name")).toString(), QStringLiteral("Acme"));
     QCOMPARE(acme->value(QStringLiteral("full_name")).toString(), QStringLiteral("Acme"));
     QCOMPARE(c.count(FetchRequest(QStringLiteral("Settings"))), 2);
+    // Sums the database keeps for fetches are computed for the records already there.
+    const Predicate paid = Predicate::comparison(
+        corvanta::predicate::Expression::keyPath(QStringLiteral("sum_total")), Predicate::Operator::Equal,
+        corvanta::predicate::Expression::keyPath(QStringLiteral("payments.@sum.amount")));
+    QCOMPARE(c.count(FetchRequest(QStringLiteral("Documents"), paid)), 1);
 
     // New columns and tables work at once; a new record does not reuse an old key.
     acme->setValue(QStringLiteral("tax_number"), QStringLiteral("HU123"));
