@@ -5,6 +5,7 @@
 #include "valueconversion.h"
 
 #include <QDebug>
+#include <cmath>
 
 namespace corvanta::model {
 
@@ -125,6 +126,13 @@ void Record::setValue(const QString& key, const QVariant& value)
 {
     if (const AttributeDescription* a = m_entity->attribute(key)) {
         const QVariant converted = valueconversion::toMemory(a->type, willSetValue(key, value));
+        if (a->type == AttributeType::Decimal && !converted.isNull() &&
+            !std::isfinite(converted.toDouble())) {
+            // Amounts are finite numbers; whoever takes the value in reports it to the user.
+            qWarning() << "Record::setValue: refused" << converted.toDouble() << "for" << m_entity->name()
+                       << key;
+            return;
+        }
         if (sameValue(slotValue(a->slot), converted))
             return;
         setSlot(a->slot, converted, !a->transient);

@@ -43,7 +43,7 @@ public:
     QVariant value(const QString& key) const;
     // Sets an attribute (converted to its type) or a relationship (a Record*, a RecordRef, or
     // a list of them for a to-many). Unknown keys are a programming error and are ignored
-    // with a warning.
+    // with a warning; so is a number that is not finite (NaN, infinity) for a decimal.
     void setValue(const QString& key, const QVariant& value);
 
     // Follows a key path: to-one chains (`client.default_address.street`), to-many steps

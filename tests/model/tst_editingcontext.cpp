@@ -69,6 +69,10 @@ void tst_EditingContext::insertRecordSetsKnownKeysOnly()
     QCOMPARE(item->value(s("name")).toString(), s("Bolt"));
     QCOMPARE(item->value(s("unit_price")).toDouble(), 2.5);
     QCOMPARE(item->value(s("stock_current")).toDouble(), 12.5); // converted to the attribute's type
+    for (double bad : {qQNaN(), qInf(), -qInf()}) {
+        item->setValue(s("unit_price"), bad);
+        QCOMPARE(item->value(s("unit_price")).toDouble(), 2.5); // never stored
+    }
     QCOMPARE(item->related(s("unit")), unit);
     QCOMPARE(unit->relatedList(s("items")), QList<Record*>{item});
     saveOrFail(c);
