@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <QString>
+#include <QStringList>
+
+namespace corvanta::model {
+class EditingContext;
+class Record;
+} // namespace corvanta::model
+
+namespace corvanta::templates {
+
+// The template files that come with the program ("invoice1.corvanta" ... in the resources'
+// templates folder), loaded into a new company database in a fixed order, each becoming the
+// company's default template of its type.
+class ShippedTemplates
+{
+    Q_DECLARE_TR_FUNCTIONS(ShippedTemplates)
+
+public:
+    // `shippedFolder` holds the program's template files; pictures go to `templateFilesDirectory`.
+    ShippedTemplates(const QString& shippedFolder, const QString& templateFilesDirectory);
+
+    // The file names (without ".corvanta"), in loading order.
+    static const QStringList& names();
+    // The type key each file is the default template for, parallel to names(): "invoice"
+    // stands twice, so the later invoice file becomes the default invoice template.
+    static const QStringList& typeKeys();
+
+    // Loads every shipped file that is present and returns how many loaded. A file that cannot
+    // be read is skipped with a warning: a damaged resource must not keep a new database from
+    // starting, and the others still load.
+    int install(model::EditingContext& context, model::Record* myCompany);
+
+private:
+    QString m_shippedFolder;
+    QString m_templateFilesDirectory;
+};
+
+} // namespace corvanta::templates

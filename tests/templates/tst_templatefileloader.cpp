@@ -1,0 +1,222 @@
+#include "model/defaultrecords.h"
+#include "model/propertylist.h"
+#include "model/zipwriter.h"
+#include "storetestsupport.h"
+#include "templates/shippedtemplates.h"
+#include "templates/templatefileloader.h"
+
+#include <QColor>
+#include <QDir>
+#include <QRegularExpression>
+
+using namespace corvanta;
+using namespace corvanta::model;
+using namespace corvanta::model::testing;
+using templates::ShippedTemplates;
+using templates::TemplateFileLoader;
+
+namespace {
+
+QString s(const char* text)
+{
+    return QString::fromUtf8(text);
+}
+
+using Entries = QList<std::pair<QString, QByteArray>>;
+
+void writeArchive(const QString& path, const Entries& entries)
+{
+    ZipWriter zip;
+    QString error;
+    QVERIFY(zip.open(path, &error));
+    for (const auto& [name, data] : entries)
+        QVERIFY(zip.addData(name, data, &error));
+    QVERIFY2(zip.close(&error), qPrintable(error));
+}
+
+QVariantMap elements(const QString& name, int type, const QVariantList& elementList)
+{
+    return {{s("name"), name},
+            {s("type"), qint64(type)},
+            {s("identifier"), s("STORED-ID")},
+            {s("unit"), qint64(1)},
+            {s("margin_left"), 20.5},
+            {s("sections_height_first"), s("100,100,100,100,100")},
+            {s("show_grid"), true},
+            {s("no_such_attribute"), s("ignored")},
+            {s("template_elements"), elementList}};
+}
+
+// A template file of two elements: a text in red on half-transparent blue, and a picture.
+Entries sampleTemplate(const QString& name, int type)
+{
+    const QVariantMap text{{s("type"), s("text")},
+                           {s("identifier"), s("OLD-1")},
+                           {s("section"), s("header")},
+                           {s("text"), s("Invoice {number_formatted}")},
+                           {s("position_x"), 10.0},
+                           {s("position_y"), qint64(-4)},
+                           {s("font_size"), 12.5},
+                           {s("font_color"), s("#ffff00000000ffff")},
+                           {s("background_color"), QByteArray("#00008000ffff8000")},
+                           {s("border_top_show"), true}};
+    const QVariantMap picture{
+        {s("type"), s("shape_image")}, {s("format"), s("logo.png")}, {s("zorder"), qint64(2)}};
+    return {{name + s("/template_elements"), PropertyList::toXml(elements(name, type, {text, picture}))},
+            {name + s("/logo.png"), QByteArray("\x89PNG picture bytes", 18)}};
+}
+
+int templateCount(EditingContext& c)
+{
+    return c.count(FetchRequest(s("Templates"))) + c.count(FetchRequest(s("TemplateElements")));
+}
+
+} // namespace
+
+class tst_TemplateFileLoader : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void loadsTemplateAndElements();
+    void badFilesLeaveNothing_data();
+    void badFilesLeaveNothing();
+    void shippedTemplatesBecomeDefaults();
+};
+
+void tst_TemplateFileLoader::loadsTemplateAndElements()
+{
+    QTemporaryDir dir;
+    const QString file = dir.filePath(s("Invoice.corvanta"));
+    writeArchive(file, sampleTemplate(s("Invoice"), 0));
+    ScratchStore st;
+    const QString pictures = dir.filePath(s("templates"));
+    TemplateFileLoader loader(st.main(), pictures);
+    QString error;
+    Record* loaded = loader.load(file, &error);
+    QVERIFY2(loaded, qPrintable(error));
+    saveOrFail(st.main());
+
+    QCOMPARE(loaded->value(s("name")).toString(), s("Invoice"));
+    QCOMPARE(loaded->value(s("type")).toInt(), 0);
+    QCOMPARE(loaded->value(s("margin_left")).toDouble(), 20.5);
+    QCOMPARE(loaded->value(s("show_grid")).toBool(), true);
+    QCOMPARE(loaded->value(s("sections_height_first")).toString(), s("100,100,100,100,100"));
+    const QRegularExpression uuid(s("\\A[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}\\z"));
+    QVERIFY(uuid.match(loaded->value(s("identifier")).toString()).hasMatch());
+
+    const QList<Record*> elements = loaded->relatedList(s("template_elements"));
+    QCOMPARE(elements.size(), 2);
+    const Record* text =
+        elements.at(0)->value(s("type")).toString() == s("text") ? elements.at(0) : elements.at(1);
+    const Record* picture = text == elements.at(0) ? elements.at(1) : elements.at(0);
+    QVERIFY(uuid.match(text->value(s("identifier")).toString()).hasMatch());
+    QVERIFY(text->value(s("identifier")) != picture->value(s("identifier")));
+    QCOMPARE(text->value(s("text")).toString(), s("Invoice {number_formatted}"));
+    QCOMPARE(text->value(s("position_y")).toDouble(), -4.0);
+    QCOMPARE(text->value(s("font_size")).toDouble(), 12.5);
+    QCOMPARE(text->value(s("font_color")).value<QColor>(), QColor(255, 0, 0));
+    const QColor background = text->value(s("background_color")).value<QColor>();
+    QCOMPARE(background.rgba64(), QRgba64::fromRgba64(0, 0x8000, 0xffff, 0x8000));
+    QVERIFY(text->value(s("border_color")).isNull());
+
+    // The picture is copied under a name made from the element's new identifier.
+    const QString pictureName = picture->value(s("identifier")).toString() + s(".png");
+    QCOMPARE(picture->value(s("format")).toString(), pictureName);
+    QFile copied(QDir(pictures).filePath(pictureName));
+    QVERIFY(copied.open(QIODevice::ReadOnly));
+    QCOMPARE(copied.readAll(), QByteArray("\x89PNG picture bytes", 18));
+
+    // The same file twice gives two templates.
+    QVERIFY(loader.load(file, &error));
+    QCOMPARE(st.main().count(FetchRequest(s("Templates"))), 2);
+}
+
+void tst_TemplateFileLoader::badFilesLeaveNothing_data()
+{
+    QTest::addColumn<Entries>("entries");
+    QTest::addColumn<QString>("error");
+
+    const Entries good = sampleTemplate(s("T"), 0);
+    const QVariantMap picture{{s("type"), s("shape_image")}, {s("format"), s("../../etc/passwd")}};
+    QTest::newRow("no template_elements")
+        << Entries{{s("T/other"), "x"}} << s("The file format is wrong. It holds no \"template_elements\".");
+    QTest::newRow("garbage property list") << Entries{{s("T/template_elements"), "garbage"}}
+                                           << s("The file format is wrong. Its \"template_elements\" cannot "
+                                                "be read: it is not well-formed XML (line 1, "
+                                                "column 1: Start tag expected.).");
+    QTest::newRow("an array instead of a dictionary")
+        << Entries{{s("T/template_elements"), PropertyList::toXml(QVariantList{s("a")})}}
+        << s("The file format is wrong. Its \"template_elements\" is not a dictionary.");
+    QTest::newRow("elements not a list")
+        << Entries{{s("template_elements"),
+                    PropertyList::toXml(QVariantMap{{s("template_elements"), s("x")}})}}
+        << s("The file format is wrong. Its elements are not a list.");
+    QTest::newRow("an element not a dictionary")
+        << Entries{{s("T/template_elements"), PropertyList::toXml(elements(s("T"), 0, {s("x")}))}}
+        << s("The file format is wrong. One of its elements is not a dictionary.");
+    QTest::newRow("a picture name that walks up")
+        << Entries{{s("T/template_elements"), PropertyList::toXml(elements(s("T"), 0, {picture}))}}
+        << s("The file format is wrong. The picture name \"../../etc/passwd\" is not allowed.");
+    QTest::newRow("a picture that is missing")
+        << Entries{good.first()} << s("The file format is wrong. The picture \"logo.png\" is missing.");
+    QTest::newRow("two templates") << Entries{good.first(), {s("U/template_elements"), good.first().second}}
+                                   << s("The file format is wrong. It holds more than one template.");
+    QTest::newRow("an entry outside the archive") << Entries{good.first(), good.last(), {s("../evil"), "x"}}
+                                                  << s("The file format is wrong. The archive \"FILE\" holds "
+                                                       "an entry with an unsafe name (\"../evil\").");
+    QTest::newRow("not an archive") << Entries{}
+                                    << s("The file format is wrong. \"FILE\" is not a readable ZIP "
+                                         "archive: Not a zip archive");
+}
+
+void tst_TemplateFileLoader::badFilesLeaveNothing()
+{
+    QFETCH(Entries, entries);
+    QFETCH(QString, error);
+    QTemporaryDir dir;
+    const QString file = dir.filePath(s("T.corvanta"));
+    if (entries.isEmpty()) {
+        QFile text(file);
+        QVERIFY(text.open(QIODevice::WriteOnly));
+        text.write("This is a letter, not a template.");
+    } else {
+        writeArchive(file, entries);
+    }
+    ScratchStore st;
+    TemplateFileLoader loader(st.main(), dir.filePath(s("templates")));
+    QString why;
+    QVERIFY(!loader.load(file, &why));
+    QCOMPARE(why, error.replace(s("FILE"), file));
+    QCOMPARE(templateCount(st.main()), 0);
+    QVERIFY(QDir(dir.filePath(s("templates"))).isEmpty());
+}
+
+void tst_TemplateFileLoader::shippedTemplatesBecomeDefaults()
+{
+    QTemporaryDir shipped;
+    writeArchive(shipped.filePath(s("invoice1.corvanta")), sampleTemplate(s("First Invoice"), 0));
+    writeArchive(shipped.filePath(s("invoice2.corvanta")), sampleTemplate(s("Second Invoice"), 0));
+    writeArchive(shipped.filePath(s("report_summary_item.corvanta")), sampleTemplate(s("Items"), 130));
+    writeArchive(shipped.filePath(s("quotation.corvanta")), {{s("Q/template_elements"), "damaged"}});
+    QTemporaryDir pictures;
+    ScratchStore st;
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(s("quotation.corvanta is skipped")));
+    DefaultRecords defaults(st.main(), [&](EditingContext& context, Record* company, QString*) {
+        return ShippedTemplates(shipped.path(), pictures.path()).install(context, company) == 3;
+    });
+    StoreError error;
+    QVERIFY2(defaults.initDatabaseRecords(&error), qPrintable(error.message()));
+    st.reopen();
+    const Record* company = st.main().fetchFirst(FetchRequest(s("MyCompany")));
+    // The later invoice file is the default invoice template.
+    QCOMPARE(company->valueForKeyPath(s("default_template_invoice.name")).toString(), s("Second Invoice"));
+    QCOMPARE(company->valueForKeyPath(s("default_template_report_summary_item.name")).toString(), s("Items"));
+    QVERIFY(company->valueForKeyPath(s("default_template_quotation")).isNull());
+    QCOMPARE(st.main().count(FetchRequest(s("Templates"))), 3);
+    QCOMPARE(st.main().count(FetchRequest(s("TemplateElements"))), 6);
+    QCOMPARE(ShippedTemplates::names().size(), ShippedTemplates::typeKeys().size());
+}
+
+QTEST_GUILESS_MAIN(tst_TemplateFileLoader)
+#include "tst_templatefileloader.moc"
