@@ -1,0 +1,12 @@
+#include "formattedcurrency.h"
+
+#include "currencyformatter.h"
+
+namespace corvanta::format {
+
+QString formattedCurrency(double number, const model::Record* currency)
+{
+    return CurrencyFormatter(currency).stringFromNumber(number);
+}
+
+} // namespace corvanta::format
