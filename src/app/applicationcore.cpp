@@ -1,5 +1,6 @@
 #include "applicationcore.h"
 
+#include "format/currenciesrecord.h"
 #include "model/databasemanager.h"
 #include "model/defaultrecords.h"
 #include "model/editingcontext.h"
@@ -111,6 +112,8 @@ bool ApplicationCore::openStore()
         failToInitialize();
         return false;
     }
+    // Record classes first: the default records already need their derived values.
+    format::CurrenciesRecord::registerOn(*m_store);
     m_databaseManager->setStore(m_store.get());
     return true;
 }
