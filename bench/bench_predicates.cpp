@@ -178,10 +178,14 @@ int main(int argc, char** argv)
         path = scratch.filePath(QStringLiteral("company.cvdb"));
         model::StoreError error;
         auto store = model::Store::open(path, &error);
+        if (!store) {
+            out() << error.message() << Qt::endl;
+            return 1;
+        }
         bench::CompanyGenerator generator(
             *store, bench::CompanyGenerator::Sizes::scaled(parser.value(scaleOption).toDouble()));
         out() << "generating a company at scale " << parser.value(scaleOption) << " ..." << Qt::endl;
-        if (!store || !generator.generate(&error)) {
+        if (!generator.generate(&error)) {
             out() << "generation failed: " << error.message() << Qt::endl;
             return 1;
         }

@@ -519,16 +519,18 @@ bool EditingContext::writeChanges(ChangeSet& changes, StoreError* error)
             changes.deleted << record->ref();
             touchForeignKeys(record, false);
         } else if (record->m_inserted) {
-            QSqlQuery* query = m_store.insertStatement(entity, &why);
-            if (query) {
-                query->bindValue(0, record->pk());
+            SqliteStatement* insert = m_store.insertStatement(entity, &why);
+            if (insert) {
+                insert->bind(0, record->pk());
                 const QList<int>& slots = entity.columnSlots();
                 const QList<AttributeType>& types = entity.columnTypes();
-                for (qsizetype i = 0; i < slots.size(); ++i)
-                    query->bindValue(int(i) + 1, valueconversion::toSql(
-                                                     types.at(i), record->m_values[size_t(slots.at(i))]));
+                for (qsizetype i = 0; i < slots.size(); ++i) {
+                    const QVariant& value = record->m_values[size_t(slots.at(i))];
+                    if (!value.isNull())
+                        insert->bind(int(i) + 1, valueconversion::toSql(types.at(i), value));
+                }
             }
-            if (!query || !execute(query, &why))
+            if (!insert || !insert->run(&why))
                 return fail(tr("Adding a record of %1").arg(entity.name()), why);
             changes.inserted << record->ref();
             touchForeignKeys(record, false);

@@ -32,7 +32,7 @@ Store::Store(const QString& path, const DataModel& model)
     , m_model(model)
     , m_connectionName(nextConnectionName())
     , m_lastPk(size_t(model.entities().size()), 0)
-    , m_insertStatements(size_t(model.entities().size()), nullptr)
+    , m_insertStatements(size_t(model.entities().size()))
     , m_deleteStatements(size_t(model.entities().size()), nullptr)
 {
     // Lets the predicate evaluator compare records given as Record* with references.
@@ -180,11 +180,15 @@ bool Store::openDatabase(StoreError* error)
     q.exec(QStringLiteral("PRAGMA journal_mode = WAL"));
     q.exec(QStringLiteral("PRAGMA synchronous = FULL"));
     q.exec(QStringLiteral("PRAGMA foreign_keys = ON"));
+    // A company's whole history keeps many indexes busy; a larger cache keeps saves from
+    // slowing down as the file grows.
+    q.exec(QStringLiteral("PRAGMA cache_size = -32768"));
     q.finish();
 
     const QVariant handle = db.driver()->handle();
-    if (!handle.isValid() || qstrcmp(handle.typeName(), "sqlite3*") != 0 ||
-        !sqlitefunctions::registerAll(*static_cast<sqlite3* const*>(handle.data()))) {
+    if (handle.isValid() && qstrcmp(handle.typeName(), "sqlite3*") == 0)
+        m_handle = *static_cast<sqlite3* const*>(handle.data());
+    if (!m_handle || !sqlitefunctions::registerAll(m_handle)) {
         report(error, StoreError::make(StoreError::StoreInitFailed, tr("Failed to initialize the store"),
                                        tr("There was an error building up the data file.")));
         return false;
@@ -230,9 +234,9 @@ QSqlQuery* Store::preparedQuery(const QString& sql, QString* error)
     return raw;
 }
 
-QSqlQuery* Store::insertStatement(const EntityDescription& entity, QString* error)
+SqliteStatement* Store::insertStatement(const EntityDescription& entity, QString* error)
 {
-    QSqlQuery*& cached = m_insertStatements[size_t(entity.index())];
+    std::unique_ptr<SqliteStatement>& cached = m_insertStatements[size_t(entity.index())];
     if (!cached) {
         QStringList names{QStringLiteral("pk")};
         QStringList marks{QStringLiteral("?")};
@@ -240,12 +244,14 @@ QSqlQuery* Store::insertStatement(const EntityDescription& entity, QString* erro
             names << SqlCompiler::quoted(column);
             marks << QStringLiteral("?");
         }
-        cached = preparedQuery(QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
-                                   .arg(SqlCompiler::quoted(entity.name()), names.join(QLatin1String(", ")),
-                                        marks.join(QLatin1String(", "))),
-                               error);
+        cached = SqliteStatement::prepare(m_handle,
+                                          QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
+                                              .arg(SqlCompiler::quoted(entity.name()),
+                                                   names.join(QLatin1String(", ")),
+                                                   marks.join(QLatin1String(", "))),
+                                          error);
     }
-    return cached;
+    return cached.get();
 }
 
 QSqlQuery* Store::deleteStatement(const EntityDescription& entity, QString* error)

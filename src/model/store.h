@@ -3,6 +3,7 @@
 #include "changeset.h"
 #include "datamodel.h"
 #include "record.h"
+#include "sqlitestatement.h"
 #include "storeerror.h"
 
 #include <QCoreApplication>
@@ -14,6 +15,7 @@
 #include <unordered_map>
 
 class QLockFile;
+struct sqlite3;
 
 namespace corvanta::model {
 
@@ -70,7 +72,7 @@ private:
     // A prepared statement kept for reuse; prepared on first use.
     QSqlQuery* preparedQuery(const QString& sql, QString* error);
     // The statements that add and remove one record of an entity, prepared once.
-    QSqlQuery* insertStatement(const EntityDescription& entity, QString* error);
+    SqliteStatement* insertStatement(const EntityDescription& entity, QString* error);
     QSqlQuery* deleteStatement(const EntityDescription& entity, QString* error);
     qint64 allocatePk(int entity) { return ++m_lastPk[size_t(entity)]; }
     std::unique_ptr<Record> createRecord(const Record::Init& init) const;
@@ -83,7 +85,8 @@ private:
     std::unique_ptr<QLockFile> m_lock;
     std::vector<qint64> m_lastPk;
     std::unordered_map<QString, std::unique_ptr<QSqlQuery>> m_statements;
-    std::vector<QSqlQuery*> m_insertStatements;
+    std::vector<std::unique_ptr<SqliteStatement>> m_insertStatements;
+    sqlite3* m_handle = nullptr;
     std::vector<QSqlQuery*> m_deleteStatements;
     QHash<QString, RecordFactory> m_factories;
     std::optional<QHash<QString, QVariant>> m_settingsCache;
