@@ -1,0 +1,110 @@
+#include "documentpayments.h"
+
+#include "companyrecord.h"
+#include "model/editingcontext.h"
+#include "model/store.h"
+#include "numberlimits.h"
+#include "predicate/parser.h"
+#include "savefailure.h"
+
+namespace corvanta::documents {
+
+using model::Record;
+
+namespace {
+
+QString s(const char* key)
+{
+    return QString::fromLatin1(key);
+}
+
+Record* fetchBy(model::EditingContext& context, const predicate::RecordRef& ref)
+{
+    if (ref.isNull())
+        return nullptr;
+    return context.fetchFirst(model::FetchRequest(
+        ref.entity, *predicate::Parser::parse(s("self == %@"), {QVariant::fromValue(ref)})));
+}
+
+} // namespace
+
+DocumentPayments::DocumentPayments(model::Store& store, model::Prompter& prompter, Clock clock,
+                                   QObject* parent)
+    : QObject(parent)
+    , m_store(store)
+    , m_prompter(prompter)
+    , m_clock(std::move(clock))
+{}
+
+Record* DocumentPayments::fetchDocument(model::EditingContext& context,
+                                        const predicate::RecordRef& document) const
+{
+    return document.entity == QLatin1String("Documents") ? fetchBy(context, document) : nullptr;
+}
+
+std::optional<predicate::RecordRef> DocumentPayments::addPayment(const predicate::RecordRef& document,
+                                                                 double amount,
+                                                                 const predicate::RecordRef& paymentType,
+                                                                 const std::optional<QDateTime>& date)
+{
+    if (!NumberLimits::accept(NumberLimits::Kind::Amount, amount, m_prompter))
+        return std::nullopt;
+    std::unique_ptr<model::EditingContext> context = m_store.newContext();
+    Record* owner = fetchDocument(*context, document);
+    if (!owner)
+        return std::nullopt;
+    Record* type = paymentType.isNull() ? CompanyRecord::defaultRecord(*context, s("default_payment_type"))
+                                        : fetchBy(*context, paymentType);
+    Record* payment =
+        context->insertRecord(s("Payments"), {{s("amount"), amount}, {s("date"), date.value_or(m_clock())}});
+    payment->setRelated(s("payment"), type);
+    payment->setRelated(s("document"), owner);
+    if (!save(*context, document))
+        return std::nullopt;
+    return payment->ref();
+}
+
+bool DocumentPayments::removePayment(const predicate::RecordRef& paymentRef)
+{
+    std::unique_ptr<model::EditingContext> context = m_store.newContext();
+    Record* payment =
+        paymentRef.entity == QLatin1String("Payments") ? fetchBy(*context, paymentRef) : nullptr;
+    if (!payment)
+        return false;
+    const Record* document = payment->related(s("document"));
+    const predicate::RecordRef documentRef = document ? document->ref() : predicate::RecordRef{};
+    context->deleteRecord(payment);
+    return save(*context, documentRef);
+}
+
+double DocumentPayments::remaining(const predicate::RecordRef& document)
+{
+    std::unique_ptr<model::EditingContext> context = m_store.newContext();
+    const Record* owner = fetchDocument(*context, document);
+    if (!owner)
+        return 0.0;
+    return owner->value(s("sum_total")).toDouble() -
+           owner->valueForKeyPath(s("payments.@sum.amount")).toDouble();
+}
+
+bool DocumentPayments::closeDocumentPayments(const predicate::RecordRef& document, bool settle)
+{
+    const double rest = remaining(document);
+    if (settle && rest > 0)
+        return addPayment(document, rest).has_value();
+    Q_EMIT paymentsChanged(document);
+    return true;
+}
+
+bool DocumentPayments::save(model::EditingContext& context, const predicate::RecordRef& document)
+{
+    model::StoreError error;
+    if (!context.save(&error)) {
+        SaveFailure::show(m_prompter, error);
+        return false;
+    }
+    Q_EMIT paymentsChanged(document);
+    return true;
+}
+
+} // namespace corvanta::documents

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "clock.h"
+#include "predicate/recordref.h"
+
+#include <QObject>
+#include <optional>
+
+namespace corvanta::model {
+class EditingContext;
+class Prompter;
+class Record;
+class Store;
+} // namespace corvanta::model
+
+namespace corvanta::documents {
+
+// The payments of one document, as its payments sheet records them. Every change is stored at
+// once; a failed save changes nothing.
+class DocumentPayments : public QObject
+{
+    Q_OBJECT
+
+public:
+    DocumentPayments(model::Store& store, model::Prompter& prompter, Clock clock = systemClock(),
+                     QObject* parent = nullptr);
+
+    // Records a payment of `amount` (a finite amount of a sensible size, else refused with a
+    // message) by `paymentType` (none: the company's default) at `date` (none: now).
+    std::optional<predicate::RecordRef> addPayment(const predicate::RecordRef& document, double amount,
+                                                   const predicate::RecordRef& paymentType = {},
+                                                   const std::optional<QDateTime>& date = std::nullopt);
+    bool removePayment(const predicate::RecordRef& payment);
+    // The document's total less its payments.
+    double remaining(const predicate::RecordRef& document);
+
+    // The sheet was left: with the settling button (`settle`), a rest above 0 is paid by the
+    // company's default payment type now. True unless the save failed.
+    bool closeDocumentPayments(const predicate::RecordRef& document, bool settle);
+
+Q_SIGNALS:
+    // Payments changed: the paid chart and the sidebar counts are out of date.
+    void paymentsChanged(const corvanta::predicate::RecordRef& document);
+
+private:
+    model::Record* fetchDocument(model::EditingContext& context, const predicate::RecordRef& document) const;
+    bool save(model::EditingContext& context, const predicate::RecordRef& document);
+
+    model::Store& m_store;
+    model::Prompter& m_prompter;
+    Clock m_clock;
+};
+
+} // namespace corvanta::documents

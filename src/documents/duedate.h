@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QDateTime>
+#include <optional>
+
+namespace corvanta::model {
+class Record;
+}
+
+namespace corvanta::documents {
+
+// The due date a payment term gives: today plus its `days`, counted in calendar days when its
+// `type` is 0 and in business days otherwise.
+class DueDate
+{
+public:
+    static std::optional<QDateTime> from(const model::Record* dueDay, const QDateTime& now);
+};
+
+} // namespace corvanta::documents

@@ -1,0 +1,15 @@
+#include "finalizequestion.h"
+
+#include "model/prompter.h"
+
+namespace corvanta::documents {
+
+bool FinalizeQuestion::ask(model::Prompter& prompter)
+{
+    const QString finalize = tr("Finalize");
+    return prompter.alert(tr("Finalize Invoice"),
+                          tr("Are you sure you want to finalize this invoice? This action cannot be undone."),
+                          {finalize, tr("Cancel")}) == finalize;
+}
+
+} // namespace corvanta::documents

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <memory>
+
+namespace corvanta::model {
+class EditingContext;
+class Prompter;
+class Record;
+class Store;
+} // namespace corvanta::model
+
+namespace corvanta::documents {
+
+// The library of reusable row notes (DocumentRowNotes), shared by all documents. It keeps its
+// own editing context, so that a change of the library is stored at once, whatever becomes of
+// the document being edited.
+class RowNoteLibrary
+{
+public:
+    struct Entry
+    {
+        QString title; // the menu title: one line, at most 50 characters and "..."
+        QString note;  // the whole text
+        qint64 pk = 0; // the note record
+    };
+
+    RowNoteLibrary(model::Store& store, model::Prompter& prompter);
+    ~RowNoteLibrary();
+
+    // Every note, by text, case-insensitively ascending.
+    QList<Entry> entries();
+    // A note's menu title: line breaks become spaces; 51 characters or more are cut to 50 and "...".
+    static QString menuTitle(const QString& note);
+
+    // Stores `text` as a new note; an empty text stores nothing. False when the save failed.
+    bool add(const QString& text);
+    // Deletes the note of an entry. False when the save failed.
+    bool remove(const Entry& entry);
+
+private:
+    bool save();
+
+    std::unique_ptr<model::EditingContext> m_context;
+    model::Prompter& m_prompter;
+};
+
+} // namespace corvanta::documents

@@ -1,0 +1,122 @@
+#include "stockcalculator.h"
+
+#include "model/editingcontext.h"
+#include "predicate/evaluator.h"
+#include "predicate/parser.h"
+
+namespace corvanta::documents {
+
+using model::FetchRequest;
+using model::Record;
+
+namespace {
+
+QString s(const char* key)
+{
+    return QString::fromLatin1(key);
+}
+
+QVariantList refsOf(const QList<Record*>& records)
+{
+    QVariantList refs;
+    for (const Record* r : records)
+        refs << QVariant::fromValue(r->ref());
+    return refs;
+}
+
+} // namespace
+
+StockCalculator::StockCalculator(model::EditingContext& context)
+    : m_context(context)
+{}
+
+QList<Record*> StockCalculator::itemsOf(const Record* document)
+{
+    QList<Record*> items;
+    for (const Record* row : document->relatedList(s("rows"))) {
+        Record* item = row->related(s("item"));
+        if (item && !items.contains(item))
+            items << item;
+    }
+    return items;
+}
+
+// One query per item: an equality on `item` is answered by the index of the relationship, while
+// the store's SQL for "item IN %@" reads the whole table.
+QHash<qint64, double> StockCalculator::incomingByItem(const QList<Record*>& items)
+{
+    QHash<qint64, double> sums;
+    for (const Record* item : items) {
+        const auto condition = predicate::Parser::parse(s("item == %@"), {QVariant::fromValue(item->ref())});
+        double& sum = sums[item->pk()];
+        for (const Record* delivery : m_context.fetch(FetchRequest(s("Warehouse"), *condition)))
+            sum += delivery->value(s("quantity")).toDouble();
+    }
+    return sums;
+}
+
+QHash<qint64, double> StockCalculator::soldByItem(const QList<Record*>& items,
+                                                  const QList<Record*>& unsavedDocuments)
+{
+    const QString finalInvoiceRows = s("item == %@ && document.type == 0 && document.draft == NO");
+    const QVariant excluded = refsOf(unsavedDocuments);
+    QHash<qint64, double> sums;
+    for (const Record* item : items) {
+        const QVariant itemRef = QVariant::fromValue(item->ref());
+        double& sum = sums[item->pk()];
+
+        // Stored rows of every other document, as the store holds them.
+        const auto condition = predicate::Parser::parse(
+            unsavedDocuments.isEmpty() ? finalInvoiceRows : finalInvoiceRows + s(" && NOT (document IN %@)"),
+            {itemRef, excluded});
+        FetchRequest stored(s("DocumentRows"), *condition);
+        stored.includesPendingChanges = false;
+        for (const Record* row : m_context.fetch(stored))
+            sum += row->value(s("quantity")).toDouble();
+
+        // The unsaved documents' rows as they are in memory.
+        const auto inMemory = predicate::Parser::parse(finalInvoiceRows, {itemRef});
+        for (const Record* document : unsavedDocuments) {
+            if (document->isDeleted())
+                continue;
+            for (const Record* row : document->relatedList(s("rows"))) {
+                if (predicate::Evaluator::evaluate(*inMemory, *row))
+                    sum += row->value(s("quantity")).toDouble();
+            }
+        }
+    }
+    return sums;
+}
+
+double StockCalculator::incoming(Record* item)
+{
+    return item ? incomingByItem({item}).value(item->pk()) : 0.0;
+}
+
+double StockCalculator::sold(Record* item, const QList<Record*>& unsavedDocuments)
+{
+    return item ? soldByItem({item}, unsavedDocuments).value(item->pk()) : 0.0;
+}
+
+void StockCalculator::updateItemCurrentStock(Record* item, const QList<Record*>& unsavedDocuments)
+{
+    updateItemsCurrentStock({item}, unsavedDocuments);
+}
+
+void StockCalculator::updateItemsCurrentStock(const QList<Record*>& items,
+                                              const QList<Record*>& unsavedDocuments)
+{
+    QList<Record*> present;
+    for (Record* item : items) {
+        if (item && !item->isDeleted() && !present.contains(item))
+            present << item;
+    }
+    if (present.isEmpty())
+        return;
+    const QHash<qint64, double> in = incomingByItem(present);
+    const QHash<qint64, double> out = soldByItem(present, unsavedDocuments);
+    for (Record* item : std::as_const(present))
+        item->setValue(s("stock_current"), in.value(item->pk()) - out.value(item->pk()));
+}
+
+} // namespace corvanta::documents

@@ -1,0 +1,17 @@
+#include "taxvaluetext.h"
+
+#include "format/numberformatter.h"
+
+namespace corvanta::documents {
+
+QString TaxValueText::text(double tax1Value, double tax2Value, const model::Record* defaultCurrency)
+{
+    const format::NumberFormatter formatter(defaultCurrency);
+    // Only a positive second tax is shown: a negative one (a row of negative quantity) is left out.
+    if (tax2Value > 0)
+        return QStringLiteral("%1+%2").arg(formatter.stringFromNumber(tax1Value),
+                                           formatter.stringFromNumber(tax2Value));
+    return formatter.stringFromNumber(tax1Value);
+}
+
+} // namespace corvanta::documents
