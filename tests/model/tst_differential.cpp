@@ -171,10 +171,12 @@ private:
         case 0:
             return word;
         case 1:
-            return QString::fromUcs4(reinterpret_cast<const char32_t*>(characters.constData()), 1 + below(size));
+            return QString::fromUcs4(reinterpret_cast<const char32_t*>(characters.constData()),
+                                     1 + below(size));
         case 2: {
             const int from = below(size);
-            return QString::fromUcs4(reinterpret_cast<const char32_t*>(characters.constData()) + from, size - from);
+            return QString::fromUcs4(reinterpret_cast<const char32_t*>(characters.constData()) + from,
+                                     size - from);
         }
         default:
             return word.toUpper();

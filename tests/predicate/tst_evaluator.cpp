@@ -107,7 +107,7 @@ void tst_Evaluator::evaluates()
                             {s("draft"), false},
                             {s("company_name"), s("Álmos Kft.")},
                             {s("pattern"), s("a*b")},
-         {s("city"), s("Győr")},
+                            {s("city"), s("Győr")},
                             {s("rate1"), 20.0},
                             {s("code"), s("12")},
                             {s("date_creation"), QDateTime(QDate(2025, 1, 1), QTime(0, 0), Qt::UTC)},
