@@ -2,6 +2,11 @@
 # Sets up what is missing, builds, and starts Corvanta.
 set -euo pipefail
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
+build="$root/build"
 "$root/scripts/setup.sh"
-"$root/scripts/build.sh" "$root/build" -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
-exec "$root/build/bin/corvanta-cli" "$@"
+if [ ! -f "$build/build.ninja" ]; then
+    cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+        -DCORVANTA_BUILD_TESTS=OFF -DCORVANTA_BUILD_BENCH=OFF >/dev/null
+fi
+cmake --build "$build" --target corvanta-cli >/dev/null
+exec "$build/bin/corvanta-cli" "$@"
