@@ -84,6 +84,8 @@ void DocumentController::setEdited(bool edited)
 
 Record* DocumentController::newDocument(qint64 type)
 {
+    if (!DocumentTypes::isValid(type))
+        return nullptr;
     m_context->rollback();
     const QDateTime now = m_clock();
     const QDateTime today = format::dates::midday(format::dates::today(now));

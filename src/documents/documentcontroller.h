@@ -43,8 +43,8 @@ public:
     // stop after saving.
     void setOutput(DocumentOutput* output) { m_output = output; }
 
-    // A new document of `type` dated today, with the company's currency, terms, template and
-    // notes; it has no number until it is saved.
+    // A new document of `type` (0 to 7) dated today, with the company's currency, terms, template
+    // and notes; it has no number until it is saved. Null for an unknown type.
     model::Record* newDocument(qint64 type);
     // The stored document in this editor's context, or null when there is none.
     model::Record* openDocument(const predicate::RecordRef& document);
