@@ -1,3 +1,4 @@
+#include "app/applicationcore.h"
 #include "commandline.h"
 
 #include <QCoreApplication>
@@ -5,10 +6,15 @@
 int main(int argc, char** argv)
 {
     QCoreApplication app(argc, argv);
+    // The same name as the desktop program: its data folder (~/.local/share/corvanta) is this one's.
     QCoreApplication::setApplicationName(QStringLiteral("corvanta"));
     QCoreApplication::setApplicationVersion(QStringLiteral(CORVANTA_VERSION));
     QTextStream out(stdout);
     QTextStream err(stderr);
-    corvanta::cli::CommandLine commandLine(out, err);
-    return commandLine.run(QCoreApplication::arguments());
+    corvanta::cli::CommandLine commandLine(out, err, corvanta::model::DatabaseFolders::standard(),
+                                           corvanta::app::ApplicationCore::defaultShippedTemplatesFolder());
+    const int status = commandLine.run(QCoreApplication::arguments());
+    out.flush();
+    err.flush();
+    return status;
 }

@@ -1,0 +1,71 @@
+#include "arguments.h"
+
+namespace corvanta::cli {
+
+QString Arguments::value(const QString& name, const QString& fallback) const
+{
+    const QStringList given = m_values.value(name);
+    return given.isEmpty() ? fallback : given.last();
+}
+
+std::optional<Arguments> Arguments::parse(const QStringList& arguments, const QList<OptionSpec>& specs,
+                                          QString* error)
+{
+    const auto specOf = [&](const QString& name) -> const OptionSpec* {
+        for (const OptionSpec& spec : specs) {
+            if (spec.name == name)
+                return &spec;
+        }
+        return nullptr;
+    };
+    Arguments result;
+    bool optionsEnded = false;
+    for (qsizetype i = 0; i < arguments.size(); ++i) {
+        const QString& argument = arguments.at(i);
+        if (optionsEnded || !argument.startsWith(QLatin1Char('-')) || argument == QLatin1String("-")) {
+            result.m_words << argument;
+            continue;
+        }
+        if (argument == QLatin1String("--")) {
+            optionsEnded = true;
+            continue;
+        }
+        if (argument == QLatin1String("-h")) {
+            result.m_values[QStringLiteral("help")] << QString();
+            continue;
+        }
+        if (!argument.startsWith(QLatin1String("--"))) {
+            *error = tr("Unknown option \"%1\".").arg(argument);
+            return std::nullopt;
+        }
+        const qsizetype equals = argument.indexOf(QLatin1Char('='));
+        const QString name = argument.mid(2, equals < 0 ? -1 : equals - 2);
+        const OptionSpec* spec = specOf(name);
+        if (!spec) {
+            *error = tr("Unknown option \"--%1\".").arg(name);
+            return std::nullopt;
+        }
+        QString value;
+        if (spec->takesValue) {
+            if (equals >= 0) {
+                value = argument.mid(equals + 1);
+            } else if (i + 1 < arguments.size()) {
+                value = arguments.at(++i);
+            } else {
+                *error = tr("The option \"--%1\" needs a value.").arg(name);
+                return std::nullopt;
+            }
+        } else if (equals >= 0) {
+            *error = tr("The option \"--%1\" takes no value.").arg(name);
+            return std::nullopt;
+        }
+        if (!spec->repeatable && spec->takesValue && result.m_values.contains(name)) {
+            *error = tr("The option \"--%1\" may be given only once.").arg(name);
+            return std::nullopt;
+        }
+        result.m_values[name] << value;
+    }
+    return result;
+}
+
+} // namespace corvanta::cli

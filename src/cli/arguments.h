@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <QHash>
+#include <QList>
+#include <QStringList>
+#include <optional>
+
+namespace corvanta::cli {
+
+// One option a command accepts: "--name", with or without a value, once or several times.
+struct OptionSpec
+{
+    QString name; // without the leading "--"
+    bool takesValue = false;
+    bool repeatable = false;
+};
+
+// The options and words after a command's name. Options are "--name", "--name VALUE" or
+// "--name=VALUE"; a value may begin with "-" (a negative amount); "--" ends the options.
+class Arguments
+{
+    Q_DECLARE_TR_FUNCTIONS(Arguments)
+
+public:
+    // The arguments read by `specs`; nothing, with `error` set, for an unknown option, a missing
+    // value, a value given to a flag or an option given twice that may be given once.
+    static std::optional<Arguments> parse(const QStringList& arguments, const QList<OptionSpec>& specs,
+                                          QString* error);
+
+    bool has(const QString& name) const { return m_values.contains(name); }
+    // The option's value (the last one given), or `fallback` when it was not given.
+    QString value(const QString& name, const QString& fallback = {}) const;
+    QStringList values(const QString& name) const { return m_values.value(name); }
+    const QStringList& words() const { return m_words; }
+
+private:
+    QHash<QString, QStringList> m_values;
+    QStringList m_words;
+};
+
+} // namespace corvanta::cli

@@ -1,0 +1,23 @@
+#include "documentstatus.h"
+
+#include "documents/paymentstatus.h"
+#include "model/record.h"
+
+namespace corvanta::cli {
+
+QString DocumentStatus::of(const model::Record* document)
+{
+    if (!document)
+        return {};
+    if (!document->value(QStringLiteral("cancel_reference")).isNull())
+        return QStringLiteral("cancelled");
+    if (document->value(QStringLiteral("draft")).toBool())
+        return QStringLiteral("draft");
+    if (documents::PaymentStatus::isPaid(document))
+        return QStringLiteral("paid");
+    if (documents::PaymentStatus::isUnpaid(document))
+        return QStringLiteral("unpaid");
+    return {};
+}
+
+} // namespace corvanta::cli

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <QTextStream>
+
+namespace corvanta::model {
+class Record;
+}
+
+namespace corvanta::cli {
+
+// A document as readable text: its number, type, state, client and dates, its rows and tax
+// summary in aligned tables, its sums and payments, every amount in the document's currency.
+class DocumentText
+{
+    Q_DECLARE_TR_FUNCTIONS(DocumentText)
+
+public:
+    static void write(QTextStream& out, const model::Record* document);
+    // An amount of the document in its currency's format.
+    static QString amount(const model::Record* document, double value);
+    // "Invoice", "Pro Forma" ...
+    static QString typeName(const model::Record* document);
+    // Whether the document is the negative twin made by a cancellation (not the one cancelled).
+    static bool isCancellation(const model::Record* document);
+};
+
+} // namespace corvanta::cli

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <QString>
+
+namespace corvanta::model {
+class EditingContext;
+class Record;
+} // namespace corvanta::model
+
+namespace corvanta::cli {
+
+// Finds the one record a command names: a client by its full name, an item, tax, unit or payment
+// type by its name, a currency by its code, a document by its number or identifier. Names are
+// matched exactly, as the editors match typed names. None or several matches give a message that
+// says which, with the names that come close.
+class RecordLookup
+{
+    Q_DECLARE_TR_FUNCTIONS(RecordLookup)
+
+public:
+    enum class Kind { Client, Item, Tax, Unit, PaymentType, Currency };
+
+    explicit RecordLookup(model::EditingContext& context)
+        : m_context(context)
+    {}
+
+    // The one record of `kind` with that name; null with `error` set otherwise.
+    model::Record* find(Kind kind, const QString& name, QString* error);
+    // The one document whose `number_formatted` or `identifier` is `key`.
+    model::Record* document(const QString& key, QString* error);
+
+private:
+    model::EditingContext& m_context;
+};
+
+} // namespace corvanta::cli
