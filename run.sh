@@ -9,4 +9,12 @@ if [ ! -f "$build/build.ninja" ]; then
         -DCORVANTA_BUILD_TESTS=OFF -DCORVANTA_BUILD_BENCH=OFF >/dev/null
 fi
 cmake --build "$build" --target corvanta-cli >/dev/null
+# Without a display there is no window to show: the command-line front end makes a demo company
+# database instead and shows what it holds.
+if [ $# -eq 0 ] && [ -z "${DISPLAY:-}" ] && [ -z "${WAYLAND_DISPLAY:-}" ]; then
+    echo "No display found (neither DISPLAY nor WAYLAND_DISPLAY is set): running the headless demo," \
+        "corvanta-cli demo, instead."
+    echo
+    exec "$build/bin/corvanta-cli" demo
+fi
 exec "$build/bin/corvanta-cli" "$@"
