@@ -185,16 +185,33 @@ private:
     QSqlQuery m_query;
 };
 
-void printCompiled(const model::Store& store, const QString& title, const model::FetchRequest& request)
+// The statement a search compiles to and how SQLite answers it, asked on a connection of its own.
+void printCompiled(const QString& path, const model::Store& store, const QString& title,
+                   const model::FetchRequest& request, model::SqlCompiler::Aggregate function,
+                   const QString& keyPath)
 {
     const model::SqlCompiler compiler(store.model());
-    const std::optional<model::SqlStatement> sql = compiler.select(request);
+    const std::optional<model::SqlStatement> sql = compiler.aggregate(request, function, keyPath);
     if (!sql)
         return;
     QStringList values;
     for (const QVariant& v : sql->bindings)
         values << v.toString();
     out() << title << ":\n  " << sql->text << "\n  bound: " << values.join(s(", ")) << Qt::endl;
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(s("QSQLITE"), s("plan"));
+        db.setDatabaseName(path);
+        QSqlQuery query(db);
+        if (db.open() && query.prepare(s("EXPLAIN QUERY PLAN ") + sql->text)) {
+            for (qsizetype i = 0; i < sql->bindings.size(); ++i)
+                query.bindValue(int(i), sql->bindings.at(i));
+            if (query.exec()) {
+                while (query.next())
+                    out() << "  plan: " << query.value(3).toString() << Qt::endl;
+            }
+        }
+    }
+    QSqlDatabase::removeDatabase(s("plan"));
 }
 
 } // namespace
@@ -354,30 +371,26 @@ int main(int argc, char** argv)
 
     if (parser.isSet(sqlOption) && !drafts.isEmpty()) {
         out() << Qt::endl;
+        using Aggregate = model::SqlCompiler::Aggregate;
         const QVariantList year{0, QDateTime(QDate(2024, 1, 1), QTime(0, 0)),
                                 QDateTime(QDate(2024, 12, 31), QTime(23, 59, 59))};
-        const QString inYear = s("type == %ld && date_creation >= %@ && date_creation <= %@ && draft != 1");
-        const auto newestFirst = [](const char* key) {
-            return QList<model::SortDescriptor>{
-                model::SortDescriptor{s(key), false, model::SortDescriptor::Comparison::Default}};
-        };
-        model::FetchRequest latest(s("Documents"), parsed(inYear, year), newestFirst("date_creation"));
-        latest.limit = 1;
-        printCompiled(*store, s("next number search, the year's latest document"), latest);
-        model::FetchRequest higher(s("Documents"),
-                                   parsed(inYear + s(" && number > %ld"), year + QVariantList{100}),
-                                   newestFirst("number"));
-        higher.limit = 1;
-        printCompiled(*store, s("next number search, a higher number in the year"), higher);
+        printCompiled(
+            path, *store, s("next number search, the year's highest number"),
+            model::FetchRequest(
+                s("Documents"),
+                parsed(s("type == %ld && date_creation >= %@ && date_creation <= %@ && draft != 1"), year)),
+            Aggregate::Max, s("number"));
         const QVariant item = QVariant::fromValue(predicate::RecordRef{s("Items"), 1});
         printCompiled(
-            *store, s("sold quantity of an item"),
+            path, *store, s("sold quantity of an item"),
             model::FetchRequest(s("DocumentRows"),
-                                parsed(s("item == %@ && document.type == 0 && document.draft == NO && NOT "
-                                         "(document IN %@)"),
-                                       {item, QVariantList{QVariant::fromValue(drafts.first())}})));
-        printCompiled(*store, s("deliveries of an item"),
-                      model::FetchRequest(s("Warehouse"), parsed(s("item == %@"), {item})));
+                                parsed(s("item == %@ && document.type == 0 && document.draft == NO && "
+                                         "NOT (document IN %@)"),
+                                       {item, QVariantList{QVariant::fromValue(drafts.first())}})),
+            Aggregate::Sum, s("quantity"));
+        printCompiled(path, *store, s("deliveries of an item"),
+                      model::FetchRequest(s("Warehouse"), parsed(s("item == %@"), {item})), Aggregate::Sum,
+                      s("quantity"));
     }
     return finalised == drafts.size() && cancelled == finals.size() && stockRight ? 0 : 1;
 }

@@ -10,36 +10,24 @@
 namespace corvanta::documents {
 
 using model::FetchRequest;
-using model::SortDescriptor;
 
 DocumentNumbering::DocumentNumbering(model::EditingContext& context, model::Prompter& prompter)
     : m_context(context)
     , m_prompter(prompter)
 {}
 
+// One query: the index on (type, date_creation, draft, number) holds everything it reads, so the
+// year's documents are looked at in the index alone.
 qint64 DocumentNumbering::highestNumber(qint64 type, const QDateTime& date)
 {
-    const QString inYear =
-        QStringLiteral("type == %ld && date_creation >= %@ && date_creation <= %@ && draft != 1");
-    const QVariantList arguments{type, format::dates::yearMin(date), format::dates::yearMax(date)};
-    const auto first = [&](const QString& condition, const QVariantList& values, const QString& orderKey) {
-        FetchRequest request(QStringLiteral("Documents"), *predicate::Parser::parse(condition, values),
-                             {SortDescriptor{orderKey, false, SortDescriptor::Comparison::Default}});
-        request.limit = 1;
-        // Only what is stored counts; the document being edited has no number yet.
-        request.includesPendingChanges = false;
-        const model::Record* found = m_context.fetchFirst(request);
-        return found ? std::optional<qint64>(found->value(QStringLiteral("number")).toLongLong())
-                     : std::nullopt;
-    };
-    // The year's latest document walks the date index backwards and stops at once; its number is
-    // nearly always the highest, so that the search for a higher one leaves few rows to order.
-    const std::optional<qint64> latest = first(inYear, arguments, QStringLiteral("date_creation"));
-    if (!latest)
-        return 0;
-    const std::optional<qint64> higher = first(inYear + QStringLiteral(" && number > %ld"),
-                                               arguments + QVariantList{*latest}, QStringLiteral("number"));
-    return higher.value_or(*latest);
+    const auto inYear = predicate::Parser::parse(
+        QStringLiteral("type == %ld && date_creation >= %@ && date_creation <= %@ && draft != 1"),
+        {type, format::dates::yearMin(date), format::dates::yearMax(date)});
+    // Only what is stored counts; the document being edited has no number yet.
+    const std::optional<QVariant> highest =
+        m_context.storedAggregate(FetchRequest(QStringLiteral("Documents"), *inYear),
+                                  model::SqlCompiler::Aggregate::Max, QStringLiteral("number"));
+    return highest ? highest->toLongLong() : 0;
 }
 
 DocumentNumbering::NextNumber DocumentNumbering::nextNumberByType(qint64 type, const QDateTime& date,

@@ -41,16 +41,15 @@ QList<Record*> StockCalculator::itemsOf(const Record* document)
     return items;
 }
 
-// One query per item: an equality on `item` is answered by the index of the relationship, while
-// the store's SQL for "item IN %@" reads the whole table.
+// One sum per item, added up by the database: an equality on `item` is answered by an index that
+// holds the quantities too, so no row is read from the tables themselves.
 QHash<qint64, double> StockCalculator::incomingByItem(const QList<Record*>& items)
 {
     QHash<qint64, double> sums;
     for (const Record* item : items) {
         const auto condition = predicate::Parser::parse(s("item == %@"), {QVariant::fromValue(item->ref())});
-        double& sum = sums[item->pk()];
-        for (const Record* delivery : m_context.fetch(FetchRequest(s("Warehouse"), *condition)))
-            sum += delivery->value(s("quantity")).toDouble();
+        sums[item->pk()] =
+            m_context.sum(FetchRequest(s("Warehouse"), *condition), s("quantity")).value_or(0.0);
     }
     return sums;
 }
@@ -71,8 +70,7 @@ QHash<qint64, double> StockCalculator::soldByItem(const QList<Record*>& items,
             {itemRef, excluded});
         FetchRequest stored(s("DocumentRows"), *condition);
         stored.includesPendingChanges = false;
-        for (const Record* row : m_context.fetch(stored))
-            sum += row->value(s("quantity")).toDouble();
+        sum = m_context.sum(stored, s("quantity")).value_or(0.0);
 
         // The unsaved documents' rows as they are in memory.
         const auto inMemory = predicate::Parser::parse(finalInvoiceRows, {itemRef});

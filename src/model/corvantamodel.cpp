@@ -161,7 +161,8 @@ void defineItems(DataModelBuilder& b)
     b.oneToMany(s("Units"), s("items"), R::Nullify, s("Items"), s("unit"), R::Nullify);
     b.oneToMany(s("Taxes"), s("items"), R::Nullify, s("Items"), s("tax"), R::Nullify);
 
-    b.entity(s("Warehouse")).date(s("date")).decimal(s("quantity"));
+    // The index covers an item's deliveries, which stock is recomputed from.
+    b.entity(s("Warehouse")).date(s("date")).decimal(s("quantity")).index({s("item"), s("quantity")});
     b.oneToMany(s("Items"), s("warehouse"), R::Cascade, s("Warehouse"), s("item"), R::Nullify);
     b.oneToMany(s("Clients"), s("warehouse"), R::Nullify, s("Warehouse"), s("client"), R::Nullify);
 }
@@ -211,7 +212,10 @@ void defineDocuments(DataModelBuilder& b)
         .decimal(s("sum_tax2"))
         .decimal(s("sum_total"))
         .materializedSum(s("payments"), s("amount"))
-        .index({s("type"), s("date_creation")})
+        // Read instead of the table when another record's condition looks at its document.
+        .index({s("pk"), s("type"), s("draft")})
+        // Covers the search for the year's highest number as well as lists by type and date.
+        .index({s("type"), s("date_creation"), s("draft"), s("number")})
         // Covers the paid and unpaid invoice rules.
         .index({s("type"), s("draft"), s("cancel_reference"), s("sum_total"), s("payments.@sum.amount")})
         .index({s("date_creation")})
@@ -251,7 +255,9 @@ void defineDocuments(DataModelBuilder& b)
         .string(s("tax_value"))
         .decimal(s("total"))
         .decimal(s("default_currency_tax1_value"))
-        .decimal(s("default_currency_tax2_value"));
+        .decimal(s("default_currency_tax2_value"))
+        // Covers an item's sold quantity, which stock is recomputed from.
+        .index({s("item"), s("document"), s("quantity")});
     b.oneToMany(s("Documents"), s("rows"), R::Cascade, s("DocumentRows"), s("document"), R::Nullify);
     b.oneToMany(s("Items"), s("document_rows"), R::Nullify, s("DocumentRows"), s("item"), R::Nullify);
     b.oneToMany(s("Units"), s("document_rows"), R::Deny, s("DocumentRows"), s("unit"), R::Nullify);

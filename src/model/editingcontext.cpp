@@ -830,42 +830,82 @@ int EditingContext::count(const FetchRequest& request, StoreError* error)
     if (pending.isEmpty())
         return runCount(request, error);
     // The store counts what it holds apart from the unsaved records; those are judged in memory.
-    QVariantList keys;
     int matching = 0;
     for (Record* r : pending) {
-        keys << QVariant::fromValue(r->ref());
         if (!r->m_deleted && predicate::Evaluator::evaluate(request.predicate, *r))
             ++matching;
     }
+    const int storedCount = runCount(storedPartOf(request, pending), error);
+    return storedCount < 0 ? -1 : storedCount + matching;
+}
+
+std::optional<double> EditingContext::sum(const FetchRequest& request, const QString& keyPath,
+                                          StoreError* error)
+{
+    const EntityDescription* entity = m_store.model().entity(request.entity);
+    const QList<Record*> pending =
+        entity && request.includesPendingChanges ? pendingRecords(entity->index()) : QList<Record*>();
+    // As with counting: the unsaved records are judged in memory, the rest by the store.
+    double inMemory = 0;
+    for (Record* r : pending) {
+        if (!r->m_deleted && predicate::Evaluator::evaluate(request.predicate, *r))
+            inMemory += r->valueForKeyPath(keyPath).toDouble();
+    }
+    const std::optional<QVariant> total =
+        storedAggregate(storedPartOf(request, pending), SqlCompiler::Aggregate::Sum, keyPath, error);
+    return total ? std::optional<double>(total->toDouble() + inMemory) : std::nullopt;
+}
+
+FetchRequest EditingContext::storedPartOf(const FetchRequest& request, const QList<Record*>& pending)
+{
+    if (pending.isEmpty())
+        return request;
+    QVariantList keys;
+    for (const Record* r : pending)
+        keys << QVariant::fromValue(r->ref());
     FetchRequest stored = request;
     stored.predicate = Predicate::andOf(
         {request.predicate,
          Predicate::notOf(Predicate::compare(QStringLiteral("self"), Predicate::Operator::In, keys))});
-    const int storedCount = runCount(stored, error);
-    return storedCount < 0 ? -1 : storedCount + matching;
+    return stored;
 }
 
 int EditingContext::runCount(const FetchRequest& request, StoreError* error)
 {
     const SqlCompiler compiler(m_store.model());
-    const std::optional<SqlStatement> statement = compiler.count(request, error);
+    const std::optional<QVariant> result =
+        runScalar(compiler.count(request, error), tr("The records could not be counted."), error);
+    return result ? result->toInt() : -1;
+}
+
+std::optional<QVariant> EditingContext::storedAggregate(const FetchRequest& request,
+                                                        SqlCompiler::Aggregate function,
+                                                        const QString& keyPath, StoreError* error)
+{
+    const SqlCompiler compiler(m_store.model());
+    return runScalar(compiler.aggregate(request, function, keyPath, error),
+                     tr("The records could not be added up."), error);
+}
+
+std::optional<QVariant> EditingContext::runScalar(const std::optional<SqlStatement>& statement,
+                                                  const QString& failure, StoreError* error)
+{
     if (!statement)
-        return -1;
+        return std::nullopt;
     QString why;
     QSqlQuery* query = m_store.preparedQuery(statement->text, &why);
     if (!query) {
-        report(error,
-               StoreError::make(StoreError::InvalidFetch, tr("The records could not be counted."), why));
-        return -1;
+        report(error, StoreError::make(StoreError::InvalidFetch, failure, why));
+        return std::nullopt;
     }
     for (qsizetype i = 0; i < statement->bindings.size(); ++i)
         query->bindValue(int(i), statement->bindings.at(i));
-    int result = -1;
-    if (query->exec() && query->next())
-        result = query->value(0).toInt();
-    else
-        report(error, StoreError::make(StoreError::InvalidFetch, tr("The records could not be counted."),
-                                       query->lastError().text()));
+    std::optional<QVariant> result;
+    if (query->exec() && query->next()) {
+        result = query->value(0);
+    } else {
+        report(error, StoreError::make(StoreError::InvalidFetch, failure, query->lastError().text()));
+    }
     query->finish();
     return result;
 }

@@ -3,11 +3,13 @@
 #include "changeset.h"
 #include "fetchrequest.h"
 #include "record.h"
+#include "sqlcompiler.h"
 #include "storeerror.h"
 
 #include <QObject>
 #include <QVariantMap>
 #include <memory>
+#include <optional>
 #include <unordered_map>
 #include <vector>
 
@@ -46,6 +48,15 @@ public:
     Record* fetchFirst(FetchRequest request, StoreError* error = nullptr);
     // The number of records the request selects; -1 on error.
     int count(const FetchRequest& request, StoreError* error = nullptr);
+    // The total of `keyPath` over the records the request selects, missing values left out;
+    // nothing on error.
+    std::optional<double> sum(const FetchRequest& request, const QString& keyPath,
+                              StoreError* error = nullptr);
+    // One value over the stored records the request selects, computed by the database without
+    // loading them; unsaved changes in this context are not seen. A null value when there is
+    // nothing to take a maximum or minimum of; nothing on error.
+    std::optional<QVariant> storedAggregate(const FetchRequest& request, SqlCompiler::Aggregate function,
+                                            const QString& keyPath, StoreError* error = nullptr);
 
     // Deletes the record and applies the delete rules of its relationships now: cascades
     // delete, nullifies clear the other end. Deny rules are checked by save().
@@ -82,6 +93,11 @@ private:
     Record* registered(int entity, qint64 pk) const;
     QList<Record*> runSelect(const FetchRequest& request, StoreError* error);
     int runCount(const FetchRequest& request, StoreError* error);
+    // The request narrowed to what the store holds apart from the unsaved `pending` records.
+    static FetchRequest storedPartOf(const FetchRequest& request, const QList<Record*>& pending);
+    // The first column of the statement's one row; nothing, with `failure` reported, on error.
+    std::optional<QVariant> runScalar(const std::optional<SqlStatement>& statement, const QString& failure,
+                                      StoreError* error);
     // The records of an entity with unsaved changes here, which fetches judge in memory.
     QList<Record*> pendingRecords(int entity) const;
     void sortInMemory(QList<Record*>& records, const QList<SortDescriptor>& sort) const;

@@ -29,4 +29,13 @@ int EntityDescription::slotOfColumn(const QString& column) const
     return i < 0 ? -1 : m_columnSlots.at(i);
 }
 
+const IndexDescription* EntityDescription::lookupIndex() const
+{
+    for (const IndexDescription& index : m_indexes) {
+        if (index.columns.value(0) == QLatin1String("pk"))
+            return &index;
+    }
+    return nullptr;
+}
+
 } // namespace corvanta::model

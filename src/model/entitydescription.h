@@ -60,6 +60,12 @@ struct IndexDescription
 {
     QStringList columns;
     bool unique = false;
+
+    // The index's name in the database.
+    QString name(const QString& table) const
+    {
+        return table + QLatin1Char('_') + columns.join(QLatin1Char('_'));
+    }
 };
 
 // A sum over a to-many relationship that the database keeps in a column of the owner, so that
@@ -85,6 +91,9 @@ public:
     const QList<AttributeDescription>& attributes() const { return m_attributes; }
     const QList<RelationshipDescription>& relationships() const { return m_relationships; }
     const QList<IndexDescription>& indexes() const { return m_indexes; }
+    // An index led by the primary key: a narrow copy of a few columns, which a lookup of one
+    // record by its key can read instead of the record's whole row. Null when there is none.
+    const IndexDescription* lookupIndex() const;
     const QList<MaterializedSum>& materializedSums() const { return m_materializedSums; }
 
     const AttributeDescription* attribute(const QString& name) const;

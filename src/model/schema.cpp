@@ -5,6 +5,7 @@
 #include <QSet>
 #include <QSqlError>
 #include <QSqlQuery>
+#include <algorithm>
 
 namespace corvanta::model::schema {
 
@@ -57,9 +58,11 @@ QSet<QString> existingColumns(QSqlDatabase& db, const QString& table)
     return columns;
 }
 
-QString indexName(const QString& table, const QStringList& columns)
+// A declared index that starts with the column serves every search by that column alone.
+bool leadsAnIndex(const EntityDescription& entity, const QString& column)
 {
-    return table + QLatin1Char('_') + columns.join(QLatin1Char('_'));
+    return std::any_of(entity.indexes().begin(), entity.indexes().end(),
+                       [&](const IndexDescription& index) { return index.columns.value(0) == column; });
 }
 
 QString quotedList(const QStringList& names)
@@ -166,10 +169,10 @@ bool migrate(QSqlDatabase& db, const DataModel& model, QString* error)
         for (const MaterializedSum& sum : entity.materializedSums())
             triggers << materializedSumTriggers(entity, sum, model);
         for (const RelationshipDescription& r : entity.relationships()) {
-            if (r.storage == RelationshipStorage::ForeignKey)
+            if (r.storage == RelationshipStorage::ForeignKey && !leadsAnIndex(entity, r.name))
                 statements << QStringLiteral("CREATE INDEX IF NOT EXISTS %1 ON %2(%3)")
-                                  .arg(SqlCompiler::quoted(indexName(entity.name(), {r.name})), table,
-                                       SqlCompiler::quoted(r.name));
+                                  .arg(SqlCompiler::quoted(IndexDescription{{r.name}}.name(entity.name())),
+                                       table, SqlCompiler::quoted(r.name));
             if (r.storage == RelationshipStorage::JoinTable && r.joinOwner) {
                 const QString join = SqlCompiler::quoted(r.joinTable);
                 statements
@@ -188,7 +191,7 @@ bool migrate(QSqlDatabase& db, const DataModel& model, QString* error)
         for (const IndexDescription& index : entity.indexes()) {
             statements << QStringLiteral("CREATE %1INDEX IF NOT EXISTS %2 ON %3(%4)")
                               .arg(QLatin1String(index.unique ? "UNIQUE " : ""),
-                                   SqlCompiler::quoted(indexName(entity.name(), index.columns)), table,
+                                   SqlCompiler::quoted(index.name(entity.name())), table,
                                    quotedList(index.columns));
         }
     }

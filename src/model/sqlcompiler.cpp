@@ -6,6 +6,7 @@
 #include "valueconversion.h"
 
 #include <QCoreApplication>
+#include <QRegularExpression>
 
 namespace corvanta::model {
 
@@ -602,6 +603,37 @@ private:
     const DataModel& m_model;
 };
 
+// A to-one join whose table has a lookup index and reads no column outside it is told to use that
+// index. SQLite otherwise finds each joined record by its key in the table itself, whose wide
+// rows spread over many pages; the narrow index stays in the cache.
+QString withLookupIndexes(QString text, const DataModel& model)
+{
+    static const QRegularExpression join(QStringLiteral("LEFT JOIN \"([^\"]+)\" (t\\d+) ON "));
+    QList<std::pair<QString, QString>> replacements;
+    for (QRegularExpressionMatchIterator it = join.globalMatch(text); it.hasNext();) {
+        const QRegularExpressionMatch m = it.next();
+        const EntityDescription* entity = model.entity(m.captured(1));
+        const IndexDescription* index = entity ? entity->lookupIndex() : nullptr;
+        if (!index)
+            continue;
+        const QRegularExpression use(QStringLiteral("\\b%1\\.(\"[^\"]+\"|\\w+)").arg(m.captured(2)));
+        bool covered = true;
+        for (QRegularExpressionMatchIterator u = use.globalMatch(text); covered && u.hasNext();) {
+            QString column = u.next().captured(1);
+            if (column.startsWith(QLatin1Char('"')))
+                column = column.mid(1, column.size() - 2);
+            covered = index->columns.contains(column);
+        }
+        if (covered)
+            replacements.append({m.captured(0), QStringLiteral("LEFT JOIN %1 %2 INDEXED BY %3 ON ")
+                                                    .arg(SqlCompiler::quoted(entity->name()), m.captured(2),
+                                                         SqlCompiler::quoted(index->name(entity->name())))});
+    }
+    for (const auto& [from, to] : std::as_const(replacements))
+        text.replace(from, to);
+    return text;
+}
+
 } // namespace
 
 SqlCompiler::SqlCompiler(const DataModel& model)
@@ -617,17 +649,25 @@ QString SqlCompiler::quoted(const QString& name)
 
 std::optional<SqlStatement> SqlCompiler::select(const FetchRequest& request, StoreError* error) const
 {
-    return compile(request, false, error);
+    return compile(request, {}, error);
 }
 
 std::optional<SqlStatement> SqlCompiler::count(const FetchRequest& request, StoreError* error) const
 {
-    return compile(request, true, error);
+    return compile(request, {Shape::Count, Aggregate::Sum, {}}, error);
 }
 
-std::optional<SqlStatement> SqlCompiler::compile(const FetchRequest& request, bool countOnly,
+std::optional<SqlStatement> SqlCompiler::aggregate(const FetchRequest& request, Aggregate function,
+                                                   const QString& keyPath, StoreError* error) const
+{
+    return compile(request, {Shape::Aggregate, function, keyPath}, error);
+}
+
+std::optional<SqlStatement> SqlCompiler::compile(const FetchRequest& request, const Projection& projection,
                                                  StoreError* error) const
 {
+    const bool countOnly = projection.shape == Shape::Count;
+    const bool ordered = projection.shape == Shape::Records;
     const EntityDescription* entity = m_model.entity(request.entity);
     if (!entity) {
         report(error,
@@ -656,7 +696,7 @@ std::optional<SqlStatement> SqlCompiler::compile(const FetchRequest& request, bo
     try {
         const Sql where = compiler.condition(request.predicate, top);
         QStringList order;
-        if (!countOnly) {
+        if (ordered) {
             for (const SortDescriptor& sort : request.sortDescriptors) {
                 const Operand o = compiler.valueOperand(sort.keyPath, top);
                 QString term = o.sql.text;
@@ -670,8 +710,14 @@ std::optional<SqlStatement> SqlCompiler::compile(const FetchRequest& request, bo
         }
 
         QString columns;
+        QVariantList columnBinds;
         if (countOnly) {
             columns = QStringLiteral("count(*)");
+        } else if (projection.shape == Shape::Aggregate) {
+            const Operand o = compiler.valueOperand(projection.keyPath, top);
+            static const char* const functions[] = {"total(%1)", "max(%1)", "min(%1)"};
+            columns = QString::fromLatin1(functions[int(projection.function)]).arg(o.sql.text);
+            columnBinds = o.sql.binds;
         } else {
             columns = QStringLiteral("t0.pk");
             for (const QString& column : entity->columns())
@@ -683,14 +729,15 @@ std::optional<SqlStatement> SqlCompiler::compile(const FetchRequest& request, bo
             statement.text += QLatin1Char(' ') + join;
         if (where.text != QLatin1String("1"))
             statement.text += QLatin1String(" WHERE ") + where.text;
-        statement.bindings = where.binds;
-        if (!countOnly) {
+        statement.bindings = columnBinds + where.binds;
+        if (ordered) {
             statement.text += QLatin1String(" ORDER BY ") + order.join(QLatin1String(", "));
             if (request.limit > 0 || request.offset > 0)
                 statement.text += QStringLiteral(" LIMIT %1 OFFSET %2")
                                       .arg(request.limit > 0 ? request.limit : -1)
                                       .arg(qMax(0, request.offset));
         }
+        statement.text = withLookupIndexes(statement.text, m_model);
         return statement;
     } catch (const CompileFailure& failure) {
         report(error, StoreError::make(StoreError::InvalidFetch, failure.message));

@@ -31,11 +31,25 @@ public:
     // SELECT count(*).
     std::optional<SqlStatement> count(const FetchRequest& request, StoreError* error = nullptr) const;
 
+    // One value over the selected rows, computed by the database: `Sum` is 0 over no rows and
+    // skips missing values, `Max` and `Min` are NULL over no rows.
+    enum class Aggregate { Sum, Max, Min };
+    std::optional<SqlStatement> aggregate(const FetchRequest& request, Aggregate function,
+                                          const QString& keyPath, StoreError* error = nullptr) const;
+
     // SQL names are always quoted, since the model uses words such as `order` and `desc`.
     static QString quoted(const QString& name);
 
 private:
-    std::optional<SqlStatement> compile(const FetchRequest& request, bool countOnly, StoreError* error) const;
+    enum class Shape { Records, Count, Aggregate };
+    struct Projection
+    {
+        Shape shape = Shape::Records;
+        Aggregate function = Aggregate::Sum;
+        QString keyPath;
+    };
+    std::optional<SqlStatement> compile(const FetchRequest& request, const Projection& projection,
+                                        StoreError* error) const;
 
     const DataModel& m_model;
 };

@@ -1,6 +1,8 @@
 #include "storetestsupport.h"
 
 #include <QDateTime>
+#include <QSqlDatabase>
+#include <QSqlQuery>
 
 using namespace corvanta::model;
 using namespace corvanta::model::testing;
@@ -55,6 +57,11 @@ private Q_SLOTS:
     void errorsNameTheProblem();
     void sortsAndPages_data();
     void sortsAndPages();
+    void aggregates_data();
+    void aggregates();
+    void sumsSeeUnsavedChanges();
+    void historySearchesReadIndexesOnly_data();
+    void historySearchesReadIndexesOnly();
 
 private:
     QVariant ref(const char* name) const { return QVariant::fromValue(m_refs.value(s(name))); }
@@ -398,6 +405,141 @@ void tst_Fetch::sortsAndPages()
     for (const Record* r : m_store->main().fetch(request))
         actual << r->value(nameKey).toString();
     QCOMPARE(actual, expected);
+}
+
+void tst_Fetch::aggregates_data()
+{
+    using A = SqlCompiler::Aggregate;
+    QTest::addColumn<QString>("entity");
+    QTest::addColumn<Predicate>("predicate");
+    QTest::addColumn<int>("function");
+    QTest::addColumn<QString>("keyPath");
+    QTest::addColumn<QVariant>("expected");
+    const Predicate finalBoltRows =
+        Predicate::andOf({cmp("item", Op::Equal, ref("bolt")), cmp("document.type", Op::Equal, 0),
+                          cmp("document.draft", Op::Equal, false)});
+    QTest::newRow("sold quantity of an item")
+        << s("DocumentRows") << finalBoltRows << int(A::Sum) << s("quantity") << QVariant(2.0);
+    QTest::newRow("sum of nothing is 0")
+        << s("Payments") << cmp("amount", Op::Greater, 1000) << int(A::Sum) << s("amount") << QVariant(0.0);
+    QTest::newRow("sum through a to-one key path")
+        << s("Payments") << cmp("document.client", Op::Equal, ref("almos")) << int(A::Sum) << s("amount")
+        << QVariant(210.0);
+    // `draft != 1` keeps D6, whose draft flag is missing.
+    QTest::newRow("highest total of non-drafts") << s("Documents") << cmp("draft", Op::NotEqual, 1)
+                                                 << int(A::Max) << s("sum_total") << QVariant(100.0);
+    QTest::newRow("lowest total of invoices")
+        << s("Documents") << cmp("type", Op::Equal, 0) << int(A::Min) << s("sum_total") << QVariant(-40.0);
+    QTest::newRow("highest of nothing is missing")
+        << s("Documents") << cmp("type", Op::Equal, 7) << int(A::Max) << s("sum_total") << QVariant();
+}
+
+void tst_Fetch::aggregates()
+{
+    QFETCH(QString, entity);
+    QFETCH(Predicate, predicate);
+    QFETCH(int, function);
+    QFETCH(QString, keyPath);
+    QFETCH(QVariant, expected);
+    StoreError error;
+    const std::optional<QVariant> value = m_store->main().storedAggregate(
+        FetchRequest(entity, predicate), SqlCompiler::Aggregate(function), keyPath, &error);
+    QVERIFY2(value, qPrintable(error.message()));
+    QCOMPARE(value->isNull(), expected.isNull());
+    if (!expected.isNull())
+        QCOMPARE(value->toDouble(), expected.toDouble());
+    if (SqlCompiler::Aggregate(function) == SqlCompiler::Aggregate::Sum)
+        QCOMPARE(m_store->main().sum(FetchRequest(entity, predicate), keyPath), expected.toDouble());
+
+    QVERIFY(!m_store->main().storedAggregate(FetchRequest(entity, predicate),
+                                             SqlCompiler::Aggregate(function), s("no_such_key"), &error));
+    QVERIFY2(error.message().contains(s("no_such_key")), qPrintable(error.message()));
+}
+
+// Unsaved records of the context count as they are in memory; the store answers for the rest.
+void tst_Fetch::sumsSeeUnsavedChanges()
+{
+    std::unique_ptr<EditingContext> c = m_store->store().newContext();
+    Record* d1 = c->record(m_refs.value(s("D1")));
+    Record* d2 = c->record(m_refs.value(s("D2")));
+    const FetchRequest almosPayments(s("Payments"), cmp("document.client", Op::Equal, ref("almos")));
+    QCOMPARE(c->sum(almosPayments, s("amount")), 210.0);
+
+    c->insertRecord(s("Payments"), {{s("amount"), 5.0}, {s("document"), QVariant::fromValue(d1)}});
+    QList<Record*> payments = d2->relatedList(s("payments"));
+    std::sort(payments.begin(), payments.end(), [](const Record* a, const Record* b) {
+        return a->value(s("amount")).toDouble() < b->value(s("amount")).toDouble();
+    });
+    payments.at(0)->setValue(s("amount"), 1.0); // 50 becomes 1
+    c->deleteRecord(payments.at(1));            // 60 goes
+    QCOMPARE(c->sum(almosPayments, s("amount")), 210.0 + 5.0 - 49.0 - 60.0);
+
+    FetchRequest storedOnly = almosPayments;
+    storedOnly.includesPendingChanges = false;
+    QCOMPARE(c->sum(storedOnly, s("amount")), 210.0);
+    // A payment moved to another client's document leaves the sum although the SQL would still
+    // count its stored state.
+    Record* d3 = c->record(m_refs.value(s("D3")));
+    payments.at(0)->setRelated(s("document"), d3);
+    QCOMPARE(c->sum(almosPayments, s("amount")), 210.0 + 5.0 - 50.0 - 60.0);
+}
+
+// The searches that run over a company's whole history must be answered by an index alone, and
+// records joined through a to-one key by their narrow lookup index instead of the wide table.
+void tst_Fetch::historySearchesReadIndexesOnly_data()
+{
+    using A = SqlCompiler::Aggregate;
+    QTest::addColumn<QString>("entity");
+    QTest::addColumn<Predicate>("predicate");
+    QTest::addColumn<int>("function");
+    QTest::addColumn<QString>("keyPath");
+    QTest::addColumn<bool>("lookupIndex");
+    QTest::newRow("sold quantity of an item")
+        << s("DocumentRows")
+        << Predicate::andOf({cmp("item", Op::Equal, ref("bolt")), cmp("document.type", Op::Equal, 0),
+                             cmp("document.draft", Op::Equal, false),
+                             Predicate::notOf(cmp("document", Op::In, QVariantList{ref("D2")}))})
+        << int(A::Sum) << s("quantity") << true;
+    QTest::newRow("deliveries of an item")
+        << s("Warehouse") << cmp("item", Op::Equal, ref("bolt")) << int(A::Sum) << s("quantity") << false;
+    QTest::newRow("highest number of a year")
+        << s("Documents")
+        << Predicate::andOf(
+               {cmp("type", Op::Equal, 0), cmp("date_creation", Op::GreaterOrEqual, day(2024, 1, 1)),
+                cmp("date_creation", Op::LessOrEqual, day(2024, 12, 31)), cmp("draft", Op::NotEqual, 1)})
+        << int(A::Max) << s("number") << false;
+}
+
+void tst_Fetch::historySearchesReadIndexesOnly()
+{
+    QFETCH(QString, entity);
+    QFETCH(Predicate, predicate);
+    QFETCH(int, function);
+    QFETCH(QString, keyPath);
+    QFETCH(bool, lookupIndex);
+    const std::optional<SqlStatement> statement =
+        SqlCompiler(m_store->store().model())
+            .aggregate(FetchRequest(entity, predicate), SqlCompiler::Aggregate(function), keyPath);
+    QVERIFY(statement);
+    QCOMPARE(statement->text.contains(s("INDEXED BY")), lookupIndex);
+
+    QStringList plan;
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(s("QSQLITE"), s("plan"));
+        db.setDatabaseName(m_store->path());
+        QVERIFY(db.open());
+        QSqlQuery query(db);
+        QVERIFY(query.prepare(s("EXPLAIN QUERY PLAN ") + statement->text));
+        for (qsizetype i = 0; i < statement->bindings.size(); ++i)
+            query.bindValue(int(i), statement->bindings.at(i));
+        QVERIFY(query.exec());
+        while (query.next())
+            plan << query.value(3).toString();
+    }
+    QSqlDatabase::removeDatabase(s("plan"));
+    const QString text = plan.join(QLatin1Char('\n'));
+    QVERIFY2(!text.contains(s("SCAN")), qPrintable(text));
+    QVERIFY2(text.contains(s("COVERING INDEX")), qPrintable(text));
 }
 
 QTEST_GUILESS_MAIN(tst_Fetch)
