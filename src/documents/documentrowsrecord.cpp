@@ -109,7 +109,7 @@ QList<Record*> DocumentRowsRecord::displayOrder(const Record* document)
 
 void DocumentRowsRecord::didChangeValue(const QString& key)
 {
-    if (key == QLatin1String("quantity") || key == QLatin1String("unit_price"))
+    if (key == QLatin1String("quantity") || key == QLatin1String("unit_price") || key == QLatin1String("tax"))
         calcPrices();
 }
 

@@ -4,8 +4,8 @@
 
 namespace corvanta::documents {
 
-// A row of a document. Setting `quantity` or `unit_price` (through setValue) or the tax
-// (through setTax) recomputes the row's amounts at once (calcPrices); no other key does.
+// A row of a document. Setting `quantity`, `unit_price` or `tax` recomputes the row's amounts at
+// once (calcPrices); no other key does.
 class DocumentRowsRecord : public model::Record
 {
 public:
@@ -22,7 +22,7 @@ public:
     static Prices computePrices(double quantity, double unitPrice, double rate1, double rate2,
                                 bool cumulative);
 
-    // Links the tax and recomputes the row.
+    // Links the tax and recomputes the row, even when the tax stays the same.
     void setTax(model::Record* tax);
     // Recomputes net, both tax values, the total, `tax_value` and the default-currency tax
     // values from quantity, unit price and tax.

@@ -145,7 +145,7 @@ void Record::setValue(const QString& key, const QVariant& value)
         return;
     }
     if (!r->toMany) {
-        m_context->setToOne(this, *r, toRecord(m_context, value));
+        setToOneNotifying(*r, toRecord(m_context, value));
         return;
     }
     QList<Record*> wanted;
@@ -258,7 +258,15 @@ void Record::setRelated(const QString& toOne, Record* destination)
         qWarning() << "Record::setRelated: no to-one" << toOne << "on" << m_entity->name();
         return;
     }
-    m_context->setToOne(this, *r, destination);
+    setToOneNotifying(*r, destination);
+}
+
+void Record::setToOneNotifying(const RelationshipDescription& relationship, Record* destination)
+{
+    const Record* before = related(relationship.name);
+    m_context->setToOne(this, relationship, destination);
+    if (related(relationship.name) != before)
+        didChangeValue(relationship.name);
 }
 
 void Record::addRelated(const QString& toMany, Record* destination)

@@ -71,7 +71,8 @@ protected:
     virtual void awakeFromFetch() {}
     // Called once when the record is inserted into a context.
     virtual void awakeFromInsert() {}
-    // Called after setValue changed an attribute.
+    // Called after setValue changed an attribute, or setValue or setRelated changed a to-one
+    // relationship (not when the other end of a relationship moved it).
     virtual void didChangeValue(const QString& key) { Q_UNUSED(key) }
     // Lets a subclass adapt an incoming value before it is stored (lists joined to text ...).
     virtual QVariant willSetValue(const QString& key, const QVariant& value)
@@ -85,6 +86,8 @@ protected:
     QVariant primitiveValue(const QString& key) const;
 
 private:
+    void setToOneNotifying(const RelationshipDescription& relationship, Record* destination);
+
     friend class EditingContext;
     friend class RecordRelationships;
 

@@ -124,6 +124,12 @@ void tst_DocumentRows::onlyQuantityPriceAndTaxRecompute()
     QCOMPARE(row->value(s("total")).toDouble(), 20.0);
     QCOMPARE(row->value(s("tax_value")).toString(), s("0"));
     QVERIFY(row->value(s("tax_name")).isNull());
+
+    // The tax set on the record itself, not through the editor, recomputes too.
+    row->setValue(s("tax"), QVariant::fromValue(tax));
+    QCOMPARE(row->value(s("total")).toDouble(), 24.0);
+    row->setRelated(s("tax"), nullptr);
+    QCOMPARE(row->value(s("total")).toDouble(), 20.0);
 }
 
 void tst_DocumentRows::taxSummaryAndSums_data()
