@@ -31,6 +31,9 @@ QString DocumentText::amount(const Record* document, double value)
 
 QString DocumentText::typeName(const Record* document)
 {
+    // The negative twin of a cancelled invoice is shown as the sidebar files it.
+    if (isCancellation(document))
+        return tr("Cancellation");
     return documents::DocumentTypes::displayName(document->value(s("type")).toLongLong());
 }
 
@@ -76,7 +79,7 @@ void DocumentText::write(QTextStream& out, const Record* document)
     if (const Record* other = document->related(s("cancel_reference")))
         field(isCancellation(document) ? tr("Cancels") : tr("Cancelled by"),
               other->value(s("number_formatted")).toString());
-    field(tr("Header"), text("note_header").replace(QLatin1Char('\n'), s(" / ")));
+    field(tr("Header"), text("note_header").split(QLatin1Char('\n'), Qt::SkipEmptyParts).join(s(" / ")));
     fields.write(out);
 
     const QList<Record*> rows = documents::DocumentRowsRecord::displayOrder(document);

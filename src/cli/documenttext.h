@@ -19,7 +19,7 @@ public:
     static void write(QTextStream& out, const model::Record* document);
     // An amount of the document in its currency's format.
     static QString amount(const model::Record* document, double value);
-    // "Invoice", "Pro Forma" ...
+    // "Invoice", "Pro Forma" ..., "Cancellation" for the twin of a cancelled invoice.
     static QString typeName(const model::Record* document);
     // Whether the document is the negative twin made by a cancellation (not the one cancelled).
     static bool isCancellation(const model::Record* document);

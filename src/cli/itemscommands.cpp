@@ -36,6 +36,14 @@ QString kindName(qint64 type)
     return type == 0 ? CommandLine::tr("Service") : type == 1 ? CommandLine::tr("Product") : QString();
 }
 
+// The current stock of a product; services keep none worth showing.
+QString stockText(const Record* item)
+{
+    if (item->value(s("type")).toLongLong() == 0)
+        return {};
+    return ValueText::plain(item->value(s("stock_current")).toDouble());
+}
+
 // A reference list's record named by an option into the editor's context; null when the option
 // is absent. False when the name is unknown (the reason is reported).
 bool linkedRecord(Invocation& invocation, model::EditingContext& context, const char* option,
@@ -185,7 +193,7 @@ int listItems(Invocation& invocation)
                       item->valueForKeyPath(s("unit.name")).toString(),
                       item->valueForKeyPath(s("tax.name")).toString(),
                       price.isNull() ? QString() : format::formattedCurrency(price.toDouble(), currency),
-                      ValueText::plain(item->value(s("stock_current")).toDouble())});
+                      stockText(item)});
     }
     table.write(invocation.output.text());
     return Success;
@@ -219,7 +227,7 @@ int showItem(Invocation& invocation)
             field(CommandLine::tr("%1 (%2)").arg(labels.value(level - 1), QString::number(level)),
                   format::formattedCurrency(price.toDouble(), currency));
     }
-    field(CommandLine::tr("Stock"), ValueText::plain(item->value(s("stock_current")).toDouble()));
+    field(CommandLine::tr("Stock"), stockText(item));
     field(CommandLine::tr("Identifier"), item->value(s("identifier")).toString());
     fields.write(out);
 

@@ -31,6 +31,7 @@ private Q_SLOTS:
     void exitCodes();
     void everyCommandHasHelp();
     void manPageCoversEveryCommand();
+    void infoCreatesDatabase();
     void infoReportsStoreErrors();
     void databaseListOnFirstUse();
     void backupCopies();
@@ -112,6 +113,20 @@ void tst_CommandLine::manPageCoversEveryCommand()
     QVERIFY(process.waitForFinished());
     QCOMPARE(process.exitCode(), 0);
     QCOMPARE(QString::fromUtf8(process.readAllStandardError()), QString());
+}
+
+void tst_CommandLine::infoCreatesDatabase()
+{
+    const Cli cli;
+    const QString path = cli.path(s("sub/company.cvdb"));
+    const Run run = cli.raw({s("info"), s("--database"), path});
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.firstLine(), s("Database: ") + path);
+    QVERIFY(run.out.contains(QRegularExpression(s("Documents\\s+0\n"))));
+    QVERIFY(run.out.contains(QRegularExpression(s("MyCompany\\s+1\n"))));
+    QVERIFY(!QFileInfo::exists(path + s(".lock"))); // released on exit
+    // The database list is not touched when a file is named.
+    QVERIFY(!QFileInfo::exists(cli.path(s("data/corvanta"))));
 }
 
 void tst_CommandLine::infoReportsStoreErrors()
