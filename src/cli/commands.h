@@ -2,6 +2,10 @@
 
 #include "command.h"
 
+namespace corvanta::model {
+class Record;
+}
+
 // The commands of corvanta-cli, by group; each group's file holds their usage, help and work.
 namespace corvanta::cli {
 
@@ -12,5 +16,9 @@ QList<Command> itemsCommands();
 QList<Command> documentsCommands();       // new, list, show
 QList<Command> documentActionsCommands(); // finalize, cancel, duplicate, pay, settle, delete
 QList<Command> demoCommands();
+
+// What a command that made or changed a document prints: its number (or draft text) and its
+// identifier, or the whole document with --json.
+void printDocumentMade(Invocation& invocation, const model::Record* document);
 
 } // namespace corvanta::cli

@@ -44,16 +44,6 @@ Record* stored(Invocation& invocation, const RecordRef& ref)
     return invocation.session.context().record(ref);
 }
 
-void printDocument(Invocation& invocation, const Record* document)
-{
-    if (invocation.output.isJson()) {
-        invocation.output.json(RecordJson::document(document));
-        return;
-    }
-    invocation.output.text() << document->value(s("number_formatted")).toString() << '\n'
-                             << document->value(s("identifier")).toString() << '\n';
-}
-
 void printPayments(Invocation& invocation, const Record* document)
 {
     if (invocation.output.isJson()) {
@@ -90,7 +80,7 @@ int finalize(Invocation& invocation)
     if (!wasDraft)
         invocation.prompter.report(
             CommandLine::tr("%1 is final already.").arg(document->value(s("number_formatted")).toString()));
-    printDocument(invocation, stored(invocation, document->ref()));
+    printDocumentMade(invocation, stored(invocation, document->ref()));
     return Success;
 }
 
@@ -103,7 +93,7 @@ int cancel(Invocation& invocation)
     const std::optional<RecordRef> cancellation = canceller.cancel(document->ref());
     if (!cancellation)
         return Refused;
-    printDocument(invocation, stored(invocation, *cancellation));
+    printDocumentMade(invocation, stored(invocation, *cancellation));
     return Success;
 }
 
@@ -116,7 +106,7 @@ int duplicate(Invocation& invocation)
     const std::optional<RecordRef> copy = copier.duplicate(document->ref());
     if (!copy)
         return Refused;
-    printDocument(invocation, stored(invocation, *copy));
+    printDocumentMade(invocation, stored(invocation, *copy));
     return Success;
 }
 

@@ -90,16 +90,6 @@ std::optional<RowSpec> readRow(const QString& text, QString* error)
     return row;
 }
 
-void printDocument(Invocation& invocation, const Record* document)
-{
-    if (invocation.output.isJson()) {
-        invocation.output.json(RecordJson::document(document));
-        return;
-    }
-    invocation.output.text() << document->value(s("number_formatted")).toString() << '\n'
-                             << document->value(s("identifier")).toString() << '\n';
-}
-
 int newDocument(Invocation& invocation)
 {
     const Arguments& arguments = invocation.arguments;
@@ -194,7 +184,7 @@ int newDocument(Invocation& invocation)
     } else if (!editor.save(DocumentController::Sender::Control)) {
         return Refused;
     }
-    printDocument(invocation, document);
+    printDocumentMade(invocation, document);
     return Success;
 }
 
@@ -375,6 +365,16 @@ QList<Command> documentsCommands()
     show.maxWords = 1;
     show.run = showDocument;
     return {add, list, show};
+}
+
+void printDocumentMade(Invocation& invocation, const Record* document)
+{
+    if (invocation.output.isJson()) {
+        invocation.output.json(RecordJson::document(document));
+        return;
+    }
+    invocation.output.text() << document->value(QStringLiteral("number_formatted")).toString() << '\n'
+                             << document->value(QStringLiteral("identifier")).toString() << '\n';
 }
 
 } // namespace corvanta::cli
