@@ -1,5 +1,6 @@
 #include "applicationcore.h"
 
+#include "documents/recordclasses.h"
 #include "format/currenciesrecord.h"
 #include "model/databasemanager.h"
 #include "model/defaultrecords.h"
@@ -72,6 +73,12 @@ bool ApplicationCore::start()
     return true;
 }
 
+void ApplicationCore::registerRecordClasses(model::Store& store)
+{
+    format::CurrenciesRecord::registerOn(store);
+    documents::registerRecordClasses(store);
+}
+
 bool ApplicationCore::openStore()
 {
     StoreError error;
@@ -113,7 +120,7 @@ bool ApplicationCore::openStore()
         return false;
     }
     // Record classes first: the default records already need their derived values.
-    format::CurrenciesRecord::registerOn(*m_store);
+    registerRecordClasses(*m_store);
     m_databaseManager->setStore(m_store.get());
     return true;
 }

@@ -33,6 +33,8 @@ public:
     ~ApplicationCore() override;
 
     static QString defaultShippedTemplatesFolder();
+    // Gives a newly opened store every record class of the program, before any record is read.
+    static void registerRecordClasses(model::Store& store);
 
     // Runs the start-up. False when no database could be opened: the reason was shown, and the
     // program quits (or starts again when isRestartRequested()).

@@ -2,8 +2,6 @@
 
 #include "app/applicationcore.h"
 #include "cliprompter.h"
-#include "documents/recordclasses.h"
-#include "format/currenciesrecord.h"
 #include "model/databasemanager.h"
 #include "model/defaultrecords.h"
 #include "model/editingcontext.h"
@@ -59,7 +57,6 @@ bool Session::startFromList()
         m_core = std::make_unique<app::ApplicationCore>(m_prompter, m_folders, m_shippedTemplates);
         if (m_core->start()) {
             m_store = m_core->store();
-            documents::registerRecordClasses(*m_store);
             return true;
         }
         if (!m_core->isRestartRequested())
@@ -78,8 +75,7 @@ bool Session::openFile(const QString& file)
         return false;
     }
     // The same order as at start-up: record classes, then the default records of a new file.
-    format::CurrenciesRecord::registerOn(*m_ownStore);
-    documents::registerRecordClasses(*m_ownStore);
+    app::ApplicationCore::registerRecordClasses(*m_ownStore);
     const QString templateFiles = QDir(QFileInfo(file).absolutePath()).filePath(QStringLiteral("templates"));
     const QString shipped = m_shippedTemplates;
     model::DefaultRecords defaults(
