@@ -13,11 +13,6 @@ using app::ApplicationCore;
 
 namespace {
 
-QString s(const char* text)
-{
-    return QString::fromUtf8(text);
-}
-
 const QString kFailed = s("Failed to initialize the store | There was an error building up the data file.");
 
 // The shipped templates folder: the two invoice files, the later of which becomes the default.

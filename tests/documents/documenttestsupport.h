@@ -13,10 +13,7 @@
 
 namespace corvanta::documents::testing {
 
-inline QString s(const char* text)
-{
-    return QString::fromUtf8(text);
-}
+using model::testing::s;
 
 // A local moment, as the user's clock gives it.
 inline QDateTime at(int year, int month, int day, int hour = 10, int minute = 30)

@@ -11,11 +11,6 @@ using namespace corvanta::model::testing;
 
 namespace {
 
-QString s(const char* text)
-{
-    return QString::fromUtf8(text);
-}
-
 QStringList names(const QList<Record*>& records, const char* key)
 {
     QStringList list;

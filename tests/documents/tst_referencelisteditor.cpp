@@ -14,11 +14,6 @@ using namespace corvanta::model::testing;
 
 namespace {
 
-QString s(const char* text)
-{
-    return QString::fromUtf8(text);
-}
-
 void addListRows(bool withCurrencies)
 {
     QTest::addColumn<ReferenceListType>("type");

@@ -14,11 +14,6 @@ using namespace corvanta::model::testing;
 
 namespace {
 
-QString s(const char* text)
-{
-    return QString::fromUtf8(text);
-}
-
 int column(const ReferenceList& list, const char* key)
 {
     for (qsizetype i = 0; i < list.columns().size(); ++i) {

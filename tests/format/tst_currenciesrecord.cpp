@@ -13,11 +13,6 @@ using namespace corvanta::model::testing;
 
 namespace {
 
-QString s(const char* text)
-{
-    return QString::fromUtf8(text);
-}
-
 QVariantMap euro(bool fixed)
 {
     return {{s("code"), s("EUR")},

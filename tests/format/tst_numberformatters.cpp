@@ -10,11 +10,6 @@ using namespace corvanta::model::testing;
 
 namespace {
 
-QString s(const char* text)
-{
-    return QString::fromUtf8(text);
-}
-
 // A default currency as the company holds it.
 struct Currency
 {

@@ -4,6 +4,7 @@
 #include "model/databaselist.h"
 #include "model/propertylist.h"
 #include "model/scriptedprompter.h"
+#include "storetestsupport.h"
 
 #include <QDir>
 #include <QFile>

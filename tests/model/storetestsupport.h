@@ -9,6 +9,11 @@
 
 namespace corvanta::model::testing {
 
+inline QString s(const char* text)
+{
+    return QString::fromUtf8(text);
+}
+
 // A fresh company database in a scratch folder.
 class ScratchStore
 {

@@ -4,15 +4,6 @@
 using namespace corvanta::model;
 using namespace corvanta::model::testing;
 
-namespace {
-
-QString s(const char* text)
-{
-    return QString::fromUtf8(text);
-}
-
-} // namespace
-
 class tst_CompanySettings : public QObject
 {
     Q_OBJECT

@@ -8,11 +8,6 @@ using namespace corvanta::model::testing;
 
 namespace {
 
-QString s(const char* text)
-{
-    return QString::fromUtf8(text);
-}
-
 struct Expectation
 {
     DatabaseList::Status status;

@@ -12,11 +12,6 @@ using Action = DatabaseMenuEntry::Action;
 
 namespace {
 
-QString s(const char* text)
-{
-    return QString::fromUtf8(text);
-}
-
 const QString kNoDatabase =
     s("No Database | No database was found on the given path. The program will create a new database.");
 

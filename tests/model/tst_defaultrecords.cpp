@@ -10,11 +10,6 @@ using Op = corvanta::predicate::Predicate::Operator;
 
 namespace {
 
-QString s(const char* text)
-{
-    return QString::fromUtf8(text);
-}
-
 Record* first(EditingContext& c, const char* entity, const char* key, const QVariant& value)
 {
     return c.fetchFirst(FetchRequest(s(entity), where(s(key), Op::Equal, value)));

@@ -13,11 +13,6 @@ using Op = Predicate::Operator;
 
 namespace {
 
-QString s(const char* text)
-{
-    return QString::fromUtf8(text);
-}
-
 // Builds random companies and random predicates over their documents and clients.
 class RandomCompany
 {

@@ -11,11 +11,6 @@ using Op = Predicate::Operator;
 
 namespace {
 
-QString s(const char* text)
-{
-    return QString::fromUtf8(text);
-}
-
 QStringList names(const QList<Record*>& records, const char* key = "name")
 {
     QStringList result;

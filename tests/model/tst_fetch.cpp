@@ -16,11 +16,6 @@ Q_DECLARE_METATYPE(corvanta::predicate::Predicate)
 
 namespace {
 
-QString s(const char* text)
-{
-    return QString::fromUtf8(text);
-}
-
 Predicate cmp(const char* keyPath, Op op, const QVariant& value, Predicate::Options options = {},
               Mod modifier = Mod::Direct)
 {

@@ -11,11 +11,6 @@ using namespace corvanta::predicate;
 
 namespace {
 
-QString s(const char* text)
-{
-    return QString::fromUtf8(text);
-}
-
 QDateTime at(const char* isoUtc)
 {
     QDateTime d = QDateTime::fromString(s(isoUtc), Qt::ISODate);

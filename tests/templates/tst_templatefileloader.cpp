@@ -17,11 +17,6 @@ using templates::TemplateFileLoader;
 
 namespace {
 
-QString s(const char* text)
-{
-    return QString::fromUtf8(text);
-}
-
 using Entries = QList<std::pair<QString, QByteArray>>;
 
 void writeArchive(const QString& path, const Entries& entries)
