@@ -262,20 +262,16 @@ void tst_Backups::unsafeArchivesAreRefused_data()
 {
     QTest::addColumn<QStringList>("names");
     QTest::addColumn<QString>("error");
-    QTest::newRow("walks up")
-        << QStringList{s("../evil.txt")}
-        << s("The archive \"ARCHIVE\" holds an entry with an unsafe name (\"../evil.txt\").");
-    QTest::newRow("walks up inside")
-        << QStringList{s("a/../../evil.txt")}
-        << s("The archive \"ARCHIVE\" holds an entry with an unsafe name (\"a/../../evil.txt\").");
-    QTest::newRow("absolute")
-        << QStringList{s("/etc/evil")}
-        << s("The archive \"ARCHIVE\" holds an entry with an unsafe name (\"/etc/evil\").");
-    QTest::newRow("backslash")
-        << QStringList{s("a\\b.txt")}
-        << s("The archive \"ARCHIVE\" holds an entry with an unsafe name (\"a\\b.txt\").");
-    QTest::newRow("drive") << QStringList{s("C:/evil")}
-                           << s("The archive \"ARCHIVE\" holds an entry with an unsafe name (\"C:/evil\").");
+    const auto unsafe = [](const char* row, const char* name) {
+        QTest::newRow(row)
+            << QStringList{s(name)}
+            << s("The archive \"ARCHIVE\" holds an entry with an unsafe name (\"%1\").").arg(s(name));
+    };
+    unsafe("walks up", "../evil.txt");
+    unsafe("walks up inside", "a/../../evil.txt");
+    unsafe("absolute", "/etc/evil");
+    unsafe("backslash", "a\\b.txt");
+    unsafe("drive", "C:/evil");
     QTest::newRow("too many entries") << QStringList{s("1"), s("2"), s("3"), s("4"), s("5")}
                                       << s("The archive \"ARCHIVE\" holds too many entries.");
     QTest::newRow("too large") << QStringList{s("big")}

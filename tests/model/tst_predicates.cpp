@@ -170,114 +170,42 @@ void tst_Predicates::initTestCase()
     add("rc2", "ReportColumns", {{s("view"), 0}});
     add("rc3", "ReportColumns", {{s("view"), 1}});
 
-    const struct
-    {
-        const char* label;
-        int type;
-        bool draft;
-        const char* client;
-        int clientType;
-        double total;
-        QList<double> payments;
-        const char* paymentType;
-        const char* bank;
-        const char* currency;
-        const char* date;
-        QStringList tags;
-    } documents[] = {
-        {"inv1",
-         0,
-         false,
-         "acme",
-         0,
-         100.0,
-         {100.0},
-         "transfer",
-         "bank1",
-         "usd",
-         "2024-03-10T12:00:00",
-         {s("tInvoice"), s("tUrgent")}},
-        {"inv2",
-         0,
-         false,
-         "acme",
-         0,
-         50.0,
-         {20.0},
-         "transfer",
-         "bank2",
-         "eur",
-         "2024-06-01T12:00:00",
-         {s("tInvoice")}},
-        {"inv3",
-         0,
-         true,
-         "smith",
-         2,
-         30.0,
-         {},
-         "cash",
-         "bank1",
-         "usd",
-         "2024-07-01T12:00:00",
-         {s("tInvoice")}},
-        {"inv4",
-         0,
-         false,
-         "parts",
-         1,
-         40.0,
-         {},
-         "transfer",
-         "bank1",
-         "usd",
-         "2023-12-30T12:00:00",
-         {s("tInvoice")}},
-        {"inv5",
-         0,
-         false,
-         "parts",
-         1,
-         -40.0,
-         {},
-         "transfer",
-         "bank1",
-         "usd",
-         "2024-01-02T12:00:00",
-         {s("tInvoice"), s("tCancel")}},
-        {"quo1",
-         3,
-         false,
-         "smith",
-         2,
-         70.0,
-         {},
-         "cash",
-         "bank2",
-         "huf",
-         "2024-03-15T12:00:00",
-         {s("tQuotation")}},
-    };
-    for (const auto& d : documents) {
+    const auto document = [&](const char* label, int type, bool draft, const char* client, int clientType,
+                              double total, const QList<double>& payments, const char* paymentType,
+                              const char* bank, const char* currency, const char* date,
+                              const QStringList& tagLabels) {
         QVariantList tags;
-        for (const QString& t : d.tags)
+        for (const QString& t : tagLabels)
             tags << QVariant::fromValue(m_refs.value(t));
-        Record* doc = add(d.label, "Documents",
-                          {{s("type"), d.type},
-                           {s("draft"), d.draft},
-                           {s("client"), r(d.client)},
-                           {s("client_type"), d.clientType},
-                           {s("sum_total"), d.total},
-                           {s("payment_type"), r(d.paymentType)},
-                           {s("bank"), r(d.bank)},
-                           {s("currency"), r(d.currency)},
-                           {s("date_creation"), at(d.date)},
+        Record* doc = add(label, "Documents",
+                          {{s("type"), type},
+                           {s("draft"), draft},
+                           {s("client"), r(client)},
+                           {s("client_type"), clientType},
+                           {s("sum_total"), total},
+                           {s("payment_type"), r(paymentType)},
+                           {s("bank"), r(bank)},
+                           {s("currency"), r(currency)},
+                           {s("date_creation"), at(date)},
                            {s("tags"), tags}});
-        for (double amount : d.payments)
+        for (double amount : payments)
             m_store->main().insertRecord(s("Payments"), {{s("amount"), amount},
                                                          {s("document"), QVariant::fromValue(doc)},
                                                          {s("payment"), r("cash")}});
-    }
+    };
+    // label, type, draft, client, client type, total, payments, payment type, bank, currency, date, tags
+    document("inv1", 0, false, "acme", 0, 100.0, {100.0}, "transfer", "bank1", "usd", "2024-03-10T12:00:00",
+             {s("tInvoice"), s("tUrgent")});
+    document("inv2", 0, false, "acme", 0, 50.0, {20.0}, "transfer", "bank2", "eur", "2024-06-01T12:00:00",
+             {s("tInvoice")});
+    document("inv3", 0, true, "smith", 2, 30.0, {}, "cash", "bank1", "usd", "2024-07-01T12:00:00",
+             {s("tInvoice")});
+    document("inv4", 0, false, "parts", 1, 40.0, {}, "transfer", "bank1", "usd", "2023-12-30T12:00:00",
+             {s("tInvoice")});
+    document("inv5", 0, false, "parts", 1, -40.0, {}, "transfer", "bank1", "usd", "2024-01-02T12:00:00",
+             {s("tInvoice"), s("tCancel")});
+    document("quo1", 3, false, "smith", 2, 70.0, {}, "cash", "bank2", "huf", "2024-03-15T12:00:00",
+             {s("tQuotation")});
     m_store->main().record(m_refs.value(s("inv4")))->setValue(s("cancel_reference"), r("inv5"));
 
     const struct

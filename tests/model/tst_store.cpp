@@ -16,29 +16,29 @@ namespace {
 void runSql(const QString& path, const QStringList& statements)
 {
     {
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("raw"));
+        QSqlDatabase db = QSqlDatabase::addDatabase(s("QSQLITE"), s("raw"));
         db.setDatabaseName(path);
         QVERIFY(db.open());
         QSqlQuery q(db);
-        for (const QString& s : statements)
-            QVERIFY2(q.exec(s), qPrintable(s));
+        for (const QString& statement : statements)
+            QVERIFY2(q.exec(statement), qPrintable(statement));
     }
-    QSqlDatabase::removeDatabase(QStringLiteral("raw"));
+    QSqlDatabase::removeDatabase(s("raw"));
 }
 
 QStringList columnsOf(const QString& path, const QString& table)
 {
     QStringList columns;
     {
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("raw"));
+        QSqlDatabase db = QSqlDatabase::addDatabase(s("QSQLITE"), s("raw"));
         db.setDatabaseName(path);
         db.open();
         QSqlQuery q(db);
-        q.exec(QStringLiteral("PRAGMA table_info(\"%1\")").arg(table));
+        q.exec(s("PRAGMA table_info(\"%1\")").arg(table));
         while (q.next())
             columns << q.value(1).toString();
     }
-    QSqlDatabase::removeDatabase(QStringLiteral("raw"));
+    QSqlDatabase::removeDatabase(s("raw"));
     return columns;
 }
 
@@ -62,12 +62,12 @@ private Q_SLOTS:
 
 void tst_Store::opensNewDatabaseWithEveryTable()
 {
-    ScratchStore s;
-    QVERIFY(s.store().storedModelVersion().isEmpty());
+    ScratchStore st;
+    QVERIFY(st.store().storedModelVersion().isEmpty());
     for (const EntityDescription& entity : corvantaDataModel().entities()) {
-        QCOMPARE(s.main().count(FetchRequest(entity.name())), 0);
+        QCOMPARE(st.main().count(FetchRequest(entity.name())), 0);
     }
-    QVERIFY(QFile::exists(s.path() + QLatin1String(".lock")));
+    QVERIFY(QFile::exists(st.path() + QLatin1String(".lock")));
 }
 
 void tst_Store::refusesBadLocations_data()
@@ -99,7 +99,7 @@ void tst_Store::refusesBadLocations()
 
     QTemporaryDir dir;
     QString folder = dir.path();
-    QString path = dir.filePath(QStringLiteral("company.cvdb"));
+    QString path = dir.filePath(s("company.cvdb"));
     QByteArray before;
     if (setup == QLatin1String("garbage") || setup == QLatin1String("text")) {
         QFile f(path);
@@ -108,24 +108,23 @@ void tst_Store::refusesBadLocations()
                                                    : QByteArray("name;city\nAnn;Oslo\n");
         f.write(before);
     } else if (setup == QLatin1String("foreign")) {
-        runSql(path, {QStringLiteral("CREATE TABLE songs (title TEXT)"),
-                      QStringLiteral("INSERT INTO songs VALUES ('Blue')")});
+        runSql(path, {s("CREATE TABLE songs (title TEXT)"), s("INSERT INTO songs VALUES ('Blue')")});
     } else if (setup == QLatin1String("folder")) {
         QVERIFY(QDir().mkpath(path));
     } else if (setup == QLatin1String("folderIsFile")) {
-        folder = dir.filePath(QStringLiteral("data"));
+        folder = dir.filePath(s("data"));
         QFile f(folder);
         QVERIFY(f.open(QIODevice::WriteOnly));
         path = folder + QLatin1String("/company.cvdb");
     } else if (setup == QLatin1String("unwritable")) {
-        folder = QStringLiteral("/proc/corvanta-test-%1").arg(QCoreApplication::applicationPid());
+        folder = s("/proc/corvanta-test-%1").arg(QCoreApplication::applicationPid());
         path = folder + QLatin1String("/company.cvdb");
     }
 
     StoreError error;
     QVERIFY(!Store::open(path, &error));
     QCOMPARE(error.code, code);
-    QCOMPARE(error.domain, QStringLiteral("YOUR_ERROR_DOMAIN"));
+    QCOMPARE(error.domain, s("YOUR_ERROR_DOMAIN"));
     QCOMPARE(error.description,
              message.replace(QLatin1String("%1"), path).replace(QLatin1String("%2"), folder));
 
@@ -136,28 +135,28 @@ void tst_Store::refusesBadLocations()
         QCOMPARE(f.readAll(), before);
     }
     if (setup == QLatin1String("foreign"))
-        QCOMPARE(columnsOf(path, QStringLiteral("Settings")), QStringList());
+        QCOMPARE(columnsOf(path, s("Settings")), QStringList());
     QVERIFY(!QFile::exists(path + QLatin1String(".lock")));
 }
 
 void tst_Store::refusesSecondInstanceInProcess()
 {
-    ScratchStore s;
+    ScratchStore st;
     StoreError error;
-    QVERIFY(!Store::open(s.path(), &error));
+    QVERIFY(!Store::open(st.path(), &error));
     QCOMPARE(error.code, int(StoreError::AlreadyOpen));
     QVERIFY(error.description.contains(QLatin1String("already open in another running instance")));
     // The first instance is untouched by the refused one.
-    s.main().insertRecord(QStringLiteral("Units"), {{QStringLiteral("name"), QStringLiteral("Each")}});
-    saveOrFail(s.main());
+    st.main().insertRecord(s("Units"), {{s("name"), s("Each")}});
+    saveOrFail(st.main());
 }
 
 void tst_Store::refusesSecondRunningInstance()
 {
     QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("company.cvdb"));
+    const QString path = dir.filePath(s("company.cvdb"));
     QProcess holder;
-    holder.start(QStringLiteral(STORE_HOLDER), {path});
+    holder.start(s(STORE_HOLDER), {path});
     QVERIFY(holder.waitForStarted());
     QVERIFY(holder.waitForReadyRead(10000));
     QCOMPARE(holder.readLine().trimmed(), QByteArray("open"));
@@ -167,8 +166,7 @@ void tst_Store::refusesSecondRunningInstance()
     QCOMPARE(error.code, int(StoreError::AlreadyOpen));
     QCOMPARE(
         error.description,
-        QStringLiteral("The company database \"%1\" is already open in another running instance of Corvanta.")
-            .arg(path));
+        s("The company database \"%1\" is already open in another running instance of Corvanta.").arg(path));
 
     holder.closeWriteChannel();
     QVERIFY(holder.waitForFinished(10000));
@@ -180,113 +178,106 @@ void tst_Store::refusesSecondRunningInstance()
 void tst_Store::migratesOlderFile()
 {
     QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("old.cvdb"));
+    const QString path = dir.filePath(s("old.cvdb"));
     // A file of an earlier version: fewer tables and columns, and one column this version
     // does not know.
     runSql(path,
-           {QStringLiteral("CREATE TABLE \"Settings\" (pk INTEGER PRIMARY KEY, \"key\" TEXT, \"value\")"),
-            QStringLiteral("INSERT INTO \"Settings\" VALUES (1, 'version', '1.0')"),
-            QStringLiteral("INSERT INTO \"Settings\" VALUES (2, 'use_warehouse', 1)"),
-            QStringLiteral("CREATE TABLE \"Clients\" (pk INTEGER PRIMARY KEY, \"company_name\" TEXT, "
-                           "\"legacy_note\" TEXT)"),
-            QStringLiteral("INSERT INTO \"Clients\" VALUES (7, 'Acme', 'kept')"),
-            QStringLiteral("CREATE TABLE \"Documents\" (pk INTEGER PRIMARY KEY, \"sum_total\" REAL)"),
-            QStringLiteral("INSERT INTO \"Documents\" VALUES (1, 100.0), (2, 50.0)"),
-            QStringLiteral(
-                "CREATE TABLE \"Payments\" (pk INTEGER PRIMARY KEY, \"amount\" REAL, \"document\" INTEGER)"),
-            QStringLiteral("INSERT INTO \"Payments\" VALUES (1, 60.0, 1), (2, 40.0, 1), (3, 10.0, 2)")});
+           {s("CREATE TABLE \"Settings\" (pk INTEGER PRIMARY KEY, \"key\" TEXT, \"value\")"),
+            s("INSERT INTO \"Settings\" VALUES (1, 'version', '1.0')"),
+            s("INSERT INTO \"Settings\" VALUES (2, 'use_warehouse', 1)"),
+            s("CREATE TABLE \"Clients\" (pk INTEGER PRIMARY KEY, \"company_name\" TEXT, "
+              "\"legacy_note\" TEXT)"),
+            s("INSERT INTO \"Clients\" VALUES (7, 'Acme', 'kept')"),
+            s("CREATE TABLE \"Documents\" (pk INTEGER PRIMARY KEY, \"sum_total\" REAL)"),
+            s("INSERT INTO \"Documents\" VALUES (1, 100.0), (2, 50.0)"),
+            s("CREATE TABLE \"Payments\" (pk INTEGER PRIMARY KEY, \"amount\" REAL, \"document\" INTEGER)"),
+            s("INSERT INTO \"Payments\" VALUES (1, 60.0, 1), (2, 40.0, 1), (3, 10.0, 2)")});
 
     StoreError error;
     auto store = Store::open(path, &error);
     QVERIFY2(store, qPrintable(error.message()));
-    QCOMPARE(store->storedModelVersion(), QStringLiteral("1.0"));
+    QCOMPARE(store->storedModelVersion(), s("1.0"));
 
     EditingContext& c = store->mainContext();
-    Record* acme = c.fetchFirst(FetchRequest(QStringLiteral("Clients")));
+    Record* acme = c.fetchFirst(FetchRequest(s("Clients")));
     QVERIFY(acme);
     QCOMPARE(acme->pk(), qint64(7));
-    QCOMPARE(acme->value(QStringLiteral("company_name")).toString(), QStringLiteral("Acme"));
-    QCOMPARE(acme->value(QStringLiteral("full_name")).toString(), QStringLiteral("Acme"));
-    QCOMPARE(c.count(FetchRequest(QStringLiteral("Settings"))), 2);
+    QCOMPARE(acme->value(s("company_name")).toString(), s("Acme"));
+    QCOMPARE(acme->value(s("full_name")).toString(), s("Acme"));
+    QCOMPARE(c.count(FetchRequest(s("Settings"))), 2);
     // Sums the database keeps for fetches are computed for the records already there.
     const Predicate paid = Predicate::comparison(
-        corvanta::predicate::Expression::keyPath(QStringLiteral("sum_total")), Predicate::Operator::Equal,
-        corvanta::predicate::Expression::keyPath(QStringLiteral("payments.@sum.amount")));
-    QCOMPARE(c.count(FetchRequest(QStringLiteral("Documents"), paid)), 1);
+        corvanta::predicate::Expression::keyPath(s("sum_total")), Predicate::Operator::Equal,
+        corvanta::predicate::Expression::keyPath(s("payments.@sum.amount")));
+    QCOMPARE(c.count(FetchRequest(s("Documents"), paid)), 1);
 
     // New columns and tables work at once; a new record does not reuse an old key.
-    acme->setValue(QStringLiteral("tax_number"), QStringLiteral("HU123"));
-    Record* other =
-        c.insertRecord(QStringLiteral("Clients"), {{QStringLiteral("company_name"), QStringLiteral("Beta")}});
-    Record* doc = c.insertRecord(QStringLiteral("Documents"));
-    doc->setRelated(QStringLiteral("client"), acme);
+    acme->setValue(s("tax_number"), s("HU123"));
+    Record* other = c.insertRecord(s("Clients"), {{s("company_name"), s("Beta")}});
+    Record* doc = c.insertRecord(s("Documents"));
+    doc->setRelated(s("client"), acme);
     saveOrFail(c);
     QVERIFY(other->pk() > 7);
     store.reset();
 
-    const QStringList columns = columnsOf(path, QStringLiteral("Clients"));
-    QVERIFY(columns.contains(QStringLiteral("legacy_note")));
-    QVERIFY(columns.contains(QStringLiteral("full_name")));
-    QVERIFY(columns.contains(QStringLiteral("default_address")));
-    QVERIFY(!columnsOf(path, QStringLiteral("Clients_tags")).isEmpty());
+    const QStringList columns = columnsOf(path, s("Clients"));
+    QVERIFY(columns.contains(s("legacy_note")));
+    QVERIFY(columns.contains(s("full_name")));
+    QVERIFY(columns.contains(s("default_address")));
+    QVERIFY(!columnsOf(path, s("Clients_tags")).isEmpty());
 
     store = Store::open(path, &error);
     QVERIFY2(store, qPrintable(error.message()));
-    Record* reread = store->mainContext().record({QStringLiteral("Clients"), 7});
-    QCOMPARE(reread->value(QStringLiteral("tax_number")).toString(), QStringLiteral("HU123"));
-    QCOMPARE(reread->relatedList(QStringLiteral("documents")).size(), 1);
+    Record* reread = store->mainContext().record({s("Clients"), 7});
+    QCOMPARE(reread->value(s("tax_number")).toString(), s("HU123"));
+    QCOMPARE(reread->relatedList(s("documents")).size(), 1);
 }
 
 void tst_Store::refusesNewerDataModel()
 {
     QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("newer.cvdb"));
-    runSql(path,
-           {QStringLiteral("CREATE TABLE \"Settings\" (pk INTEGER PRIMARY KEY, \"key\" TEXT, \"value\")"),
-            QStringLiteral("INSERT INTO \"Settings\" VALUES (1, 'version', '2.0')")});
+    const QString path = dir.filePath(s("newer.cvdb"));
+    runSql(path, {s("CREATE TABLE \"Settings\" (pk INTEGER PRIMARY KEY, \"key\" TEXT, \"value\")"),
+                  s("INSERT INTO \"Settings\" VALUES (1, 'version', '2.0')")});
     StoreError error;
     QVERIFY(!Store::open(path, &error));
     QCOMPARE(error.code, int(StoreError::StoreInitFailed));
     QVERIFY(error.description.contains(QLatin1String("newer version")));
-    QVERIFY(columnsOf(path, QStringLiteral("Clients")).isEmpty()); // nothing was added to it
+    QVERIFY(columnsOf(path, s("Clients")).isEmpty()); // nothing was added to it
 }
 
 void tst_Store::keysContinueAfterReopen()
 {
-    ScratchStore s;
-    Record* first =
-        s.main().insertRecord(QStringLiteral("Units"), {{QStringLiteral("name"), QStringLiteral("Each")}});
-    Record* second =
-        s.main().insertRecord(QStringLiteral("Units"), {{QStringLiteral("name"), QStringLiteral("Hours")}});
-    saveOrFail(s.main());
+    ScratchStore st;
+    Record* first = st.main().insertRecord(s("Units"), {{s("name"), s("Each")}});
+    Record* second = st.main().insertRecord(s("Units"), {{s("name"), s("Hours")}});
+    saveOrFail(st.main());
     const qint64 last = qMax(first->pk(), second->pk());
-    s.reopen();
-    Record* third =
-        s.main().insertRecord(QStringLiteral("Units"), {{QStringLiteral("name"), QStringLiteral("Days")}});
+    st.reopen();
+    Record* third = st.main().insertRecord(s("Units"), {{s("name"), s("Days")}});
     QVERIFY(third->pk() > last);
-    saveOrFail(s.main());
-    QCOMPARE(s.main().count(FetchRequest(QStringLiteral("Units"))), 3);
+    saveOrFail(st.main());
+    QCOMPARE(st.main().count(FetchRequest(s("Units"))), 3);
 }
 
 void tst_Store::snapshotWhileOpen()
 {
-    ScratchStore s;
-    s.main().insertRecord(QStringLiteral("Units"), {{QStringLiteral("name"), QStringLiteral("Saved")}});
-    saveOrFail(s.main());
-    s.main().insertRecord(QStringLiteral("Units"),
-                          {{QStringLiteral("name"), QStringLiteral("Not yet saved")}});
+    ScratchStore st;
+    st.main().insertRecord(s("Units"), {{s("name"), s("Saved")}});
+    saveOrFail(st.main());
+    st.main().insertRecord(s("Units"), {{s("name"), s("Not yet saved")}});
     QTemporaryDir copies;
-    const QString copy = copies.filePath(QStringLiteral("copy.cvdb"));
+    const QString copy = copies.filePath(s("copy.cvdb"));
     StoreError error;
-    QVERIFY2(s.store().writeSnapshot(copy, &error), qPrintable(error.message()));
-    QVERIFY(!s.store().writeSnapshot(copy, &error)); // never over an existing file
+    QVERIFY2(st.store().writeSnapshot(copy, &error), qPrintable(error.message()));
+    QVERIFY(!st.store().writeSnapshot(copy, &error)); // never over an existing file
     QCOMPARE(error.code, int(StoreError::NotWritable));
 
     auto reopened = Store::open(copy, &error);
     QVERIFY2(reopened, qPrintable(error.message()));
-    const QList<Record*> units = reopened->mainContext().fetch(FetchRequest(QStringLiteral("Units")));
+    const QList<Record*> units = reopened->mainContext().fetch(FetchRequest(s("Units")));
     QCOMPARE(units.size(), 1);
-    QCOMPARE(units.first()->value(QStringLiteral("name")).toString(), QStringLiteral("Saved"));
+    QCOMPARE(units.first()->value(s("name")).toString(), s("Saved"));
 }
 
 QTEST_GUILESS_MAIN(tst_Store)
