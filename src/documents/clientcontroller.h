@@ -1,32 +1,17 @@
 #pragma once
 
-#include "clock.h"
-#include "predicate/recordref.h"
-
-#include <QObject>
-#include <memory>
-
-namespace corvanta::model {
-class EditingContext;
-class Prompter;
-class Record;
-class Store;
-} // namespace corvanta::model
+#include "recordeditor.h"
 
 namespace corvanta::documents {
-
-class DocumentController;
 
 // The client editor without its window: one client in its own editing context, with its kind,
 // name fields, addresses and contacts and their defaults, and the rules of its save. A saved
 // client is handed to the document open in the document editor.
-class ClientController : public QObject
+class ClientController : public RecordEditor
 {
     Q_OBJECT
 
 public:
-    enum class Sender { None, Control };
-    enum class CloseAnswer { Close, KeepOpen };
     // The two name fields of the window for the client's kind.
     struct NameFields
     {
@@ -44,11 +29,7 @@ public:
     model::Record* newClient(qint64 type);
     // The stored client in this editor's context, or null.
     model::Record* openClient(const predicate::RecordRef& client);
-    model::Record* client() const { return m_client; }
-    model::EditingContext& context() { return *m_context; }
-
-    bool isEdited() const { return m_edited; }
-    void markEdited() { setEdited(true); }
+    model::Record* client() const { return m_record; }
 
     // The kind was chosen: from a control, every name field and the tax number are emptied.
     void typeChanged(qint64 type, Sender sender);
@@ -63,26 +44,14 @@ public:
     void removeContact(model::Record* contact);
     void defaultContactChanged(model::Record* contact);
 
-    // Saves the client; `openDocument` is the document editor when its window is shown or
-    // minimised, which then takes this client. False when the save failed.
-    bool save(Sender sender, DocumentController* openDocument = nullptr);
-    CloseAnswer windowShouldClose(DocumentController* openDocument = nullptr);
-
-Q_SIGNALS:
-    void editedChanged(bool edited);
-    void closeRequested();
+protected:
+    void prepareSave() override;
+    void handOver(DocumentController& openDocument) override;
 
 private:
-    void setEdited(bool edited);
     void fileUnderKind();
     model::Record* addOwned(const QString& entity, const QString& list, const QString& defaultKey);
     void removeOwned(model::Record* record, const QString& list, const QString& defaultKey);
-
-    model::Prompter& m_prompter;
-    Clock m_clock;
-    std::unique_ptr<model::EditingContext> m_context;
-    model::Record* m_client = nullptr;
-    bool m_edited = false;
 };
 
 } // namespace corvanta::documents

@@ -8,7 +8,6 @@
 #include "numberlimits.h"
 #include "predicate/parser.h"
 #include "pricelevels.h"
-#include "savefailure.h"
 #include "stockcalculator.h"
 
 namespace corvanta::documents {
@@ -27,72 +26,58 @@ QString s(const char* key)
 } // namespace
 
 ItemController::ItemController(model::Store& store, model::Prompter& prompter, Clock clock, QObject* parent)
-    : QObject(parent)
-    , m_prompter(prompter)
-    , m_clock(std::move(clock))
-    , m_context(store.newContext())
+    : RecordEditor(
+          store, prompter, std::move(clock), s("Items"),
+          {tr("Save this item?"),
+           tr("This item has not been saved and contains unsaved changes. Would you like to save now?")},
+          parent)
 {}
 
 ItemController::~ItemController() = default;
 
-void ItemController::setEdited(bool edited)
-{
-    if (m_edited == edited)
-        return;
-    m_edited = edited;
-    Q_EMIT editedChanged(edited);
-}
-
 Record* ItemController::newItem(qint64 type)
 {
-    m_context->rollback();
-    m_item = m_context->insertRecord(s("Items"), {{s("type"), type}, {s("identifier"), model::UUID()}});
-    setEdited(false);
-    return m_item;
+    return editNew({{s("type"), type}, {s("identifier"), model::UUID()}});
 }
 
 Record* ItemController::openItem(const predicate::RecordRef& item)
 {
-    m_context->rollback();
-    m_item = m_context->fetchFirst(
-        FetchRequest(s("Items"), *predicate::Parser::parse(s("self == %@"), {QVariant::fromValue(item)})));
-    setEdited(false);
-    return m_item;
+    return editStored(item);
 }
 
 bool ItemController::setPrice(int level, double price)
 {
-    if (!m_item || level < 1 || level > PriceLevels::kCount ||
+    if (!m_record || level < 1 || level > PriceLevels::kCount ||
         !NumberLimits::accept(NumberLimits::Kind::Price, price, m_prompter))
         return false;
-    m_item->setValue(PriceLevels::slotKey(level), price);
+    m_record->setValue(PriceLevels::slotKey(level), price);
     markEdited();
     return true;
 }
 
 void ItemController::pricesToNet()
 {
-    if (!m_item)
+    if (!m_record)
         return;
-    const Record* tax = m_item->related(s("tax"));
+    const Record* tax = m_record->related(s("tax"));
     // Only the first rate is taken out, also of a tax with two rates.
     const double divisor = (tax ? tax->value(s("rate1")).toDouble() : 0.0) / 100.0 + 1.0;
     for (int level = 1; level <= PriceLevels::kCount; ++level) {
         const QString key = PriceLevels::slotKey(level);
-        const QVariant price = m_item->value(key);
+        const QVariant price = m_record->value(key);
         if (!price.isNull())
-            m_item->setValue(key, price.toDouble() / divisor);
+            m_record->setValue(key, price.toDouble() / divisor);
     }
     markEdited();
 }
 
 Record* ItemController::addIncoming(Record* supplier, double quantity, const QDateTime& date)
 {
-    if (!m_item || !NumberLimits::accept(NumberLimits::Kind::Quantity, quantity, m_prompter))
+    if (!m_record || !NumberLimits::accept(NumberLimits::Kind::Quantity, quantity, m_prompter))
         return nullptr;
     Record* delivery =
         m_context->insertRecord(s("Warehouse"), {{s("quantity"), quantity}, {s("date"), date}});
-    delivery->setRelated(s("item"), m_item);
+    delivery->setRelated(s("item"), m_record);
     delivery->setRelated(s("client"), supplier);
     markEdited();
     return delivery;
@@ -100,7 +85,7 @@ Record* ItemController::addIncoming(Record* supplier, double quantity, const QDa
 
 void ItemController::removeIncoming(Record* delivery)
 {
-    if (!m_item || !delivery || delivery->related(s("item")) != m_item)
+    if (!m_record || !delivery || delivery->related(s("item")) != m_record)
         return;
     m_context->deleteRecord(delivery);
     markEdited();
@@ -108,10 +93,10 @@ void ItemController::removeIncoming(Record* delivery)
 
 QList<Record*> ItemController::fetchForItem(const QString& entity, const QString& condition)
 {
-    if (!m_item)
+    if (!m_record)
         return {};
     return m_context->fetch(
-        FetchRequest(entity, *predicate::Parser::parse(condition, {QVariant::fromValue(m_item->ref())})));
+        FetchRequest(entity, *predicate::Parser::parse(condition, {QVariant::fromValue(m_record->ref())})));
 }
 
 QList<Record*> ItemController::movementsIn()
@@ -139,59 +124,29 @@ QList<Record*> ItemController::supplierSuggestions(const QString& text)
         {SortDescriptor::localized(s("full_name"))}));
 }
 
-bool ItemController::save(Sender sender, DocumentController* openDocument)
+void ItemController::prepareSave()
 {
-    if (!m_item)
-        return false;
-    if (m_item->value(s("name")).toString().isEmpty())
-        m_item->setValue(s("name"), tr("No Name"));
+    if (m_record->value(s("name")).toString().isEmpty())
+        m_record->setValue(s("name"), tr("No Name"));
 
     QVariantList tags;
-    for (const Record* tag : m_item->relatedList(s("tags"))) {
+    for (const Record* tag : m_record->relatedList(s("tags"))) {
         if (tag->value(s("subtype")).isNull())
             tags << QVariant::fromValue(tag->ref());
     }
     const Record* kind = m_context->fetchFirst(
         FetchRequest(s("Categories"), *predicate::Parser::parse(s("type == 2 && subtype == %@"),
-                                                                {m_item->value(s("type")).toLongLong()})));
+                                                                {m_record->value(s("type")).toLongLong()})));
     if (kind)
         tags << QVariant::fromValue(kind->ref());
-    m_item->setValue(s("tags"), tags);
+    m_record->setValue(s("tags"), tags);
     // Deliveries added or removed here count at once.
-    StockCalculator(*m_context).updateItemCurrentStock(m_item);
-
-    model::StoreError error;
-    if (!m_context->save(&error)) {
-        SaveFailure::show(m_prompter, error);
-        return false;
-    }
-    setEdited(false);
-    if (openDocument)
-        openDocument->addItem(m_item->ref());
-    if (sender == Sender::Control)
-        Q_EMIT closeRequested();
-    return true;
+    StockCalculator(*m_context).updateItemCurrentStock(m_record);
 }
 
-ItemController::CloseAnswer ItemController::windowShouldClose(DocumentController* openDocument)
+void ItemController::handOver(DocumentController& openDocument)
 {
-    if (!m_edited)
-        return CloseAnswer::Close;
-    const QString saveButton = tr("Save");
-    const QString dontSave = tr("Don't Save");
-    const QString answer = m_prompter.alert(
-        tr("Save this item?"),
-        tr("This item has not been saved and contains unsaved changes. Would you like to save now?"),
-        {saveButton, dontSave, tr("Cancel")});
-    if (answer == saveButton)
-        return save(Sender::None, openDocument) ? CloseAnswer::Close : CloseAnswer::KeepOpen;
-    if (answer == dontSave) {
-        m_context->rollback();
-        m_item = nullptr;
-        setEdited(false);
-        return CloseAnswer::Close;
-    }
-    return CloseAnswer::KeepOpen;
+    openDocument.addItem(m_record->ref());
 }
 
 } // namespace corvanta::documents

@@ -1,33 +1,19 @@
 #pragma once
 
-#include "clock.h"
-#include "predicate/recordref.h"
+#include "recordeditor.h"
 
 #include <QDateTime>
-#include <QObject>
-#include <memory>
-
-namespace corvanta::model {
-class EditingContext;
-class Prompter;
-class Record;
-class Store;
-} // namespace corvanta::model
 
 namespace corvanta::documents {
-
-class DocumentController;
 
 // The item editor without its window: one item in its own editing context, its prices, its
 // deliveries into the warehouse and their stock, and the rules of its save. A saved item is
 // added as a row to the document open in the document editor.
-class ItemController : public QObject
+class ItemController : public RecordEditor
 {
     Q_OBJECT
 
 public:
-    enum class Sender { None, Control };
-    enum class CloseAnswer { Close, KeepOpen };
     // One row of the item's stock view of documents: a row of a document that is not a draft.
     struct MovementOut
     {
@@ -45,11 +31,7 @@ public:
     model::Record* newItem(qint64 type);
     // The stored item in this editor's context, or null.
     model::Record* openItem(const predicate::RecordRef& item);
-    model::Record* item() const { return m_item; }
-    model::EditingContext& context() { return *m_context; }
-
-    bool isEdited() const { return m_edited; }
-    void markEdited() { setEdited(true); }
+    model::Record* item() const { return m_record; }
 
     // A price level (1 to 5) typed in; refused with a message when not finite or too large.
     bool setPrice(int level, double price);
@@ -68,24 +50,12 @@ public:
     // Suppliers offered in the delivery sheet for typed text.
     QList<model::Record*> supplierSuggestions(const QString& text);
 
-    // Saves the item and its stock; `openDocument` is the document editor when its window is
-    // shown or minimised, which then gets a row of this item. False when the save failed.
-    bool save(Sender sender, DocumentController* openDocument = nullptr);
-    CloseAnswer windowShouldClose(DocumentController* openDocument = nullptr);
-
-Q_SIGNALS:
-    void editedChanged(bool edited);
-    void closeRequested();
+protected:
+    void prepareSave() override;
+    void handOver(DocumentController& openDocument) override;
 
 private:
-    void setEdited(bool edited);
     QList<model::Record*> fetchForItem(const QString& entity, const QString& condition);
-
-    model::Prompter& m_prompter;
-    Clock m_clock;
-    std::unique_ptr<model::EditingContext> m_context;
-    model::Record* m_item = nullptr;
-    bool m_edited = false;
 };
 
 } // namespace corvanta::documents
