@@ -553,30 +553,25 @@ int DocumentController::printCopies() const
 
 bool DocumentController::print()
 {
-    if (!prepareOutput())
-        return false;
-    if (m_output)
-        m_output->print(m_document, printCopies());
-    Q_EMIT closeRequested();
-    return true;
+    return handOver([this](DocumentOutput& output) { output.print(m_document, printCopies()); });
 }
 
 bool DocumentController::saveAs()
 {
-    if (!prepareOutput())
-        return false;
-    if (m_output)
-        m_output->saveAs(m_document);
-    Q_EMIT closeRequested();
-    return true;
+    return handOver([this](DocumentOutput& output) { output.saveAs(m_document); });
 }
 
 bool DocumentController::sendEmail()
 {
+    return handOver([this](DocumentOutput& output) { output.sendEmail(m_document); });
+}
+
+bool DocumentController::handOver(const std::function<void(DocumentOutput&)>& command)
+{
     if (!prepareOutput())
         return false;
     if (m_output)
-        m_output->sendEmail(m_document);
+        command(*m_output);
     Q_EMIT closeRequested();
     return true;
 }

@@ -8,6 +8,7 @@
 #include <QCoreApplication>
 #include <QObject>
 #include <QSet>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -143,6 +144,8 @@ private:
     void setEdited(bool edited);
     bool saveDocument(bool fromSaveCommand);
     bool prepareOutput();
+    // Saves and finalises as printing does, then gives the document to the output, if any.
+    bool handOver(const std::function<void(DocumentOutput&)>& command);
     void takeClient(model::Record* client);
     QList<model::Record*> stockItems() const;
     void rememberItemOf(model::Record* row);
