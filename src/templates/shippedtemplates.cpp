@@ -13,52 +13,38 @@ ShippedTemplates::ShippedTemplates(const QString& shippedFolder, const QString& 
     , m_templateFilesDirectory(templateFilesDirectory)
 {}
 
-const QStringList& ShippedTemplates::names()
+const QList<ShippedTemplates::File>& ShippedTemplates::files()
 {
-    static const QStringList names = {
-        QStringLiteral("invoice1"),
-        QStringLiteral("invoice2"),
-        QStringLiteral("proforma"),
-        QStringLiteral("estimate"),
-        QStringLiteral("quotation"),
-        QStringLiteral("delivery_note"),
-        QStringLiteral("credit_note"),
-        QStringLiteral("credit_memo"),
-        QStringLiteral("purchase_order"),
-        QStringLiteral("report_documents"),
-        QStringLiteral("report_documents_grouped"),
-        QStringLiteral("report_summary_client"),
-        QStringLiteral("report_summary_item"),
-    };
-    return names;
-}
-
-const QStringList& ShippedTemplates::typeKeys()
-{
-    static const QStringList keys = {
-        QStringLiteral("invoice"),
-        QStringLiteral("invoice"),
-        QStringLiteral("proforma"),
-        QStringLiteral("estimate"),
-        QStringLiteral("quotation"),
-        QStringLiteral("delivery_note"),
-        QStringLiteral("credit_note"),
-        QStringLiteral("credit_memo"),
-        QStringLiteral("purchase_order"),
-        QStringLiteral("report_documents"),
-        QStringLiteral("report_documents_grouped"),
-        QStringLiteral("report_summary_client"),
-        QStringLiteral("report_summary_item"),
-    };
-    return keys;
+    static const QList<File> files = [] {
+        const char* const table[][2] = {
+            {"invoice1", "invoice"},
+            {"invoice2", "invoice"},
+            {"proforma", "proforma"},
+            {"estimate", "estimate"},
+            {"quotation", "quotation"},
+            {"delivery_note", "delivery_note"},
+            {"credit_note", "credit_note"},
+            {"credit_memo", "credit_memo"},
+            {"purchase_order", "purchase_order"},
+            {"report_documents", "report_documents"},
+            {"report_documents_grouped", "report_documents_grouped"},
+            {"report_summary_client", "report_summary_client"},
+            {"report_summary_item", "report_summary_item"},
+        };
+        QList<File> list;
+        for (const auto& [name, typeKey] : table)
+            list.append({QString::fromLatin1(name), QString::fromLatin1(typeKey)});
+        return list;
+    }();
+    return files;
 }
 
 int ShippedTemplates::install(model::EditingContext& context, model::Record* myCompany)
 {
     TemplateFileLoader loader(context, m_templateFilesDirectory);
     int loaded = 0;
-    for (qsizetype i = 0; i < names().size(); ++i) {
-        const QString file = QDir(m_shippedFolder).filePath(names().at(i) + QStringLiteral(".corvanta"));
+    for (const File& shipped : files()) {
+        const QString file = QDir(m_shippedFolder).filePath(shipped.name + QStringLiteral(".corvanta"));
         if (!QFileInfo(file).isFile())
             continue;
         QString why;
@@ -68,7 +54,7 @@ int ShippedTemplates::install(model::EditingContext& context, model::Record* myC
             continue;
         }
         if (myCompany)
-            myCompany->setRelated(QStringLiteral("default_template_") + typeKeys().at(i), loadedTemplate);
+            myCompany->setRelated(QStringLiteral("default_template_") + shipped.typeKey, loadedTemplate);
         ++loaded;
     }
     return loaded;

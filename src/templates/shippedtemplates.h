@@ -22,11 +22,16 @@ public:
     // `shippedFolder` holds the program's template files; pictures go to `templateFilesDirectory`.
     ShippedTemplates(const QString& shippedFolder, const QString& templateFilesDirectory);
 
-    // The file names (without ".corvanta"), in loading order.
-    static const QStringList& names();
-    // The type key each file is the default template for, parallel to names(): "invoice"
-    // stands twice, so the later invoice file becomes the default invoice template.
-    static const QStringList& typeKeys();
+    // One shipped file: its name without ".corvanta" and the type key it is the default
+    // template for.
+    struct File
+    {
+        QString name;
+        QString typeKey;
+    };
+    // In loading order: "invoice" stands twice, so the later invoice file becomes the default
+    // invoice template.
+    static const QList<File>& files();
 
     // Loads every shipped file that is present and returns how many loaded. A file that cannot
     // be read is skipped with a warning: a damaged resource must not keep a new database from
