@@ -2,31 +2,31 @@
 
 namespace corvanta::bench {
 
-BatchInserter::BatchInserter(model::EditingContext& context)
+BatchInserter::BatchInserter(store::EditingContext& context)
     : m_context(context)
 {}
 
-model::Record* BatchInserter::insert(const QString& entity)
+store::Record* BatchInserter::insert(const QString& entity)
 {
-    model::Record* record = m_context.insertRecord(entity);
+    store::Record* record = m_context.insertRecord(entity);
     if (!record)
         qFatal("BatchInserter: the data model has no entity %s", qPrintable(entity));
     ++m_inserted[entity];
     return record;
 }
 
-model::Record* BatchInserter::existing(const QString& entity, qint64 pk)
+store::Record* BatchInserter::existing(const QString& entity, qint64 pk)
 {
     return m_context.record(predicate::RecordRef{entity, pk});
 }
 
-void BatchInserter::tag(model::Record* record, model::Record* category)
+void BatchInserter::tag(store::Record* record, store::Record* category)
 {
     record->addRelated(QStringLiteral("tags"), category);
     ++m_tagLinks[record->entityName()];
 }
 
-bool BatchInserter::flush(model::StoreError* error)
+bool BatchInserter::flush(store::StoreError* error)
 {
     if (!m_context.save(error))
         return false;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/editingcontext.h"
+#include "store/editingcontext.h"
 
 #include <QMap>
 #include <QString>
@@ -14,15 +14,15 @@ namespace corvanta::bench {
 class BatchInserter
 {
 public:
-    explicit BatchInserter(model::EditingContext& context);
+    explicit BatchInserter(store::EditingContext& context);
 
-    model::Record* insert(const QString& entity);
+    store::Record* insert(const QString& entity);
     // A stored record (or one inserted in this batch) by key; reads nothing until used.
-    model::Record* existing(const QString& entity, qint64 pk);
+    store::Record* existing(const QString& entity, qint64 pk);
     // Adds `category` to the record's tags.
-    void tag(model::Record* record, model::Record* category);
+    void tag(store::Record* record, store::Record* category);
     // Saves the batch and forgets its records; every Record pointer from before is invalid.
-    bool flush(model::StoreError* error);
+    bool flush(store::StoreError* error);
 
     // Inserted records by entity, and tag links by the tagged record's entity, up to now.
     const QMap<QString, qint64>& inserted() const { return m_inserted; }
@@ -30,7 +30,7 @@ public:
     int flushes() const { return m_flushes; }
 
 private:
-    model::EditingContext& m_context;
+    store::EditingContext& m_context;
     QMap<QString, qint64> m_inserted;
     QMap<QString, qint64> m_tagLinks;
     int m_flushes = 0;

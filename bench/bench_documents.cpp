@@ -8,13 +8,13 @@
 #include "documents/documentnumbering.h"
 #include "documents/invoicefinalizer.h"
 #include "documents/numberformat.h"
-#include "documents/recordclasses.h"
 #include "documents/stockcalculator.h"
-#include "model/editingcontext.h"
-#include "model/scriptedprompter.h"
-#include "model/sqlcompiler.h"
-#include "model/store.h"
+#include "model/companydatabase.h"
 #include "predicate/parser.h"
+#include "store/editingcontext.h"
+#include "store/sqlite/sqlcompiler.h"
+#include "store/store.h"
+#include "support/scriptedprompter.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -118,11 +118,11 @@ bool copyDatabase(const QString& from, const QString& to, QString* error)
 }
 
 // A generated company has no number formats: they are what a new database is given.
-void addMissingNumberFormats(model::EditingContext& context)
+void addMissingNumberFormats(store::EditingContext& context)
 {
     for (int type = 0; type < 8; ++type) {
         const QString key = documents::NumberFormat::settingKey(type);
-        if (!context.fetchFirst(model::FetchRequest(s("Settings"), parsed(s("key == %@"), {key}))))
+        if (!context.fetchFirst(store::FetchRequest(s("Settings"), parsed(s("key == %@"), {key}))))
             context.insertRecord(
                 s("Settings"), {{s("key"), key}, {s("value"), documents::NumberFormat::defaultFormat(type)}});
     }
@@ -130,19 +130,19 @@ void addMissingNumberFormats(model::EditingContext& context)
 }
 
 // `count` documents matching `condition`, spread evenly over all of them.
-QList<predicate::RecordRef> spreadDocuments(model::EditingContext& context, const QString& condition,
+QList<predicate::RecordRef> spreadDocuments(store::EditingContext& context, const QString& condition,
                                             int count)
 {
-    model::FetchRequest request(s("Documents"), parsed(condition));
+    store::FetchRequest request(s("Documents"), parsed(condition));
     const int total = context.count(request);
     QList<predicate::RecordRef> refs;
     const int step = std::max(1, total / std::max(1, count));
     request.limit = 1;
     request.sortDescriptors = {
-        model::SortDescriptor{s("date_creation"), true, model::SortDescriptor::Comparison::Default}};
+        store::SortDescriptor{s("date_creation"), true, store::SortDescriptor::Comparison::Default}};
     for (int i = 0; i < count && i * step < total; ++i) {
         request.offset = i * step;
-        if (const model::Record* d = context.fetchFirst(request))
+        if (const store::Record* d = context.fetchFirst(request))
             refs << d->ref();
     }
     return refs;
@@ -185,33 +185,14 @@ private:
     QSqlQuery m_query;
 };
 
-// The statement a search compiles to and how SQLite answers it, asked on a connection of its own.
-void printCompiled(const QString& path, const model::Store& store, const QString& title,
-                   const model::FetchRequest& request, model::SqlCompiler::Aggregate function,
-                   const QString& keyPath)
+// The statement a search compiles to and how SQLite answers it.
+void printCompiled(store::Store& store, const QString& title, const store::FetchRequest& request,
+                   store::Aggregate function, const QString& keyPath)
 {
-    const model::SqlCompiler compiler(store.model());
-    const std::optional<model::SqlStatement> sql = compiler.aggregate(request, function, keyPath);
-    if (!sql)
-        return;
-    QStringList values;
-    for (const QVariant& v : sql->bindings)
-        values << v.toString();
-    out() << title << ":\n  " << sql->text << "\n  bound: " << values.join(s(", ")) << Qt::endl;
-    {
-        QSqlDatabase db = QSqlDatabase::addDatabase(s("QSQLITE"), s("plan"));
-        db.setDatabaseName(path);
-        QSqlQuery query(db);
-        if (db.open() && query.prepare(s("EXPLAIN QUERY PLAN ") + sql->text)) {
-            for (qsizetype i = 0; i < sql->bindings.size(); ++i)
-                query.bindValue(int(i), sql->bindings.at(i));
-            if (query.exec()) {
-                while (query.next())
-                    out() << "  plan: " << query.value(3).toString() << Qt::endl;
-            }
-        }
-    }
-    QSqlDatabase::removeDatabase(s("plan"));
+    const store::QueryPlan plan = store.explain(request, function, keyPath);
+    out() << title << ":\n  " << plan.statement << Qt::endl;
+    for (const QString& step : plan.steps)
+        out() << "  plan: " << step << Qt::endl;
 }
 
 } // namespace
@@ -246,8 +227,8 @@ int main(int argc, char** argv)
             return 1;
         }
     } else {
-        model::StoreError error;
-        auto store = model::Store::open(path, &error);
+        store::StoreError error;
+        auto store = model::CompanyDatabase::open(path, &error);
         out() << "generating a company at scale " << parser.value(scaleOption) << " ..." << Qt::endl;
         if (!store) {
             out() << error.message() << Qt::endl;
@@ -261,18 +242,17 @@ int main(int argc, char** argv)
         }
     }
 
-    model::StoreError error;
-    auto store = model::Store::open(path, &error);
+    store::StoreError error;
+    auto store = model::CompanyDatabase::open(path, &error);
     if (!store) {
         out() << error.message() << Qt::endl;
         return 1;
     }
-    documents::registerRecordClasses(*store);
-    model::EditingContext& main = store->mainContext();
+    store::EditingContext& main = store->mainContext();
     addMissingNumberFormats(main);
-    out() << "documents: " << main.count(model::FetchRequest(s("Documents")))
-          << "  rows: " << main.count(model::FetchRequest(s("DocumentRows")))
-          << "  items: " << main.count(model::FetchRequest(s("Items"))) << Qt::endl;
+    out() << "documents: " << main.count(store::FetchRequest(s("Documents")))
+          << "  rows: " << main.count(store::FetchRequest(s("DocumentRows")))
+          << "  items: " << main.count(store::FetchRequest(s("Items"))) << Qt::endl;
 
     const QList<predicate::RecordRef> drafts = spreadDocuments(main, s("type == 0 && draft == YES"), count);
     const QList<predicate::RecordRef> finals =
@@ -281,7 +261,7 @@ int main(int argc, char** argv)
           << "  final invoices to cancel: " << finals.size() << Qt::endl
           << Qt::endl;
 
-    model::ScriptedPrompter prompter;
+    support::ScriptedPrompter prompter;
     const documents::Clock clock = documents::systemClock();
 
     // The two steps that read the whole history, each on its own.
@@ -292,8 +272,8 @@ int main(int argc, char** argv)
     auto hand = std::make_unique<HandCount>(path);
     qint64 rowsSeen = 0;
     for (const predicate::RecordRef& ref : drafts) {
-        std::unique_ptr<model::EditingContext> context = store->newContext();
-        model::Record* document = context->record(ref);
+        std::unique_ptr<store::EditingContext> context = store->newContext();
+        store::Record* document = context->record(ref);
         const QDateTime date = document->value(s("date_creation")).toDateTime().toLocalTime();
         documents::DocumentNumbering numbering(*context, prompter);
         numberSearches << millisecondsOf([&] { numbering.nextNumberByType(0, date, false); });
@@ -301,9 +281,9 @@ int main(int argc, char** argv)
         stockPerInvoice << millisecondsOf([&] {
             stock.updateItemsCurrentStock(documents::StockCalculator::itemsOf(document), {document});
         });
-        for (const model::Record* row : document->relatedList(s("rows"))) {
+        for (const store::Record* row : document->relatedList(s("rows"))) {
             ++rowsSeen;
-            if (model::Record* item = row->related(s("item"))) {
+            if (store::Record* item = row->related(s("item"))) {
                 stockPerItem << millisecondsOf([&] { stock.updateItemCurrentStock(item, {document}); });
                 handStockPerItem << millisecondsOf([&] { hand->stock(item->pk()); });
             }
@@ -320,7 +300,7 @@ int main(int argc, char** argv)
     // The durable commit that every operation ends with (synchronous writes), on its own.
     QList<double> commits;
     for (const predicate::RecordRef& ref : finals) {
-        std::unique_ptr<model::EditingContext> context = store->newContext();
+        std::unique_ptr<store::EditingContext> context = store->newContext();
         context->record(ref)->setValue(s("note"), s("benchmark"));
         commits << millisecondsOf([&] { context->save(); });
     }
@@ -349,7 +329,7 @@ int main(int argc, char** argv)
         cancelled += twin ? 1 : 0;
         prompter.clear();
         if (twin && touchedItems.size() < 5) {
-            if (const model::Record* item =
+            if (const store::Record* item =
                     main.record(ref)->relatedList(s("rows")).value(0)->related(s("item")))
                 touchedItems << item->pk();
         }
@@ -361,7 +341,7 @@ int main(int argc, char** argv)
           << finals.size() << Qt::endl;
     bool stockRight = true;
     for (qint64 pk : std::as_const(touchedItems)) {
-        std::unique_ptr<model::EditingContext> context = store->newContext();
+        std::unique_ptr<store::EditingContext> context = store->newContext();
         const double kept = context->record({s("Items"), pk})->value(s("stock_current")).toDouble();
         const double recount = hand->stock(pk);
         stockRight = stockRight && kept == recount;
@@ -371,25 +351,25 @@ int main(int argc, char** argv)
 
     if (parser.isSet(sqlOption) && !drafts.isEmpty()) {
         out() << Qt::endl;
-        using Aggregate = model::SqlCompiler::Aggregate;
+        using Aggregate = store::Aggregate;
         const QVariantList year{0, QDateTime(QDate(2024, 1, 1), QTime(0, 0)),
                                 QDateTime(QDate(2024, 12, 31), QTime(23, 59, 59))};
         printCompiled(
-            path, *store, s("next number search, the year's highest number"),
-            model::FetchRequest(
+            *store, s("next number search, the year's highest number"),
+            store::FetchRequest(
                 s("Documents"),
                 parsed(s("type == %ld && date_creation >= %@ && date_creation <= %@ && draft != 1"), year)),
             Aggregate::Max, s("number"));
         const QVariant item = QVariant::fromValue(predicate::RecordRef{s("Items"), 1});
         printCompiled(
-            path, *store, s("sold quantity of an item"),
-            model::FetchRequest(s("DocumentRows"),
+            *store, s("sold quantity of an item"),
+            store::FetchRequest(s("DocumentRows"),
                                 parsed(s("item == %@ && document.type == 0 && document.draft == NO && "
                                          "NOT (document IN %@)"),
                                        {item, QVariantList{QVariant::fromValue(drafts.first())}})),
             Aggregate::Sum, s("quantity"));
-        printCompiled(path, *store, s("deliveries of an item"),
-                      model::FetchRequest(s("Warehouse"), parsed(s("item == %@"), {item})), Aggregate::Sum,
+        printCompiled(*store, s("deliveries of an item"),
+                      store::FetchRequest(s("Warehouse"), parsed(s("item == %@"), {item})), Aggregate::Sum,
                       s("quantity"));
     }
     return finalised == drafts.size() && cancelled == finals.size() && stockRight ? 0 : 1;

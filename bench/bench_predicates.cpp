@@ -3,9 +3,10 @@
 // meaning, side by side in one run, and all default counts together.
 
 #include "companygenerator.h"
-#include "model/editingcontext.h"
-#include "model/store.h"
+#include "model/companydatabase.h"
 #include "predicate/parser.h"
+#include "store/editingcontext.h"
+#include "store/store.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -44,7 +45,7 @@ double medianOf(QList<double> values)
 }
 
 // The smart folders every new company has, and one folder per tag.
-QList<Folder> sidebarFolders(model::EditingContext& context)
+QList<Folder> sidebarFolders(store::EditingContext& context)
 {
     const auto all = [](const char* name, const char* entity) {
         return Folder{QString::fromLatin1(name),
@@ -90,12 +91,12 @@ QList<Folder> sidebarFolders(model::EditingContext& context)
         all("All ToDos", "ToDos"),
     };
     static const char* const sections[] = {"", "Clients", "Items", "Documents", "ToDos"};
-    for (model::Record* tag : context.fetch(
-             model::FetchRequest(QStringLiteral("Categories"),
+    for (store::Record* tag : context.fetch(
+             store::FetchRequest(QStringLiteral("Categories"),
                                  predicate::Predicate::compare(QStringLiteral("type"),
                                                                predicate::Predicate::Operator::Greater, 0),
-                                 {model::SortDescriptor{QStringLiteral("indexpath")},
-                                  model::SortDescriptor{QStringLiteral("name")}}))) {
+                                 {store::SortDescriptor{QStringLiteral("indexpath")},
+                                  store::SortDescriptor{QStringLiteral("name")}}))) {
         const int type = tag->value(QStringLiteral("type")).toInt();
         if (type < 1 || type > 4)
             continue;
@@ -111,11 +112,11 @@ QList<Folder> sidebarFolders(model::EditingContext& context)
     return folders;
 }
 
-int storeCount(model::EditingContext& context, const Folder& folder)
+int storeCount(store::EditingContext& context, const Folder& folder)
 {
     const std::optional<predicate::Predicate> p =
         predicate::Parser::parse(folder.predicate, folder.arguments);
-    return p ? context.count(model::FetchRequest(folder.entity, *p)) : -1;
+    return p ? context.count(store::FetchRequest(folder.entity, *p)) : -1;
 }
 
 // Hand-written queries are prepared once, as the store prepares its statements once.
@@ -176,8 +177,8 @@ int main(int argc, char** argv)
     QString path = parser.value(databaseOption);
     if (path.isEmpty()) {
         path = scratch.filePath(QStringLiteral("company.cvdb"));
-        model::StoreError error;
-        auto store = model::Store::open(path, &error);
+        store::StoreError error;
+        auto store = model::CompanyDatabase::open(path, &error);
         if (!store) {
             out() << error.message() << Qt::endl;
             return 1;
@@ -191,8 +192,8 @@ int main(int argc, char** argv)
         }
     }
 
-    model::StoreError error;
-    auto store = model::Store::open(path, &error);
+    store::StoreError error;
+    auto store = model::CompanyDatabase::open(path, &error);
     if (!store) {
         out() << error.message() << Qt::endl;
         return 1;
@@ -206,10 +207,10 @@ int main(int argc, char** argv)
     }
 
     QHash<QString, QSqlQuery> prepared;
-    model::EditingContext& context = store->mainContext();
+    store::EditingContext& context = store->mainContext();
     const QList<Folder> folders = sidebarFolders(context);
     out() << "database: " << path << Qt::endl;
-    out() << "documents: " << context.count(model::FetchRequest(QStringLiteral("Documents"))) << Qt::endl;
+    out() << "documents: " << context.count(store::FetchRequest(QStringLiteral("Documents"))) << Qt::endl;
     out() << "runs per figure: " << runs << " (median)" << Qt::endl << Qt::endl;
 
     bool mismatch = false;

@@ -7,10 +7,11 @@
 #include "cpuclock.h"
 #include "generateddatacheck.h"
 #include "insertcomparison.h"
-#include "model/editingcontext.h"
-#include "model/store.h"
+#include "model/companydatabase.h"
 #include "processmemory.h"
 #include "rowsample.h"
+#include "store/editingcontext.h"
+#include "store/store.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -27,10 +28,10 @@
 namespace {
 
 using corvanta::bench::CompanyGenerator;
-using corvanta::model::FetchRequest;
-using corvanta::model::SortDescriptor;
-using corvanta::model::Store;
-using corvanta::model::StoreError;
+using corvanta::store::FetchRequest;
+using corvanta::store::SortDescriptor;
+using corvanta::store::Store;
+using corvanta::store::StoreError;
 
 constexpr int kFirstPage = 100;
 constexpr int kFetchRepeats = 20;
@@ -75,7 +76,7 @@ QString rate(qint64 count, qint64 nanoseconds)
 std::unique_ptr<Store> openStore(const QString& path)
 {
     StoreError error;
-    std::unique_ptr<Store> store = Store::open(path, &error);
+    std::unique_ptr<Store> store = corvanta::model::CompanyDatabase::open(path, &error);
     if (!store)
         err() << "cannot open " << path << ": " << error.message() << '\n';
     return store;
@@ -169,7 +170,7 @@ bool timeFirstPage(const QString& path, qint64 documents)
     FetchRequest request(QStringLiteral("Documents"), {},
                          {SortDescriptor{QStringLiteral("date_creation"), false}});
     request.limit = kFirstPage;
-    const auto check = [&](const QList<corvanta::model::Record*>& page) {
+    const auto check = [&](const QList<corvanta::store::Record*>& page) {
         if (page.size() != std::min<qint64>(kFirstPage, documents))
             return false;
         for (qsizetype i = 1; i < page.size(); ++i) {
@@ -182,22 +183,22 @@ bool timeFirstPage(const QString& path, qint64 documents)
 
     StoreError error;
     timer.restart();
-    const QList<corvanta::model::Record*> first = store->mainContext().fetch(request, &error);
+    const QList<corvanta::store::Record*> first = store->mainContext().fetch(request, &error);
     const qint64 firstFetch = timer.nsecsElapsed();
     bool ok = check(first);
 
     std::vector<qint64> repeats;
     for (int i = 0; i < kFetchRepeats; ++i) {
-        const std::unique_ptr<corvanta::model::EditingContext> context = store->newContext();
+        const std::unique_ptr<corvanta::store::EditingContext> context = store->newContext();
         timer.restart();
-        const QList<corvanta::model::Record*> page = context->fetch(request, &error);
+        const QList<corvanta::store::Record*> page = context->fetch(request, &error);
         repeats.push_back(timer.nsecsElapsed());
         ok = ok && check(page);
     }
     // Nothing left out of the page may be newer than its last document.
     if (ok && !first.isEmpty()) {
         const QDateTime last = first.last()->value(QStringLiteral("date_creation")).toDateTime();
-        const auto newer = std::count_if(first.begin(), first.end(), [&](const corvanta::model::Record* r) {
+        const auto newer = std::count_if(first.begin(), first.end(), [&](const corvanta::store::Record* r) {
             return r->value(QStringLiteral("date_creation")).toDateTime() > last;
         });
         const int stored = store->mainContext().count(

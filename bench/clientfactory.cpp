@@ -7,7 +7,7 @@
 
 namespace corvanta::bench {
 
-using model::Record;
+using store::Record;
 
 ClientFactory::ClientFactory(BatchInserter& inserter, Random& random, const ReferenceData& reference)
     : m_inserter(inserter)

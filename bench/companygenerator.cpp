@@ -2,8 +2,8 @@
 
 #include "documentfactory.h"
 #include "documentschedule.h"
-#include "model/editingcontext.h"
 #include "random.h"
+#include "store/editingcontext.h"
 #include "todofactory.h"
 
 #include <QTimeZone>
@@ -19,9 +19,9 @@ int scaledCount(int count, double factor)
     return std::max(1, int(std::lround(double(count) * factor)));
 }
 
-model::StoreError failure(const QString& description)
+store::StoreError failure(const QString& description)
 {
-    return model::StoreError::make(model::StoreError::StoreInitFailed, description);
+    return store::StoreError::make(store::StoreError::StoreInitFailed, description);
 }
 
 } // namespace
@@ -37,24 +37,24 @@ CompanyGenerator::Sizes CompanyGenerator::Sizes::scaled(double factor)
     return sizes;
 }
 
-CompanyGenerator::CompanyGenerator(model::Store& store, const Sizes& sizes, std::uint32_t seed)
+CompanyGenerator::CompanyGenerator(store::Store& store, const Sizes& sizes, std::uint32_t seed)
     : m_store(store)
     , m_sizes(sizes)
     , m_seed(seed)
     , m_inserter(store.mainContext())
 {}
 
-bool CompanyGenerator::generate(model::StoreError* error)
+bool CompanyGenerator::generate(store::StoreError* error)
 {
     return insertReferenceRecords(error) && insertClients(error) && insertItems(error) &&
            insertDocuments(error) && insertToDos(error);
 }
 
-bool CompanyGenerator::insertReferenceRecords(model::StoreError* error)
+bool CompanyGenerator::insertReferenceRecords(store::StoreError* error)
 {
-    model::EditingContext& context = m_store.mainContext();
-    if (context.hasChanges() || context.count(model::FetchRequest(QStringLiteral("Settings"))) != 0) {
-        model::report(error, failure(QStringLiteral("The database \"%1\" is not empty; a company can only be "
+    store::EditingContext& context = m_store.mainContext();
+    if (context.hasChanges() || context.count(store::FetchRequest(QStringLiteral("Settings"))) != 0) {
+        store::report(error, failure(QStringLiteral("The database \"%1\" is not empty; a company can only be "
                                                     "generated into a new one.")
                                          .arg(m_store.path())));
         return false;
@@ -63,7 +63,7 @@ bool CompanyGenerator::insertReferenceRecords(model::StoreError* error)
     return m_reference.insert(m_inserter, random, m_sizes.userTags, error);
 }
 
-bool CompanyGenerator::insertClients(model::StoreError* error)
+bool CompanyGenerator::insertClients(store::StoreError* error)
 {
     Random random(seedFor(1));
     ClientFactory factory(m_inserter, random, m_reference);
@@ -80,7 +80,7 @@ bool CompanyGenerator::insertClients(model::StoreError* error)
     return m_inserter.flush(error);
 }
 
-bool CompanyGenerator::insertItems(model::StoreError* error)
+bool CompanyGenerator::insertItems(store::StoreError* error)
 {
     Random random(seedFor(2));
     QList<qint64> suppliers;
@@ -100,10 +100,10 @@ bool CompanyGenerator::insertItems(model::StoreError* error)
     return m_inserter.flush(error);
 }
 
-bool CompanyGenerator::insertDocuments(model::StoreError* error)
+bool CompanyGenerator::insertDocuments(store::StoreError* error)
 {
     if (m_clients.empty() || m_items.empty()) {
-        model::report(error,
+        store::report(error,
                       failure(QStringLiteral("Documents need clients and items to be generated first.")));
         return false;
     }
@@ -138,7 +138,7 @@ bool CompanyGenerator::insertDocuments(model::StoreError* error)
     return m_inserter.flush(error);
 }
 
-bool CompanyGenerator::insertToDos(model::StoreError* error)
+bool CompanyGenerator::insertToDos(store::StoreError* error)
 {
     Random random(seedFor(4));
     QList<qint64> clients;

@@ -3,8 +3,8 @@
 #include "batchinserter.h"
 #include "clientfactory.h"
 #include "itemfactory.h"
-#include "model/store.h"
 #include "referencedata.h"
+#include "store/store.h"
 
 #include <QDate>
 #include <QMap>
@@ -61,17 +61,17 @@ public:
     static QDate firstDay() { return {2021, 1, 1}; }
     static QDate lastDay() { return {2025, 12, 31}; }
 
-    CompanyGenerator(model::Store& store, const Sizes& sizes, std::uint32_t seed = kDefaultSeed);
+    CompanyGenerator(store::Store& store, const Sizes& sizes, std::uint32_t seed = kDefaultSeed);
 
     // Every step below, in order. Fails on a database that already holds a company.
-    bool generate(model::StoreError* error);
+    bool generate(store::StoreError* error);
 
     // The steps, for callers that time them; each needs the ones before it.
-    bool insertReferenceRecords(model::StoreError* error);
-    bool insertClients(model::StoreError* error);
-    bool insertItems(model::StoreError* error);
-    bool insertDocuments(model::StoreError* error);
-    bool insertToDos(model::StoreError* error);
+    bool insertReferenceRecords(store::StoreError* error);
+    bool insertClients(store::StoreError* error);
+    bool insertItems(store::StoreError* error);
+    bool insertDocuments(store::StoreError* error);
+    bool insertToDos(store::StoreError* error);
 
     const Sizes& sizes() const { return m_sizes; }
     Counts counts() const;
@@ -80,7 +80,7 @@ private:
     // Each step draws from its own stream, so that changing one step leaves the others' data alone.
     std::uint32_t seedFor(int step) const { return m_seed + std::uint32_t(step) * 7919u; }
 
-    model::Store& m_store;
+    store::Store& m_store;
     Sizes m_sizes;
     std::uint32_t m_seed;
     BatchInserter m_inserter;

@@ -1,6 +1,7 @@
 #include "documentfactory.h"
 
 #include "batchinserter.h"
+#include "model/documentrowsrecord.h"
 #include "random.h"
 #include "referencedata.h"
 #include "sampletext.h"
@@ -11,7 +12,7 @@
 
 namespace corvanta::bench {
 
-using model::Record;
+using store::Record;
 
 namespace {
 
@@ -159,10 +160,14 @@ DocumentFactory::Sums DocumentFactory::addRows(Record* document, int rows)
                                                                              : m_random.between(11, 100));
         const double unitPrice =
             m_random.chance(0.1) ? item.customPrices[std::size_t(m_random.between(0, 4))] : item.unitPrice;
-        const double net = quantity * unitPrice;
-        const double tax1 = net * tax.rate1 / 100.0;
-        const double tax2 = net * tax.rate2 / 100.0;
-        const double total = net + tax1 + tax2;
+        // The row's amounts as the program derives them, so that the record class's recomputation
+        // on insert leaves them as they are.
+        const model::DocumentRowsRecord::Prices prices =
+            model::DocumentRowsRecord::computePrices(quantity, unitPrice, tax.rate1, tax.rate2, false);
+        const double net = prices.net;
+        const double tax1 = prices.tax1Value;
+        const double tax2 = prices.tax2Value;
+        const double total = prices.total;
 
         Record* row = m_inserter.insert(QStringLiteral("DocumentRows"));
         row->setValue(QStringLiteral("order"), order);

@@ -6,7 +6,7 @@
 
 #include <vector>
 
-namespace corvanta::model {
+namespace corvanta::store {
 class Record;
 }
 
@@ -42,12 +42,12 @@ private:
     };
 
     const ClientSnapshot& pickClient(int type);
-    void copyClient(model::Record* document, const ClientSnapshot& client);
-    void copyCompany(model::Record* document);
-    Sums addRows(model::Record* document, int rows);
-    Payment addPayments(model::Record* document, const QDateTime& created, const QDateTime& due, double total,
+    void copyClient(store::Record* document, const ClientSnapshot& client);
+    void copyCompany(store::Record* document);
+    Sums addRows(store::Record* document, int rows);
+    Payment addPayments(store::Record* document, const QDateTime& created, const QDateTime& due, double total,
                         qint64 paymentType);
-    void addPayment(model::Record* document, double amount, const QDateTime& date, qint64 paymentType);
+    void addPayment(store::Record* document, double amount, const QDateTime& date, qint64 paymentType);
 
     BatchInserter& m_inserter;
     Random& m_random;

@@ -1,14 +1,14 @@
 #include "generateddatacheck.h"
 
-#include "model/store.h"
+#include "store/store.h"
 
 namespace corvanta::bench {
 
 namespace {
 
-using model::FetchRequest;
 using predicate::Expression;
 using predicate::Predicate;
+using store::FetchRequest;
 using Op = Predicate::Operator;
 
 Predicate where(const QString& keyPath, Op op, const QVariant& value)
@@ -30,7 +30,7 @@ Predicate finalInvoice()
 
 } // namespace
 
-GeneratedDataCheck::GeneratedDataCheck(model::EditingContext& context)
+GeneratedDataCheck::GeneratedDataCheck(store::EditingContext& context)
     : m_context(context)
 {}
 
@@ -39,7 +39,7 @@ QStringList GeneratedDataCheck::compare(const CompanyGenerator::Counts& expected
     m_failures.clear();
     m_comparisons = 0;
     // Every entity, so that records nobody asked for are noticed too.
-    for (const model::EntityDescription& entity : m_context.store().model().entities())
+    for (const store::EntityDescription& entity : m_context.store().model().entities())
         expectCount(entity.name(), FetchRequest(entity.name()), expected.records.value(entity.name(), 0));
 
     checkKinds(QStringLiteral("Clients"), 1, expected.clientsByType.data(),
@@ -73,7 +73,7 @@ void GeneratedDataCheck::expect(const QString& what, qint64 actual, qint64 expec
 
 void GeneratedDataCheck::expectCount(const QString& what, const FetchRequest& request, qint64 expected)
 {
-    model::StoreError error;
+    store::StoreError error;
     const int actual = m_context.count(request, &error);
     if (actual < 0) {
         ++m_comparisons;
@@ -93,7 +93,7 @@ void GeneratedDataCheck::checkKinds(const QString& entity, int categoryType, con
             expectCount(what, FetchRequest(entity, where(QStringLiteral("type"), Op::Equal, kind)),
                         expected[kind]);
 
-        const QList<model::Record*> categories = m_context.fetch(
+        const QList<store::Record*> categories = m_context.fetch(
             FetchRequest(QStringLiteral("Categories"),
                          Predicate::andOf({where(QStringLiteral("type"), Op::Equal, categoryType),
                                            where(QStringLiteral("subtype"), Op::Equal, kind)})));
@@ -180,7 +180,7 @@ void GeneratedDataCheck::checkTagLinks(const CompanyGenerator::Counts& expected)
     const QStringList entities{QStringLiteral("Clients"), QStringLiteral("Items"),
                                QStringLiteral("Documents"), QStringLiteral("ToDos")};
     QList<qint64> links(sides.size(), 0);
-    for (const model::Record* category : m_context.fetch(FetchRequest(QStringLiteral("Categories")))) {
+    for (const store::Record* category : m_context.fetch(FetchRequest(QStringLiteral("Categories")))) {
         for (qsizetype i = 0; i < sides.size(); ++i)
             links[i] += category->value(sides.at(i)).toList().size();
     }

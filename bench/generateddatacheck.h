@@ -1,7 +1,7 @@
 #pragma once
 
 #include "companygenerator.h"
-#include "model/editingcontext.h"
+#include "store/editingcontext.h"
 
 #include <QStringList>
 
@@ -13,7 +13,7 @@ namespace corvanta::bench {
 class GeneratedDataCheck
 {
 public:
-    explicit GeneratedDataCheck(model::EditingContext& context);
+    explicit GeneratedDataCheck(store::EditingContext& context);
 
     // One line per disagreement; empty when the database holds what was generated.
     QStringList compare(const CompanyGenerator::Counts& expected);
@@ -21,14 +21,14 @@ public:
     int comparisons() const { return m_comparisons; }
 
 private:
-    void expectCount(const QString& what, const model::FetchRequest& request, qint64 expected);
+    void expectCount(const QString& what, const store::FetchRequest& request, qint64 expected);
     void expect(const QString& what, qint64 actual, qint64 expected);
     void checkKinds(const QString& entity, int categoryType, const qint64* expected, int kinds);
     void checkInvoices(const CompanyGenerator::Counts& expected);
     void checkDocumentContents(qint64 documents);
     void checkTagLinks(const CompanyGenerator::Counts& expected);
 
-    model::EditingContext& m_context;
+    store::EditingContext& m_context;
     QStringList m_failures;
     int m_comparisons = 0;
 };

@@ -13,7 +13,7 @@
 
 namespace corvanta::bench {
 
-using model::Record;
+using store::Record;
 
 ItemFactory::ItemFactory(BatchInserter& inserter, Random& random, const ReferenceData& reference,
                          QList<qint64> suppliers, QDate firstDay, QDate lastDay)

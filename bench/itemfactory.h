@@ -5,7 +5,7 @@
 #include <QString>
 #include <array>
 
-namespace corvanta::model {
+namespace corvanta::store {
 class Record;
 }
 
@@ -41,7 +41,7 @@ public:
     ItemSnapshot make(int number);
 
 private:
-    void addMovements(model::Record* item);
+    void addMovements(store::Record* item);
 
     BatchInserter& m_inserter;
     Random& m_random;

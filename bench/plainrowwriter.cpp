@@ -77,7 +77,7 @@ bool PlainRowWriter::writeRows(const RowSample& sample, Columns columns, QString
         for (int i = 0; i < int(sample.columns().size()); ++i)
             sources << i;
     } else {
-        const model::EntityDescription* entity = model::corvantaDataModel().entity(RowSample::entity());
+        const store::EntityDescription* entity = model::corvantaDataModel().entity(RowSample::entity());
         for (const QString& column : entity->columns()) {
             names << column;
             sources << int(sample.columns().indexOf(column));

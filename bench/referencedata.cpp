@@ -9,7 +9,7 @@ namespace corvanta::bench {
 
 namespace {
 
-using model::Record;
+using store::Record;
 
 Record* insertCategory(BatchInserter& inserter, const QString& name, int type, int subtype)
 {
@@ -38,7 +38,7 @@ Record* insertCurrency(BatchInserter& inserter, const QString& code, const QStri
 
 } // namespace
 
-bool ReferenceData::insert(BatchInserter& inserter, Random& random, int userTags, model::StoreError* error)
+bool ReferenceData::insert(BatchInserter& inserter, Random& random, int userTags, store::StoreError* error)
 {
     Record* version = inserter.insert(QStringLiteral("Settings"));
     version->setValue(QStringLiteral("key"), QStringLiteral("version"));

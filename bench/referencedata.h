@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/storeerror.h"
+#include "store/storeerror.h"
 
 #include <QList>
 #include <QString>
@@ -43,7 +43,7 @@ public:
     static constexpr int kToDoKinds = 2;     // one-off, repeating
 
     // Inserts the reference records with `userTags` user tags and saves them.
-    bool insert(BatchInserter& inserter, Random& random, int userTags, model::StoreError* error);
+    bool insert(BatchInserter& inserter, Random& random, int userTags, store::StoreError* error);
 
     qint64 myCompany() const { return m_myCompany; }
     const QString& myName() const { return m_myName; }

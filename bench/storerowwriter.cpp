@@ -1,20 +1,20 @@
 #include "storerowwriter.h"
 
-#include "model/editingcontext.h"
 #include "rowsample.h"
+#include "store/editingcontext.h"
 
 namespace corvanta::bench {
 
-StoreRowWriter::StoreRowWriter(model::Store& store)
+StoreRowWriter::StoreRowWriter(store::Store& store)
     : m_store(store)
 {}
 
-bool StoreRowWriter::write(const RowSample& sample, model::StoreError* error)
+bool StoreRowWriter::write(const RowSample& sample, store::StoreError* error)
 {
-    const model::EntityDescription* entity = m_store.model().entity(RowSample::entity());
+    const store::EntityDescription* entity = m_store.model().entity(RowSample::entity());
     if (!entity) {
-        model::report(error,
-                      model::StoreError::make(model::StoreError::InvalidFetch,
+        store::report(error,
+                      store::StoreError::make(store::StoreError::InvalidFetch,
                                               QStringLiteral("No entity %1.").arg(RowSample::entity())));
         return false;
     }
@@ -22,15 +22,15 @@ bool StoreRowWriter::write(const RowSample& sample, model::StoreError* error)
     const QStringList& columns = sample.columns();
     QStringList destinations;
     for (const QString& column : columns) {
-        const model::RelationshipDescription* r = entity->relationship(column);
+        const store::RelationshipDescription* r = entity->relationship(column);
         destinations << (r ? r->destination : QString());
     }
 
-    model::EditingContext& context = m_store.mainContext();
+    store::EditingContext& context = m_store.mainContext();
     qint64 row = 0;
     for (const qint64 end : sample.batchEnds()) {
         for (; row < end; ++row) {
-            model::Record* record = context.insertRecord(RowSample::entity());
+            store::Record* record = context.insertRecord(RowSample::entity());
             for (int c = 0; c < int(columns.size()); ++c) {
                 const QVariant& value = sample.value(row, c);
                 if (destinations.at(c).isEmpty())

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/store.h"
+#include "store/store.h"
 
 namespace corvanta::bench {
 
@@ -11,12 +11,12 @@ class RowSample;
 class StoreRowWriter
 {
 public:
-    explicit StoreRowWriter(model::Store& store);
+    explicit StoreRowWriter(store::Store& store);
 
-    bool write(const RowSample& sample, model::StoreError* error);
+    bool write(const RowSample& sample, store::StoreError* error);
 
 private:
-    model::Store& m_store;
+    store::Store& m_store;
 };
 
 } // namespace corvanta::bench

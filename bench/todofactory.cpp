@@ -11,7 +11,7 @@
 
 namespace corvanta::bench {
 
-using model::Record;
+using store::Record;
 
 namespace {
 

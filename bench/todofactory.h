@@ -4,7 +4,7 @@
 #include <QDateTime>
 #include <QList>
 
-namespace corvanta::model {
+namespace corvanta::store {
 class Record;
 }
 
@@ -27,7 +27,7 @@ public:
     bool make();
 
 private:
-    void addRepetition(model::Record* toDo, const QDateTime& start);
+    void addRepetition(store::Record* toDo, const QDateTime& start);
 
     BatchInserter& m_inserter;
     Random& m_random;

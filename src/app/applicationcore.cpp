@@ -1,12 +1,13 @@
 #include "applicationcore.h"
 
-#include "documents/recordclasses.h"
-#include "format/currenciesrecord.h"
-#include "model/databasemanager.h"
+#include "companies/databasemanager.h"
+#include "companiesmenu.h"
+#include "databasenamewindow.h"
+#include "model/companydatabase.h"
 #include "model/defaultrecords.h"
-#include "model/editingcontext.h"
-#include "model/prompter.h"
-#include "model/store.h"
+#include "store/editingcontext.h"
+#include "store/store.h"
+#include "support/prompter.h"
 #include "templates/shippedtemplates.h"
 
 #include <QFileInfo>
@@ -14,7 +15,14 @@
 
 namespace corvanta::app {
 
-using namespace corvanta::model;
+using companies::DatabaseEntry;
+using companies::DatabaseFolders;
+using companies::DatabaseManager;
+using store::EditingContext;
+using store::FetchRequest;
+using store::Record;
+using store::StoreError;
+using support::Prompter;
 
 ApplicationCore::ApplicationCore(Prompter& prompter, const DatabaseFolders& folders,
                                  const QString& shippedTemplates, QObject* parent)
@@ -27,6 +35,8 @@ ApplicationCore::ApplicationCore(Prompter& prompter, const DatabaseFolders& fold
 ApplicationCore::~ApplicationCore()
 {
     m_myCompany = nullptr;
+    m_companiesMenu.reset();
+    m_nameWindow.reset();
     if (m_databaseManager)
         m_databaseManager->setStore(nullptr);
     m_store.reset();
@@ -42,41 +52,44 @@ bool ApplicationCore::isRestartRequested() const
     return m_databaseManager && m_databaseManager->isRestartRequested();
 }
 
+std::unique_ptr<store::Store> ApplicationCore::openCompanyDatabase(const QString& file,
+                                                                   const QString& shippedTemplates,
+                                                                   const QString& templateFiles,
+                                                                   StoreError* error, bool* insertedDefaults)
+{
+    std::unique_ptr<store::Store> store = model::CompanyDatabase::open(file, error);
+    if (!store)
+        return nullptr;
+    model::DefaultRecords defaults(
+        store->mainContext(),
+        [shippedTemplates, templateFiles](EditingContext& context, Record* company, QString*) {
+            templates::ShippedTemplates(shippedTemplates, templateFiles).install(context, company);
+            return true;
+        });
+    if (!defaults.initDatabaseRecords(error))
+        return nullptr;
+    if (insertedDefaults)
+        *insertedDefaults = defaults.insertedDefaults();
+    return store;
+}
+
 bool ApplicationCore::start()
 {
     // 1. The database manager.
     m_databaseManager = std::make_unique<DatabaseManager>(m_prompter, m_folders);
+    m_nameWindow = std::make_unique<DatabaseNameWindow>(*m_databaseManager, m_prompter);
+    m_companiesMenu = std::make_unique<CompaniesMenu>(*m_databaseManager, *m_nameWindow);
 
     // 2. The selected database's store, its default records or its version.
     if (!openStore())
         return false;
-    const QString templateFiles = m_databaseManager->templateFilesDirectory();
-    const QString shipped = m_shippedTemplates;
-    DefaultRecords defaults(m_store->mainContext(),
-                            [shipped, templateFiles](EditingContext& context, Record* company, QString*) {
-                                templates::ShippedTemplates(shipped, templateFiles).install(context, company);
-                                return true;
-                            });
-    StoreError error;
-    if (!defaults.initDatabaseRecords(&error)) {
-        m_prompter.alert(error.description, error.reason, {tr("OK")});
-        failToInitialize();
-        return false;
-    }
-    m_insertedDefaults = defaults.insertedDefaults();
 
     // 3. The company-databases menu.
-    m_databaseManager->setupMyCompaniesMenu();
+    m_companiesMenu->setupMyCompaniesMenu();
 
     // 4. The company record.
     m_myCompany = m_store->mainContext().fetchFirst(FetchRequest(QStringLiteral("MyCompany")));
     return true;
-}
-
-void ApplicationCore::registerRecordClasses(model::Store& store)
-{
-    format::CurrenciesRecord::registerOn(store);
-    documents::registerRecordClasses(store);
 }
 
 bool ApplicationCore::openStore()
@@ -113,14 +126,13 @@ bool ApplicationCore::openStore()
         failToInitialize();
         return false;
     }
-    m_store = Store::open(file, &error);
+    m_store = openCompanyDatabase(file, m_shippedTemplates, m_databaseManager->templateFilesDirectory(),
+                                  &error, &m_insertedDefaults);
     if (!m_store) {
         m_prompter.alert(error.description, error.reason, {tr("OK")});
         failToInitialize();
         return false;
     }
-    // Record classes first: the default records already need their derived values.
-    registerRecordClasses(*m_store);
     m_databaseManager->setStore(m_store.get());
     return true;
 }

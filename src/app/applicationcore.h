@@ -1,20 +1,28 @@
 #pragma once
 
-#include "model/databasefolders.h"
+#include "companies/databasefolders.h"
 
 #include <QDate>
 #include <QObject>
 #include <functional>
 #include <memory>
 
-namespace corvanta::model {
+namespace corvanta::companies {
 class DatabaseManager;
-class Prompter;
+}
+namespace corvanta::store {
 class Record;
 class Store;
-} // namespace corvanta::model
+struct StoreError;
+} // namespace corvanta::store
+namespace corvanta::support {
+class Prompter;
+}
 
 namespace corvanta::app {
+
+class CompaniesMenu;
+class DatabaseNameWindow;
 
 // What the application object owns and does without any window: start-up in its order (the
 // database manager, the selected database's store, its default records or version check, the
@@ -27,22 +35,30 @@ public:
     enum class TerminateReply { Now, Cancel };
 
     // `shippedTemplates` is the folder of the template files that come with the program.
-    ApplicationCore(model::Prompter& prompter, const model::DatabaseFolders& folders,
+    ApplicationCore(support::Prompter& prompter, const companies::DatabaseFolders& folders,
                     const QString& shippedTemplates = defaultShippedTemplatesFolder(),
                     QObject* parent = nullptr);
     ~ApplicationCore() override;
 
     static QString defaultShippedTemplatesFolder();
-    // Gives a newly opened store every record class of the program, before any record is read.
-    static void registerRecordClasses(model::Store& store);
+
+    // Opens the company database at `file` as a start does: its store with every record class,
+    // then the default records when it is new (with the shipped templates, whose pictures go to
+    // `templateFiles`), or the check of its data-model version. Null with `error` set when it
+    // cannot be opened; nothing of a failed first start is stored.
+    static std::unique_ptr<store::Store>
+    openCompanyDatabase(const QString& file, const QString& shippedTemplates, const QString& templateFiles,
+                        store::StoreError* error, bool* insertedDefaults = nullptr);
 
     // Runs the start-up. False when no database could be opened: the reason was shown, and the
     // program quits (or starts again when isRestartRequested()).
     bool start();
 
-    model::DatabaseManager* databaseManager() const { return m_databaseManager.get(); }
-    model::Store* store() const { return m_store.get(); }
-    model::Record* myCompany() const { return m_myCompany; }
+    companies::DatabaseManager* databaseManager() const { return m_databaseManager.get(); }
+    DatabaseNameWindow* databaseNameWindow() const { return m_nameWindow.get(); }
+    CompaniesMenu* companiesMenu() const { return m_companiesMenu.get(); }
+    store::Store* store() const { return m_store.get(); }
+    store::Record* myCompany() const { return m_myCompany; }
     bool insertedDefaults() const { return m_insertedDefaults; }
     bool isRestartRequested() const;
 
@@ -55,12 +71,14 @@ private:
     bool openStore();
     void failToInitialize();
 
-    model::Prompter& m_prompter;
-    model::DatabaseFolders m_folders;
+    support::Prompter& m_prompter;
+    companies::DatabaseFolders m_folders;
     QString m_shippedTemplates;
-    std::unique_ptr<model::DatabaseManager> m_databaseManager;
-    std::unique_ptr<model::Store> m_store;
-    model::Record* m_myCompany = nullptr;
+    std::unique_ptr<companies::DatabaseManager> m_databaseManager;
+    std::unique_ptr<DatabaseNameWindow> m_nameWindow;
+    std::unique_ptr<CompaniesMenu> m_companiesMenu;
+    std::unique_ptr<store::Store> m_store;
+    store::Record* m_myCompany = nullptr;
     bool m_insertedDefaults = false;
 };
 

@@ -1,6 +1,7 @@
 #include "updatechecker.h"
 
-#include "model/prompter.h"
+#include "applog.h"
+#include "support/prompter.h"
 
 #include <QEventLoop>
 #include <QNetworkReply>
@@ -39,7 +40,7 @@ QUrl UpdateChecker::defaultDownloadPage()
     return QUrl(QStringLiteral(CORVANTA_DOWNLOAD_URL));
 }
 
-UpdateChecker::UpdateChecker(model::Prompter& prompter, const QUrl& endpoint,
+UpdateChecker::UpdateChecker(support::Prompter& prompter, const QUrl& endpoint,
                              std::chrono::milliseconds timeout)
     : m_prompter(prompter)
     , m_endpoint(endpoint)
@@ -120,7 +121,7 @@ std::optional<QUrl> UpdateChecker::update()
 {
     const Reply reply = post(QStringLiteral(CORVANTA_VERSION), QStringLiteral(CORVANTA_BUILD_NUMBER));
     if (!reply.error.isNull())
-        qInfo("Update check: %s", qPrintable(reply.error));
+        qCInfo(lcApp, "Update check: %s", qPrintable(reply.error));
     const auto found = newVersion(reply);
     if (!found) {
         m_prompter.alert(tr("Corvanta Update"), tr("Corvanta is up to date."), {tr("OK")});

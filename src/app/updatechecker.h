@@ -6,7 +6,7 @@
 #include <chrono>
 #include <optional>
 
-namespace corvanta::model {
+namespace corvanta::support {
 class Prompter;
 }
 
@@ -35,7 +35,7 @@ public:
     static QUrl defaultEndpoint();
     static QUrl defaultDownloadPage();
 
-    explicit UpdateChecker(model::Prompter& prompter, const QUrl& endpoint = defaultEndpoint(),
+    explicit UpdateChecker(support::Prompter& prompter, const QUrl& endpoint = defaultEndpoint(),
                            std::chrono::milliseconds timeout = kDefaultTimeout);
 
     // Sends the request and waits for the reply (or the time limit).
@@ -48,7 +48,7 @@ public:
     std::optional<QUrl> update();
 
 private:
-    model::Prompter& m_prompter;
+    support::Prompter& m_prompter;
     QUrl m_endpoint;
     std::chrono::milliseconds m_timeout;
     QNetworkAccessManager m_network;

@@ -1,21 +1,22 @@
 #include "cliprompter.h"
 #include "commandline.h"
 #include "commands.h"
-#include "documents/clientcontroller.h"
-#include "model/editingcontext.h"
-#include "model/store.h"
+#include "editors/clientcontroller.h"
+#include "model/companycache.h"
 #include "output.h"
-#include "predicate/parser.h"
+#include "predicate/literal.h"
 #include "recordjson.h"
 #include "recordlookup.h"
 #include "session.h"
+#include "store/editingcontext.h"
+#include "store/store.h"
 #include "texttable.h"
 
 #include <QJsonArray>
 
 namespace corvanta::cli {
 
-using model::Record;
+using store::Record;
 
 namespace {
 
@@ -56,7 +57,8 @@ QString addressLine(const Record* address)
 int addClient(Invocation& invocation)
 {
     const Arguments& arguments = invocation.arguments;
-    qint64 type = invocation.session.store().cachedSetting(s("default_client_type")).toLongLong();
+    qint64 type =
+        model::CompanyCache::of(invocation.session.store()).value(s("default_client_type")).toLongLong();
     if (arguments.has(s("kind"))) {
         type = kKinds.indexOf(arguments.value(s("kind")));
         if (type < 0)
@@ -78,7 +80,7 @@ int addClient(Invocation& invocation)
             return status;
     }
 
-    documents::ClientController editor(invocation.session.store(), invocation.prompter);
+    editors::ClientController editor(invocation.session.store(), invocation.prompter);
     Record* client = editor.newClient(type);
     if (person) {
         client->setValue(s("first_name"), arguments.value(s("first")));
@@ -107,9 +109,9 @@ int addClient(Invocation& invocation)
     }
     editor.markEdited();
     const QString name = client->value(s("full_name")).toString();
-    const bool taken = invocation.session.context().count(model::FetchRequest(
-                           s("Clients"), *predicate::Parser::parse(s("full_name == %@"), {name}))) > 0;
-    if (!editor.save(documents::ClientController::Sender::None))
+    const bool taken = invocation.session.context().count(store::FetchRequest(
+                           s("Clients"), predicate::literal(s("full_name == %@"), {name}))) > 0;
+    if (!editor.save(editors::ClientController::Sender::None))
         return Refused;
     if (taken)
         invocation.prompter.report(
@@ -129,9 +131,9 @@ int listClients(Invocation& invocation)
     predicate::Predicate condition;
     if (const int status = invocation.where(&condition); status != Success)
         return status;
-    model::StoreError error;
+    store::StoreError error;
     const QList<Record*> clients = invocation.session.context().fetch(
-        model::FetchRequest(s("Clients"), condition, {model::SortDescriptor::localized(s("full_name"))}),
+        store::FetchRequest(s("Clients"), condition, {store::SortDescriptor::localized(s("full_name"))}),
         &error);
     if (error.isError())
         return invocation.refuse(error.message());
@@ -171,8 +173,8 @@ int showClient(Invocation& invocation)
         invocation.output.json(RecordJson::client(client));
         return Success;
     }
-    const int documents = invocation.session.context().count(model::FetchRequest(
-        s("Documents"), *predicate::Parser::parse(s("client == %@"), {QVariant::fromValue(client->ref())})));
+    const int documents = invocation.session.context().count(store::FetchRequest(
+        s("Documents"), predicate::literal(s("client == %@"), {QVariant::fromValue(client->ref())})));
     QTextStream& out = invocation.output.text();
     FieldList fields;
     const auto field = [&](const QString& label, const QString& value) { fields.add(label, value); };

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/prompter.h"
+#include "support/prompter.h"
 
 #include <QStringList>
 
@@ -13,7 +13,7 @@ namespace corvanta::cli {
 // a company name) take the text the command's options give, otherwise their pre-filled text;
 // one asked a second time in a command (its answer was refused) is cancelled, so that a script
 // never loops. Choosers are cancelled: every file and folder comes from the options.
-class CliPrompter : public model::Prompter
+class CliPrompter : public support::Prompter
 {
 public:
     // Starts a command: `answer` is what its entry windows are answered with (none keeps their

@@ -41,7 +41,7 @@ QString groupHelp(const QString& group)
 
 } // namespace
 
-CommandLine::CommandLine(QTextStream& out, QTextStream& err, const model::DatabaseFolders& folders,
+CommandLine::CommandLine(QTextStream& out, QTextStream& err, const companies::DatabaseFolders& folders,
                          const QString& shippedTemplates)
     : m_out(out)
     , m_err(err)

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "command.h"
-#include "model/databasefolders.h"
+#include "companies/databasefolders.h"
 
 #include <QCoreApplication>
 #include <QStringList>
@@ -19,7 +19,7 @@ class CommandLine
 public:
     // `folders` and `shippedTemplates` are the user's and the program's unless a caller gives
     // its own.
-    CommandLine(QTextStream& out, QTextStream& err, const model::DatabaseFolders& folders,
+    CommandLine(QTextStream& out, QTextStream& err, const companies::DatabaseFolders& folders,
                 const QString& shippedTemplates);
     int run(const QStringList& arguments);
 
@@ -43,7 +43,7 @@ private:
 
     QTextStream& m_out;
     QTextStream& m_err;
-    model::DatabaseFolders m_folders;
+    companies::DatabaseFolders m_folders;
     QString m_shippedTemplates;
 };
 

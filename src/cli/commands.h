@@ -2,7 +2,7 @@
 
 #include "command.h"
 
-namespace corvanta::model {
+namespace corvanta::store {
 class Record;
 }
 
@@ -19,6 +19,6 @@ QList<Command> demoCommands();
 
 // What a command that made or changed a document prints: its number (or draft text) and its
 // identifier, or the whole document with --json.
-void printDocumentMade(Invocation& invocation, const model::Record* document);
+void printDocumentMade(Invocation& invocation, const store::Record* document);
 
 } // namespace corvanta::cli

@@ -1,11 +1,14 @@
+#include "app/applicationcore.h"
+#include "app/companiesmenu.h"
+#include "app/databasenamewindow.h"
 #include "cliprompter.h"
 #include "commandline.h"
 #include "commands.h"
-#include "model/databasemanager.h"
-#include "model/store.h"
-#include "model/zipwriter.h"
+#include "companies/databasemanager.h"
 #include "output.h"
 #include "session.h"
+#include "store/store.h"
+#include "support/zipwriter.h"
 #include "texttable.h"
 
 #include <QDir>
@@ -15,7 +18,7 @@
 
 namespace corvanta::cli {
 
-using model::DatabaseEntry;
+using companies::DatabaseEntry;
 
 namespace {
 
@@ -57,12 +60,11 @@ int listDatabases(Invocation& invocation)
 
 int newDatabase(Invocation& invocation)
 {
-    model::DatabaseManager& manager = *invocation.session.databaseManager();
     QStringList before;
     for (const DatabaseEntry& entry : listed(invocation))
         before << entry.path;
     // The company-name window takes the name from the command line.
-    manager.newLocalDatabase();
+    invocation.session.core()->databaseNameWindow()->newLocalDatabase();
     for (const DatabaseEntry& entry : listed(invocation)) {
         if (before.contains(entry.path))
             continue;
@@ -94,9 +96,8 @@ int selectDatabase(Invocation& invocation)
                 "%n company databases are named \"%1\"; rename one of them in the desktop program.", nullptr,
                 int(matches.size()))
                 .arg(name));
-    model::DatabaseManager& manager = *invocation.session.databaseManager();
-    manager.myCompaniesMenuConnect(matches.first().path);
-    if (!manager.isRestartRequested())
+    invocation.session.core()->companiesMenu()->myCompaniesMenuConnect(matches.first().path);
+    if (!invocation.session.databaseManager()->isRestartRequested())
         return Refused;
     // The desktop program starts again on the database it connected to; so does this session.
     if (!invocation.session.restart())
@@ -112,7 +113,7 @@ int selectDatabase(Invocation& invocation)
 }
 
 // The open database alone, as a consistent snapshot in a ZIP archive.
-bool archiveDatabase(model::Store& store, const QString& destination, QString* error)
+bool archiveDatabase(store::Store& store, const QString& destination, QString* error)
 {
     QTemporaryDir scratch(QDir(QFileInfo(destination).absolutePath()).filePath(s(".corvanta-copy-XXXXXX")));
     if (!scratch.isValid()) {
@@ -120,12 +121,12 @@ bool archiveDatabase(model::Store& store, const QString& destination, QString* e
         return false;
     }
     const QString snapshot = scratch.filePath(s("snapshot.cvdb"));
-    model::StoreError storeError;
+    store::StoreError storeError;
     if (!store.writeSnapshot(snapshot, &storeError)) {
         *error = storeError.message();
         return false;
     }
-    model::ZipWriter zip;
+    support::ZipWriter zip;
     return zip.open(destination, error) && zip.setComment(s("Corvanta copy"), error) &&
            zip.addFile(QFileInfo(store.path()).fileName(), snapshot, error) && zip.close(error);
 }
@@ -133,7 +134,7 @@ bool archiveDatabase(model::Store& store, const QString& destination, QString* e
 int backup(Invocation& invocation)
 {
     Session& session = invocation.session;
-    model::DatabaseFolders folders = session.folders();
+    companies::DatabaseFolders folders = session.folders();
     if (invocation.arguments.has(s("to")))
         folders.desktop = QFileInfo(invocation.arguments.value(s("to"))).absoluteFilePath();
     if (!QDir().mkpath(folders.desktop))
@@ -147,7 +148,7 @@ int backup(Invocation& invocation)
     if (session.databaseManager()) {
         // The desktop's copy of the whole application files folder: every local database and the
         // list. Its confirmation speaks of the desktop; the path printed below says where it is.
-        model::DatabaseManager manager(invocation.prompter, folders);
+        companies::DatabaseManager manager(invocation.prompter, folders);
         manager.setStore(&session.store());
         saved = manager.saveDatabase(now);
         invocation.prompter.takeMessages();

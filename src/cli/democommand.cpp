@@ -1,9 +1,9 @@
 #include "cliprompter.h"
 #include "commandline.h"
 #include "commands.h"
-#include "model/editingcontext.h"
 #include "output.h"
 #include "session.h"
+#include "store/editingcontext.h"
 
 #include <QDir>
 #include <QFileInfo>

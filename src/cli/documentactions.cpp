@@ -8,17 +8,17 @@
 #include "documents/invoicefinalizer.h"
 #include "documentstatus.h"
 #include "documenttext.h"
-#include "model/editingcontext.h"
 #include "output.h"
 #include "recordjson.h"
 #include "recordlookup.h"
 #include "session.h"
+#include "store/editingcontext.h"
 #include "valuetext.h"
 
 namespace corvanta::cli {
 
-using model::Record;
 using predicate::RecordRef;
+using store::Record;
 
 namespace {
 

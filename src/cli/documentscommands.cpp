@@ -1,19 +1,19 @@
 #include "cliprompter.h"
 #include "commandline.h"
 #include "commands.h"
-#include "documents/documentcontroller.h"
 #include "documents/documenttypes.h"
 #include "documents/pricelevels.h"
 #include "documentstatus.h"
 #include "documenttext.h"
+#include "editors/documentcontroller.h"
 #include "format/relativedatepredicates.h"
-#include "model/editingcontext.h"
-#include "model/store.h"
 #include "output.h"
 #include "predicate/parser.h"
 #include "recordjson.h"
 #include "recordlookup.h"
 #include "session.h"
+#include "store/editingcontext.h"
+#include "store/store.h"
 #include "texttable.h"
 #include "valuetext.h"
 
@@ -21,9 +21,9 @@
 
 namespace corvanta::cli {
 
-using documents::DocumentController;
 using documents::DocumentTypes;
-using model::Record;
+using editors::DocumentController;
+using store::Record;
 
 namespace {
 
@@ -205,7 +205,7 @@ int listDocuments(Invocation& invocation)
     // Documents lists read relative dates ("@this_month" ...) as the browser does.
     conditions.push_back(*format::replaceRelativeDates(where));
 
-    QList<model::SortDescriptor> sort = {{s("date_creation"), false}, {s("created"), false}};
+    QList<store::SortDescriptor> sort = {{s("date_creation"), false}, {s("created"), false}};
     if (arguments.has(s("sort"))) {
         const QString text = arguments.value(s("sort"));
         const QString key = text.section(QLatin1Char(':'), 0, 0);
@@ -217,7 +217,7 @@ int listDocuments(Invocation& invocation)
             return invocation.usageError(
                 CommandLine::tr("--sort \"%1\": write KEY, KEY:asc or KEY:desc, like date_creation:desc.")
                     .arg(text));
-        const model::EntityDescription* documents = invocation.session.store().model().entity(s("Documents"));
+        const store::EntityDescription* documents = invocation.session.store().model().entity(s("Documents"));
         if (!key.contains(QLatin1Char('.')) && documents && !documents->attribute(key))
             return invocation.refuse(
                 CommandLine::tr("Documents have no attribute \"%1\" to sort by.").arg(key));
@@ -225,12 +225,12 @@ int listDocuments(Invocation& invocation)
         sort = {{key, ascending}};
         // Equal dates are ordered by number, as the browser orders them.
         if (key.startsWith(QLatin1String("date_")))
-            sort << model::SortDescriptor{s("number"), ascending};
+            sort << store::SortDescriptor{s("number"), ascending};
     }
 
-    model::StoreError error;
+    store::StoreError error;
     const QList<Record*> documents = invocation.session.context().fetch(
-        model::FetchRequest(s("Documents"), predicate::Predicate::andOf(std::move(conditions)), sort),
+        store::FetchRequest(s("Documents"), predicate::Predicate::andOf(std::move(conditions)), sort),
         &error);
     if (error.isError())
         return invocation.refuse(error.message());

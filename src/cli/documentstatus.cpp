@@ -1,11 +1,11 @@
 #include "documentstatus.h"
 
 #include "documents/paymentstatus.h"
-#include "model/record.h"
+#include "store/record.h"
 
 namespace corvanta::cli {
 
-QString DocumentStatus::of(const model::Record* document)
+QString DocumentStatus::of(const store::Record* document)
 {
     if (!document)
         return {};

@@ -2,7 +2,7 @@
 
 #include <QString>
 
-namespace corvanta::model {
+namespace corvanta::store {
 class Record;
 }
 
@@ -15,7 +15,7 @@ namespace corvanta::cli {
 class DocumentStatus
 {
 public:
-    static QString of(const model::Record* document);
+    static QString of(const store::Record* document);
 };
 
 } // namespace corvanta::cli

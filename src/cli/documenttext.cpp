@@ -1,10 +1,10 @@
 #include "documenttext.h"
 
-#include "documents/documentrowsrecord.h"
 #include "documents/documenttypes.h"
 #include "documentstatus.h"
 #include "format/formattedcurrency.h"
-#include "model/record.h"
+#include "model/documentrowsrecord.h"
+#include "store/record.h"
 #include "texttable.h"
 #include "valuetext.h"
 
@@ -12,7 +12,7 @@
 
 namespace corvanta::cli {
 
-using model::Record;
+using store::Record;
 using Align = TextTable::Align;
 
 namespace {
@@ -82,7 +82,7 @@ void DocumentText::write(QTextStream& out, const Record* document)
     field(tr("Header"), text("note_header").split(QLatin1Char('\n'), Qt::SkipEmptyParts).join(s(" / ")));
     fields.write(out);
 
-    const QList<Record*> rows = documents::DocumentRowsRecord::displayOrder(document);
+    const QList<Record*> rows = model::DocumentRowsRecord::displayOrder(document);
     if (!rows.isEmpty()) {
         TextTable table({{s("#"), Align::Right},
                          {tr("Name")},

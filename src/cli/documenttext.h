@@ -3,7 +3,7 @@
 #include <QCoreApplication>
 #include <QTextStream>
 
-namespace corvanta::model {
+namespace corvanta::store {
 class Record;
 }
 
@@ -16,13 +16,13 @@ class DocumentText
     Q_DECLARE_TR_FUNCTIONS(DocumentText)
 
 public:
-    static void write(QTextStream& out, const model::Record* document);
+    static void write(QTextStream& out, const store::Record* document);
     // An amount of the document in its currency's format.
-    static QString amount(const model::Record* document, double value);
+    static QString amount(const store::Record* document, double value);
     // "Invoice", "Pro Forma" ..., "Cancellation" for the twin of a cancelled invoice.
-    static QString typeName(const model::Record* document);
+    static QString typeName(const store::Record* document);
     // Whether the document is the negative twin made by a cancellation (not the one cancelled).
-    static bool isCancellation(const model::Record* document);
+    static bool isCancellation(const store::Record* document);
 };
 
 } // namespace corvanta::cli

@@ -1,10 +1,10 @@
 #include "cliprompter.h"
 #include "commandline.h"
 #include "commands.h"
-#include "model/editingcontext.h"
-#include "model/store.h"
 #include "output.h"
 #include "session.h"
+#include "store/editingcontext.h"
+#include "store/store.h"
 
 #include <QJsonObject>
 
@@ -19,11 +19,11 @@ QString s(const char* text)
 
 int info(Invocation& invocation)
 {
-    model::Store& store = invocation.session.store();
+    store::Store& store = invocation.session.store();
     if (invocation.output.isJson()) {
         QJsonObject counts;
-        for (const model::EntityDescription& entity : store.model().entities())
-            counts.insert(entity.name(), store.mainContext().count(model::FetchRequest(entity.name())));
+        for (const store::EntityDescription& entity : store.model().entities())
+            counts.insert(entity.name(), store.mainContext().count(store::FetchRequest(entity.name())));
         invocation.output.json(QJsonObject{
             {s("path"), store.path()}, {s("version"), store.storedModelVersion()}, {s("records"), counts}});
         return Success;
@@ -34,8 +34,8 @@ int info(Invocation& invocation)
                .arg(store.storedModelVersion().isEmpty() ? CommandLine::tr("new")
                                                          : store.storedModelVersion())
         << '\n';
-    for (const model::EntityDescription& entity : store.model().entities()) {
-        const int count = store.mainContext().count(model::FetchRequest(entity.name()));
+    for (const store::EntityDescription& entity : store.model().entities()) {
+        const int count = store.mainContext().count(store::FetchRequest(entity.name()));
         out << QStringLiteral("  %1 %2\n").arg(entity.name(), -20).arg(count);
     }
     return Success;

@@ -1,17 +1,18 @@
 #include "cliprompter.h"
 #include "commandline.h"
 #include "commands.h"
-#include "documents/companyrecord.h"
-#include "documents/itemcontroller.h"
 #include "documents/pricelevels.h"
+#include "editors/itemcontroller.h"
 #include "format/formattedcurrency.h"
-#include "model/editingcontext.h"
-#include "model/store.h"
+#include "model/companycache.h"
+#include "model/companyrecord.h"
 #include "output.h"
-#include "predicate/parser.h"
+#include "predicate/literal.h"
 #include "recordjson.h"
 #include "recordlookup.h"
 #include "session.h"
+#include "store/editingcontext.h"
+#include "store/store.h"
 #include "texttable.h"
 #include "valuetext.h"
 
@@ -19,8 +20,8 @@
 
 namespace corvanta::cli {
 
-using documents::ItemController;
-using model::Record;
+using editors::ItemController;
+using store::Record;
 
 namespace {
 
@@ -46,7 +47,7 @@ QString stockText(const Record* item)
 
 // A reference list's record named by an option into the editor's context; null when the option
 // is absent. False when the name is unknown (the reason is reported).
-bool linkedRecord(Invocation& invocation, model::EditingContext& context, const char* option,
+bool linkedRecord(Invocation& invocation, store::EditingContext& context, const char* option,
                   RecordLookup::Kind kind, Record** record)
 {
     *record = nullptr;
@@ -64,7 +65,8 @@ int addItem(Invocation& invocation)
     const Arguments& arguments = invocation.arguments;
     if (const int status = invocation.require(s("name")); status != Success)
         return status;
-    qint64 type = invocation.session.store().cachedSetting(s("default_item_type")).toLongLong();
+    qint64 type =
+        model::CompanyCache::of(invocation.session.store()).value(s("default_item_type")).toLongLong();
     if (arguments.has(s("kind"))) {
         type = kKinds.indexOf(arguments.value(s("kind")));
         if (type < 0)
@@ -85,8 +87,8 @@ int addItem(Invocation& invocation)
     }
 
     const QString name = arguments.value(s("name"));
-    const bool taken = invocation.session.context().count(model::FetchRequest(
-                           s("Items"), *predicate::Parser::parse(s("name == %@"), {name}))) > 0;
+    const bool taken = invocation.session.context().count(
+                           store::FetchRequest(s("Items"), predicate::literal(s("name == %@"), {name}))) > 0;
     ItemController editor(invocation.session.store(), invocation.prompter);
     Record* item = editor.newItem(type);
     item->setValue(s("name"), name);
@@ -164,10 +166,10 @@ int listItems(Invocation& invocation)
     predicate::Predicate condition;
     if (const int status = invocation.where(&condition); status != Success)
         return status;
-    model::EditingContext& context = invocation.session.context();
-    model::StoreError error;
+    store::EditingContext& context = invocation.session.context();
+    store::StoreError error;
     const QList<Record*> items = context.fetch(
-        model::FetchRequest(s("Items"), condition, {model::SortDescriptor::localized(s("name"))}), &error);
+        store::FetchRequest(s("Items"), condition, {store::SortDescriptor::localized(s("name"))}), &error);
     if (error.isError())
         return invocation.refuse(error.message());
     if (invocation.output.isJson()) {
@@ -177,7 +179,7 @@ int listItems(Invocation& invocation)
         invocation.output.json(array);
         return Success;
     }
-    const Record* currency = documents::CompanyRecord::defaultRecord(context, s("default_currency"));
+    const Record* currency = model::CompanyRecord::defaultRecord(context, s("default_currency"));
     using Align = TextTable::Align;
     TextTable table({{CommandLine::tr("Name")},
                      {CommandLine::tr("Code")},
@@ -201,7 +203,7 @@ int listItems(Invocation& invocation)
 
 int showItem(Invocation& invocation)
 {
-    model::EditingContext& context = invocation.session.context();
+    store::EditingContext& context = invocation.session.context();
     QString error;
     const Record* item =
         RecordLookup(context).find(RecordLookup::Kind::Item, invocation.arguments.words().first(), &error);
@@ -214,7 +216,7 @@ int showItem(Invocation& invocation)
     QTextStream& out = invocation.output.text();
     FieldList fields;
     const auto field = [&](const QString& label, const QString& value) { fields.add(label, value); };
-    const Record* currency = documents::CompanyRecord::defaultRecord(context, s("default_currency"));
+    const Record* currency = model::CompanyRecord::defaultRecord(context, s("default_currency"));
     out << item->value(s("name")).toString() << '\n';
     field(CommandLine::tr("Code"), item->value(s("code")).toString());
     field(CommandLine::tr("Kind"), kindName(item->value(s("type")).toLongLong()));

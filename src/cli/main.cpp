@@ -11,7 +11,7 @@ int main(int argc, char** argv)
     QCoreApplication::setApplicationVersion(QStringLiteral(CORVANTA_VERSION));
     QTextStream out(stdout);
     QTextStream err(stderr);
-    corvanta::cli::CommandLine commandLine(out, err, corvanta::model::DatabaseFolders::standard(),
+    corvanta::cli::CommandLine commandLine(out, err, corvanta::companies::DatabaseFolders::standard(),
                                            corvanta::app::ApplicationCore::defaultShippedTemplatesFolder());
     const int status = commandLine.run(QCoreApplication::arguments());
     out.flush();

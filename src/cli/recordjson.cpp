@@ -1,9 +1,9 @@
 #include "recordjson.h"
 
-#include "documents/documentrowsrecord.h"
 #include "documents/documenttypes.h"
 #include "documentstatus.h"
-#include "model/record.h"
+#include "model/documentrowsrecord.h"
+#include "store/record.h"
 
 #include <QColor>
 #include <QDateTime>
@@ -12,8 +12,8 @@
 
 namespace corvanta::cli {
 
-using model::AttributeType;
-using model::Record;
+using store::AttributeType;
+using store::Record;
 
 namespace {
 
@@ -76,7 +76,7 @@ QList<Record*> sortedBy(QList<Record*> records, const char* key)
 QJsonObject RecordJson::attributes(const Record* record)
 {
     QJsonObject object;
-    for (const model::AttributeDescription& attribute : record->entity().attributes())
+    for (const store::AttributeDescription& attribute : record->entity().attributes())
         object.insert(attribute.name, jsonValue(record->value(attribute.name), attribute.type));
     return object;
 }
@@ -98,7 +98,7 @@ QJsonObject RecordJson::document(const Record* document)
     object.insert(s("cancel_reference"), linkName(document, "cancel_reference", "number_formatted"));
 
     QJsonArray rows;
-    for (const Record* row : documents::DocumentRowsRecord::displayOrder(document)) {
+    for (const Record* row : model::DocumentRowsRecord::displayOrder(document)) {
         QJsonObject rowObject = attributes(row);
         rowObject.insert(s("item"), linkName(row, "item", "name"));
         rowObject.insert(s("tax"), linkName(row, "tax", "name"));

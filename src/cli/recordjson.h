@@ -3,7 +3,7 @@
 #include <QJsonObject>
 #include <QJsonValue>
 
-namespace corvanta::model {
+namespace corvanta::store {
 class Record;
 }
 
@@ -17,13 +17,13 @@ class RecordJson
 {
 public:
     // Every attribute of the record.
-    static QJsonObject attributes(const model::Record* record);
+    static QJsonObject attributes(const store::Record* record);
     // A document with its links, `rows` in display order, `summaries`, `payments`, and `status`.
-    static QJsonObject document(const model::Record* document);
+    static QJsonObject document(const store::Record* document);
     // A client with its `addresses`, `contacts` and payment defaults.
-    static QJsonObject client(const model::Record* client);
+    static QJsonObject client(const store::Record* client);
     // An item with its unit, tax and `warehouse` deliveries.
-    static QJsonObject item(const model::Record* item);
+    static QJsonObject item(const store::Record* item);
 };
 
 } // namespace corvanta::cli

@@ -1,12 +1,12 @@
 #include "recordlookup.h"
 
-#include "model/editingcontext.h"
-#include "predicate/parser.h"
+#include "predicate/literal.h"
+#include "store/editingcontext.h"
 
 namespace corvanta::cli {
 
-using model::FetchRequest;
-using model::Record;
+using store::FetchRequest;
+using store::Record;
 
 namespace {
 
@@ -38,7 +38,7 @@ KindInfo info(RecordLookup::Kind kind)
 FetchRequest request(const char* entity, const QString& condition, const QVariantList& arguments,
                      int limit = 0)
 {
-    FetchRequest fetch(QString::fromLatin1(entity), *predicate::Parser::parse(condition, arguments));
+    FetchRequest fetch(QString::fromLatin1(entity), predicate::literal(condition, arguments));
     fetch.limit = limit;
     return fetch;
 }

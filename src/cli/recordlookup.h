@@ -3,10 +3,10 @@
 #include <QCoreApplication>
 #include <QString>
 
-namespace corvanta::model {
+namespace corvanta::store {
 class EditingContext;
 class Record;
-} // namespace corvanta::model
+} // namespace corvanta::store
 
 namespace corvanta::cli {
 
@@ -21,17 +21,17 @@ class RecordLookup
 public:
     enum class Kind { Client, Item, Tax, Unit, PaymentType, Currency };
 
-    explicit RecordLookup(model::EditingContext& context)
+    explicit RecordLookup(store::EditingContext& context)
         : m_context(context)
     {}
 
     // The one record of `kind` with that name; null with `error` set otherwise.
-    model::Record* find(Kind kind, const QString& name, QString* error);
+    store::Record* find(Kind kind, const QString& name, QString* error);
     // The one document whose `number_formatted` or `identifier` is `key`.
-    model::Record* document(const QString& key, QString* error);
+    store::Record* document(const QString& key, QString* error);
 
 private:
-    model::EditingContext& m_context;
+    store::EditingContext& m_context;
 };
 
 } // namespace corvanta::cli

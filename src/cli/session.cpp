@@ -2,18 +2,16 @@
 
 #include "app/applicationcore.h"
 #include "cliprompter.h"
-#include "model/databasemanager.h"
-#include "model/defaultrecords.h"
-#include "model/editingcontext.h"
-#include "model/store.h"
-#include "templates/shippedtemplates.h"
+#include "companies/databasemanager.h"
+#include "store/editingcontext.h"
+#include "store/store.h"
 
 #include <QDir>
 #include <QFileInfo>
 
 namespace corvanta::cli {
 
-Session::Session(CliPrompter& prompter, const model::DatabaseFolders& folders,
+Session::Session(CliPrompter& prompter, const companies::DatabaseFolders& folders,
                  const QString& shippedTemplates)
     : m_prompter(prompter)
     , m_folders(folders)
@@ -27,12 +25,12 @@ Session::~Session()
     m_core.reset();
 }
 
-model::EditingContext& Session::context() const
+store::EditingContext& Session::context() const
 {
     return m_store->mainContext();
 }
 
-model::DatabaseManager* Session::databaseManager() const
+companies::DatabaseManager* Session::databaseManager() const
 {
     return m_core ? m_core->databaseManager() : nullptr;
 }
@@ -68,25 +66,12 @@ bool Session::startFromList()
 
 bool Session::openFile(const QString& file)
 {
-    model::StoreError error;
-    m_ownStore = model::Store::open(file, &error);
+    // Opened as a start opens a database: record classes, then the default records of a new file.
+    store::StoreError error;
+    const QString templateFiles = QDir(QFileInfo(file).absolutePath()).filePath(QStringLiteral("templates"));
+    m_ownStore = app::ApplicationCore::openCompanyDatabase(file, m_shippedTemplates, templateFiles, &error);
     if (!m_ownStore) {
         m_prompter.alert(error.description, error.reason, {tr("OK")});
-        return false;
-    }
-    // The same order as at start-up: record classes, then the default records of a new file.
-    app::ApplicationCore::registerRecordClasses(*m_ownStore);
-    const QString templateFiles = QDir(QFileInfo(file).absolutePath()).filePath(QStringLiteral("templates"));
-    const QString shipped = m_shippedTemplates;
-    model::DefaultRecords defaults(
-        m_ownStore->mainContext(),
-        [shipped, templateFiles](model::EditingContext& context, model::Record* company, QString*) {
-            templates::ShippedTemplates(shipped, templateFiles).install(context, company);
-            return true;
-        });
-    if (!defaults.initDatabaseRecords(&error)) {
-        m_prompter.alert(error.description, error.reason, {tr("OK")});
-        m_ownStore.reset();
         return false;
     }
     m_store = m_ownStore.get();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/databasefolders.h"
+#include "companies/databasefolders.h"
 
 #include <QCoreApplication>
 #include <QString>
@@ -9,11 +9,13 @@
 namespace corvanta::app {
 class ApplicationCore;
 }
-namespace corvanta::model {
+namespace corvanta::companies {
 class DatabaseManager;
+}
+namespace corvanta::store {
 class EditingContext;
 class Store;
-} // namespace corvanta::model
+} // namespace corvanta::store
 
 namespace corvanta::cli {
 
@@ -28,7 +30,8 @@ class Session
     Q_DECLARE_TR_FUNCTIONS(Session)
 
 public:
-    Session(CliPrompter& prompter, const model::DatabaseFolders& folders, const QString& shippedTemplates);
+    Session(CliPrompter& prompter, const companies::DatabaseFolders& folders,
+            const QString& shippedTemplates);
     ~Session();
 
     // Opens `databaseFile`, or the selected database of the list when it is empty. False when no
@@ -43,24 +46,26 @@ public:
     const QString& requestedFile() const { return m_requestedFile; }
 
     bool isOpen() const { return m_store != nullptr; }
-    model::Store& store() const { return *m_store; }
-    model::EditingContext& context() const;
+    store::Store& store() const { return *m_store; }
+    store::EditingContext& context() const;
     // The manager of the database list; null when a file was named on the command line.
-    model::DatabaseManager* databaseManager() const;
+    companies::DatabaseManager* databaseManager() const;
+    // The application as it started on the list's database; null when a file was named.
+    app::ApplicationCore* core() const { return m_core.get(); }
     CliPrompter& prompter() const { return m_prompter; }
-    const model::DatabaseFolders& folders() const { return m_folders; }
+    const companies::DatabaseFolders& folders() const { return m_folders; }
 
 private:
     bool startFromList();
     bool openFile(const QString& file);
 
     CliPrompter& m_prompter;
-    model::DatabaseFolders m_folders;
+    companies::DatabaseFolders m_folders;
     QString m_shippedTemplates;
     QString m_requestedFile;
     std::unique_ptr<app::ApplicationCore> m_core;
-    std::unique_ptr<model::Store> m_ownStore;
-    model::Store* m_store = nullptr;
+    std::unique_ptr<store::Store> m_ownStore;
+    store::Store* m_store = nullptr;
 };
 
 } // namespace corvanta::cli

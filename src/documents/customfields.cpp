@@ -1,22 +1,15 @@
 #include "customfields.h"
 
-#include "model/editingcontext.h"
-#include "predicate/parser.h"
-
-#include <QDebug>
+#include "predicate/literal.h"
+#include "store/editingcontext.h"
 
 namespace corvanta::documents {
 
-QList<model::Record*> CustomFields::group(model::EditingContext& context, const QString& prefix)
+QList<store::Record*> CustomFields::group(store::EditingContext& context, const QString& prefix)
 {
-    const std::optional<predicate::Predicate> predicate =
-        predicate::Parser::parse(QStringLiteral("name beginswith[c] %@ && label != ''"), {prefix});
-    if (!predicate) {
-        qWarning() << "CustomFields: the group predicate does not parse";
-        return {};
-    }
-    return context.fetch(model::FetchRequest(QStringLiteral("Compose"), *predicate,
-                                             {model::SortDescriptor{QStringLiteral("name")}}));
+    const predicate::Predicate named = predicate::literal("name beginswith[c] %@ && label != ''", {prefix});
+    return context.fetch(store::FetchRequest(QStringLiteral("Compose"), named,
+                                             {store::SortDescriptor{QStringLiteral("name")}}));
 }
 
 QString CustomFields::readableName(const QString& key)
@@ -37,7 +30,7 @@ QString CustomFields::readableName(const QString& key)
     return QStringLiteral("%1 %2").arg(name.trimmed()).arg(index);
 }
 
-QString CustomFields::displayName(const model::Record* field)
+QString CustomFields::displayName(const store::Record* field)
 {
     if (!field)
         return {};

@@ -3,10 +3,10 @@
 #include <QList>
 #include <QString>
 
-namespace corvanta::model {
+namespace corvanta::store {
 class EditingContext;
 class Record;
-} // namespace corvanta::model
+} // namespace corvanta::store
 
 namespace corvanta::documents {
 
@@ -17,7 +17,7 @@ class CustomFields
 public:
     // The definitions of one group that are not labelled empty, by name
     // ("name beginswith[c] %@ && label != ''"; a definition without any label is listed).
-    static QList<model::Record*> group(model::EditingContext& context, const QString& prefix);
+    static QList<store::Record*> group(store::EditingContext& context, const QString& prefix);
 
     // The name shown for a field without a label, made from its key: the group prefixes
     // removed, "_" as blanks, the two-digit index taken off the end, every word capitalised,
@@ -26,7 +26,7 @@ public:
     static QString readableName(const QString& key);
 
     // The label of a definition, or the readable name of its key when it has none.
-    static QString displayName(const model::Record* field);
+    static QString displayName(const store::Record* field);
 };
 
 } // namespace corvanta::documents

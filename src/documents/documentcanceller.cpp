@@ -1,22 +1,24 @@
 #include "documentcanceller.h"
 
 #include "documentnumbering.h"
-#include "documentrowsrecord.h"
 #include "documenttags.h"
 #include "documenttypes.h"
 #include "format/relativedates.h"
-#include "model/editingcontext.h"
-#include "model/prompter.h"
-#include "model/store.h"
-#include "model/uuid.h"
-#include "predicate/parser.h"
+#include "model/documentrowsrecord.h"
+#include "predicate/literal.h"
 #include "recordcopy.h"
 #include "savefailure.h"
 #include "stockcalculator.h"
+#include "store/editingcontext.h"
+#include "store/store.h"
+#include "support/prompter.h"
+#include "support/uuid.h"
 
 namespace corvanta::documents {
 
-using model::Record;
+using model::DocumentRowsRecord;
+
+using store::Record;
 
 namespace {
 
@@ -36,7 +38,7 @@ void negate(Record* record, const QStringList& keys)
 
 } // namespace
 
-DocumentCanceller::DocumentCanceller(model::Store& store, model::Prompter& prompter, Clock clock,
+DocumentCanceller::DocumentCanceller(store::Store& store, support::Prompter& prompter, Clock clock,
                                      QObject* parent)
     : QObject(parent)
     , m_store(store)
@@ -54,9 +56,9 @@ bool DocumentCanceller::canCancel(const Record* document)
 std::optional<predicate::RecordRef> DocumentCanceller::cancel(const predicate::RecordRef& ref)
 {
     // A context of its own: a failed save leaves nothing behind in the program's records.
-    std::unique_ptr<model::EditingContext> context = m_store.newContext();
-    Record* original = context->fetchFirst(model::FetchRequest(
-        s("Documents"), *predicate::Parser::parse(s("self == %@"), {QVariant::fromValue(ref)})));
+    std::unique_ptr<store::EditingContext> context = m_store.newContext();
+    Record* original = context->fetchFirst(
+        store::FetchRequest(s("Documents"), predicate::literal(s("self == %@"), {QVariant::fromValue(ref)})));
     if (!original)
         return std::nullopt;
     if (!canCancel(original)) {
@@ -80,7 +82,7 @@ std::optional<predicate::RecordRef> DocumentCanceller::cancel(const predicate::R
     // The link is mutual: the cancelled document points at its cancellation too.
     original->setRelated(s("cancel_reference"), twin);
 
-    model::StoreError error;
+    store::StoreError error;
     if (!context->save(&error)) {
         SaveFailure::show(m_prompter, error);
         return std::nullopt;
@@ -89,12 +91,12 @@ std::optional<predicate::RecordRef> DocumentCanceller::cancel(const predicate::R
     return twin->ref();
 }
 
-Record* DocumentCanceller::makeTwin(model::EditingContext& context, Record* original)
+Record* DocumentCanceller::makeTwin(store::EditingContext& context, Record* original)
 {
     Record* twin = context.insertRecord(s("Documents"));
     RecordCopy::copyAttributes(original, twin);
     const QDateTime now = m_clock();
-    twin->setValue(s("identifier"), model::UUID());
+    twin->setValue(s("identifier"), support::UUID());
     twin->setValue(s("created"), now);
     const QDateTime date = format::dates::midday(format::dates::today(now));
     twin->setValue(s("date_creation"), date);
@@ -120,7 +122,7 @@ Record* DocumentCanceller::makeTwin(model::EditingContext& context, Record* orig
     return twin;
 }
 
-void DocumentCanceller::copyRows(model::EditingContext& context, Record* original, Record* twin)
+void DocumentCanceller::copyRows(store::EditingContext& context, Record* original, Record* twin)
 {
     for (const Record* row : DocumentRowsRecord::displayOrder(original)) {
         Record* copy = context.insertRecord(s("DocumentRows"));
@@ -132,7 +134,7 @@ void DocumentCanceller::copyRows(model::EditingContext& context, Record* origina
     }
 }
 
-void DocumentCanceller::copySummaries(model::EditingContext& context, Record* original, Record* twin)
+void DocumentCanceller::copySummaries(store::EditingContext& context, Record* original, Record* twin)
 {
     for (const Record* summary : original->relatedList(s("summaries"))) {
         Record* copy = context.insertRecord(s("DocumentSummaries"));

@@ -6,12 +6,14 @@
 #include <QObject>
 #include <optional>
 
-namespace corvanta::model {
+namespace corvanta::store {
 class EditingContext;
-class Prompter;
 class Record;
 class Store;
-} // namespace corvanta::model
+} // namespace corvanta::store
+namespace corvanta::support {
+class Prompter;
+}
 
 namespace corvanta::documents {
 
@@ -23,11 +25,11 @@ class DocumentCanceller : public QObject
     Q_OBJECT
 
 public:
-    DocumentCanceller(model::Store& store, model::Prompter& prompter, Clock clock = systemClock(),
+    DocumentCanceller(store::Store& store, support::Prompter& prompter, Clock clock = systemClock(),
                       QObject* parent = nullptr);
 
     // Only a final invoice that is neither cancelled nor a cancellation can be cancelled.
-    static bool canCancel(const model::Record* document);
+    static bool canCancel(const store::Record* document);
 
     // Asks, then stores the cancellation. Its reference, or nothing when the document cannot be
     // cancelled, the user declined or the save failed (then nothing changed).
@@ -38,12 +40,12 @@ Q_SIGNALS:
     void countsChanged();
 
 private:
-    model::Record* makeTwin(model::EditingContext& context, model::Record* original);
-    void copyRows(model::EditingContext& context, model::Record* original, model::Record* twin);
-    void copySummaries(model::EditingContext& context, model::Record* original, model::Record* twin);
+    store::Record* makeTwin(store::EditingContext& context, store::Record* original);
+    void copyRows(store::EditingContext& context, store::Record* original, store::Record* twin);
+    void copySummaries(store::EditingContext& context, store::Record* original, store::Record* twin);
 
-    model::Store& m_store;
-    model::Prompter& m_prompter;
+    store::Store& m_store;
+    support::Prompter& m_prompter;
     Clock m_clock;
 };
 

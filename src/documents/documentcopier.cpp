@@ -1,24 +1,27 @@
 #include "documentcopier.h"
 
-#include "companyrecord.h"
 #include "documentnumbering.h"
-#include "documentrowsrecord.h"
 #include "documenttags.h"
 #include "documenttypes.h"
 #include "draftnumber.h"
 #include "duedate.h"
 #include "format/relativedates.h"
-#include "model/editingcontext.h"
-#include "model/store.h"
-#include "model/uuid.h"
-#include "predicate/parser.h"
+#include "model/companyrecord.h"
+#include "model/documentrowsrecord.h"
+#include "predicate/literal.h"
 #include "recordcopy.h"
 #include "savefailure.h"
 #include "stockcalculator.h"
+#include "store/editingcontext.h"
+#include "store/store.h"
+#include "support/uuid.h"
 
 namespace corvanta::documents {
 
-using model::Record;
+using model::CompanyRecord;
+using model::DocumentRowsRecord;
+
+using store::Record;
 
 namespace {
 
@@ -32,7 +35,7 @@ const QStringList kDocumentLinks = {s("client"),           s("payment_type"), s(
 
 } // namespace
 
-DocumentCopier::DocumentCopier(model::Store& store, model::Prompter& prompter, Clock clock, QObject* parent)
+DocumentCopier::DocumentCopier(store::Store& store, support::Prompter& prompter, Clock clock, QObject* parent)
     : QObject(parent)
     , m_store(store)
     , m_prompter(prompter)
@@ -41,9 +44,9 @@ DocumentCopier::DocumentCopier(model::Store& store, model::Prompter& prompter, C
 
 std::optional<predicate::RecordRef> DocumentCopier::duplicate(const predicate::RecordRef& ref)
 {
-    std::unique_ptr<model::EditingContext> context = m_store.newContext();
-    Record* original = context->fetchFirst(model::FetchRequest(
-        s("Documents"), *predicate::Parser::parse(s("self == %@"), {QVariant::fromValue(ref)})));
+    std::unique_ptr<store::EditingContext> context = m_store.newContext();
+    Record* original = context->fetchFirst(
+        store::FetchRequest(s("Documents"), predicate::literal(s("self == %@"), {QVariant::fromValue(ref)})));
     if (!original)
         return std::nullopt;
 
@@ -52,7 +55,7 @@ std::optional<predicate::RecordRef> DocumentCopier::duplicate(const predicate::R
     RecordCopy::copyLinks(original, copy, kDocumentLinks);
     const QDateTime now = m_clock();
     const QDateTime today = format::dates::midday(format::dates::today(now));
-    copy->setValue(s("identifier"), model::UUID());
+    copy->setValue(s("identifier"), support::UUID());
     copy->setValue(s("created"), now);
     copy->setValue(s("date_creation"), today);
     copy->setValue(s("date_completion"), today);
@@ -89,7 +92,7 @@ std::optional<predicate::RecordRef> DocumentCopier::duplicate(const predicate::R
 
     StockCalculator(*context).updateItemsCurrentStock(StockCalculator::itemsOf(copy), {copy});
 
-    model::StoreError error;
+    store::StoreError error;
     if (!context->save(&error)) {
         SaveFailure::show(m_prompter, error);
         return std::nullopt;

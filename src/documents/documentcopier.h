@@ -6,11 +6,13 @@
 #include <QObject>
 #include <optional>
 
-namespace corvanta::model {
-class Prompter;
+namespace corvanta::store {
 class Record;
 class Store;
-} // namespace corvanta::model
+} // namespace corvanta::store
+namespace corvanta::support {
+class Prompter;
+}
 
 namespace corvanta::documents {
 
@@ -22,7 +24,7 @@ class DocumentCopier : public QObject
     Q_OBJECT
 
 public:
-    DocumentCopier(model::Store& store, model::Prompter& prompter, Clock clock = systemClock(),
+    DocumentCopier(store::Store& store, support::Prompter& prompter, Clock clock = systemClock(),
                    QObject* parent = nullptr);
 
     // The stored copy, or nothing when the document is not stored or the save failed.
@@ -33,8 +35,8 @@ Q_SIGNALS:
     void countsChanged();
 
 private:
-    model::Store& m_store;
-    model::Prompter& m_prompter;
+    store::Store& m_store;
+    support::Prompter& m_prompter;
     Clock m_clock;
 };
 

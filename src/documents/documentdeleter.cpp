@@ -1,17 +1,17 @@
 #include "documentdeleter.h"
 
-#include "model/editingcontext.h"
-#include "model/prompter.h"
-#include "model/store.h"
-#include "predicate/parser.h"
+#include "predicate/literal.h"
 #include "savefailure.h"
 #include "stockcalculator.h"
+#include "store/editingcontext.h"
+#include "store/store.h"
+#include "support/prompter.h"
 
 namespace corvanta::documents {
 
-using model::Record;
+using store::Record;
 
-DocumentDeleter::DocumentDeleter(model::Store& store, model::Prompter& prompter, QObject* parent)
+DocumentDeleter::DocumentDeleter(store::Store& store, support::Prompter& prompter, QObject* parent)
     : QObject(parent)
     , m_store(store)
     , m_prompter(prompter)
@@ -20,10 +20,10 @@ DocumentDeleter::DocumentDeleter(model::Store& store, model::Prompter& prompter,
 bool DocumentDeleter::deleteDocument(const predicate::RecordRef& ref)
 {
     // A context of its own: a failed save leaves nothing behind in the program's records.
-    std::unique_ptr<model::EditingContext> context = m_store.newContext();
-    Record* document = context->fetchFirst(model::FetchRequest(
-        QStringLiteral("Documents"),
-        *predicate::Parser::parse(QStringLiteral("self == %@"), {QVariant::fromValue(ref)})));
+    std::unique_ptr<store::EditingContext> context = m_store.newContext();
+    Record* document = context->fetchFirst(
+        store::FetchRequest(QStringLiteral("Documents"),
+                            predicate::literal(QStringLiteral("self == %@"), {QVariant::fromValue(ref)})));
     if (!document)
         return false;
     const QString deleteButton = tr("Delete Document");
@@ -37,7 +37,7 @@ bool DocumentDeleter::deleteDocument(const predicate::RecordRef& ref)
     // The deleted invoice's rows no longer count as sold.
     StockCalculator(*context).updateItemsCurrentStock(items, {document});
 
-    model::StoreError error;
+    store::StoreError error;
     if (!context->save(&error)) {
         SaveFailure::show(m_prompter, error);
         return false;

@@ -4,10 +4,12 @@
 
 #include <QObject>
 
-namespace corvanta::model {
-class Prompter;
+namespace corvanta::store {
 class Store;
-} // namespace corvanta::model
+}
+namespace corvanta::support {
+class Prompter;
+}
 
 namespace corvanta::documents {
 
@@ -18,7 +20,7 @@ class DocumentDeleter : public QObject
     Q_OBJECT
 
 public:
-    DocumentDeleter(model::Store& store, model::Prompter& prompter, QObject* parent = nullptr);
+    DocumentDeleter(store::Store& store, support::Prompter& prompter, QObject* parent = nullptr);
 
     // True when the document is gone; false when it is not stored, the user declined or the
     // save failed (then nothing changed).
@@ -29,8 +31,8 @@ Q_SIGNALS:
     void countsChanged();
 
 private:
-    model::Store& m_store;
-    model::Prompter& m_prompter;
+    store::Store& m_store;
+    support::Prompter& m_prompter;
 };
 
 } // namespace corvanta::documents

@@ -1,17 +1,18 @@
 #include "documentnumbering.h"
 
 #include "format/relativedates.h"
-#include "model/editingcontext.h"
-#include "model/prompter.h"
-#include "model/store.h"
+#include "model/companycache.h"
 #include "numberformat.h"
-#include "predicate/parser.h"
+#include "predicate/literal.h"
+#include "store/editingcontext.h"
+#include "store/store.h"
+#include "support/prompter.h"
 
 namespace corvanta::documents {
 
-using model::FetchRequest;
+using store::FetchRequest;
 
-DocumentNumbering::DocumentNumbering(model::EditingContext& context, model::Prompter& prompter)
+DocumentNumbering::DocumentNumbering(store::EditingContext& context, support::Prompter& prompter)
     : m_context(context)
     , m_prompter(prompter)
 {}
@@ -20,13 +21,12 @@ DocumentNumbering::DocumentNumbering(model::EditingContext& context, model::Prom
 // year's documents are looked at in the index alone.
 qint64 DocumentNumbering::highestNumber(qint64 type, const QDateTime& date)
 {
-    const auto inYear = predicate::Parser::parse(
-        QStringLiteral("type == %ld && date_creation >= %@ && date_creation <= %@ && draft != 1"),
-        {type, format::dates::yearMin(date), format::dates::yearMax(date)});
+    const predicate::Predicate inYear =
+        predicate::literal("type == %ld && date_creation >= %@ && date_creation <= %@ && draft != 1",
+                           {type, format::dates::yearMin(date), format::dates::yearMax(date)});
     // Only what is stored counts; the document being edited has no number yet.
-    const std::optional<QVariant> highest =
-        m_context.storedAggregate(FetchRequest(QStringLiteral("Documents"), *inYear),
-                                  model::SqlCompiler::Aggregate::Max, QStringLiteral("number"));
+    const std::optional<QVariant> highest = m_context.storedAggregate(
+        FetchRequest(QStringLiteral("Documents"), inYear), store::Aggregate::Max, QStringLiteral("number"));
     return highest ? highest->toLongLong() : 0;
 }
 
@@ -42,7 +42,8 @@ DocumentNumbering::NextNumber DocumentNumbering::nextNumberByType(qint64 type, c
                 .arg(date.date().year()),
             QStringLiteral("1")));
     }
-    const QString format = m_context.store().cachedSetting(NumberFormat::settingKey(int(type))).toString();
+    const QString format =
+        model::CompanyCache::of(m_context.store()).value(NumberFormat::settingKey(int(type))).toString();
     next.formattedNumber = NumberFormat::render(format, date.date(), next.nextNumber);
     return next;
 }

@@ -4,10 +4,12 @@
 #include <QDateTime>
 #include <optional>
 
-namespace corvanta::model {
+namespace corvanta::store {
 class EditingContext;
+}
+namespace corvanta::support {
 class Prompter;
-} // namespace corvanta::model
+}
 
 namespace corvanta::documents {
 
@@ -24,7 +26,7 @@ public:
         QString formattedNumber;
     };
 
-    DocumentNumbering(model::EditingContext& context, model::Prompter& prompter);
+    DocumentNumbering(store::EditingContext& context, support::Prompter& prompter);
 
     // The number after the highest stored one of `type` in the year of `date` (1 for the first),
     // rendered in the type's number format. With `showStartNumberWindow`, the first number of a
@@ -40,8 +42,8 @@ public:
     static qint64 startNumberFrom(const std::optional<QString>& answer);
 
 private:
-    model::EditingContext& m_context;
-    model::Prompter& m_prompter;
+    store::EditingContext& m_context;
+    support::Prompter& m_prompter;
 };
 
 } // namespace corvanta::documents

@@ -1,15 +1,17 @@
 #include "documentpayments.h"
 
-#include "companyrecord.h"
-#include "model/editingcontext.h"
-#include "model/store.h"
+#include "model/companyrecord.h"
 #include "numberlimits.h"
-#include "predicate/parser.h"
+#include "predicate/literal.h"
 #include "savefailure.h"
+#include "store/editingcontext.h"
+#include "store/store.h"
 
 namespace corvanta::documents {
 
-using model::Record;
+using model::CompanyRecord;
+
+using store::Record;
 
 namespace {
 
@@ -18,17 +20,17 @@ QString s(const char* key)
     return QString::fromLatin1(key);
 }
 
-Record* fetchBy(model::EditingContext& context, const predicate::RecordRef& ref)
+Record* fetchBy(store::EditingContext& context, const predicate::RecordRef& ref)
 {
     if (ref.isNull())
         return nullptr;
-    return context.fetchFirst(model::FetchRequest(
-        ref.entity, *predicate::Parser::parse(s("self == %@"), {QVariant::fromValue(ref)})));
+    return context.fetchFirst(
+        store::FetchRequest(ref.entity, predicate::literal(s("self == %@"), {QVariant::fromValue(ref)})));
 }
 
 } // namespace
 
-DocumentPayments::DocumentPayments(model::Store& store, model::Prompter& prompter, Clock clock,
+DocumentPayments::DocumentPayments(store::Store& store, support::Prompter& prompter, Clock clock,
                                    QObject* parent)
     : QObject(parent)
     , m_store(store)
@@ -36,7 +38,7 @@ DocumentPayments::DocumentPayments(model::Store& store, model::Prompter& prompte
     , m_clock(std::move(clock))
 {}
 
-Record* DocumentPayments::fetchDocument(model::EditingContext& context,
+Record* DocumentPayments::fetchDocument(store::EditingContext& context,
                                         const predicate::RecordRef& document) const
 {
     return document.entity == QLatin1String("Documents") ? fetchBy(context, document) : nullptr;
@@ -49,7 +51,7 @@ std::optional<predicate::RecordRef> DocumentPayments::addPayment(const predicate
 {
     if (!NumberLimits::accept(NumberLimits::Kind::Amount, amount, m_prompter))
         return std::nullopt;
-    std::unique_ptr<model::EditingContext> context = m_store.newContext();
+    std::unique_ptr<store::EditingContext> context = m_store.newContext();
     Record* owner = fetchDocument(*context, document);
     if (!owner)
         return std::nullopt;
@@ -66,7 +68,7 @@ std::optional<predicate::RecordRef> DocumentPayments::addPayment(const predicate
 
 bool DocumentPayments::removePayment(const predicate::RecordRef& paymentRef)
 {
-    std::unique_ptr<model::EditingContext> context = m_store.newContext();
+    std::unique_ptr<store::EditingContext> context = m_store.newContext();
     Record* payment =
         paymentRef.entity == QLatin1String("Payments") ? fetchBy(*context, paymentRef) : nullptr;
     if (!payment)
@@ -79,7 +81,7 @@ bool DocumentPayments::removePayment(const predicate::RecordRef& paymentRef)
 
 double DocumentPayments::remaining(const predicate::RecordRef& document)
 {
-    std::unique_ptr<model::EditingContext> context = m_store.newContext();
+    std::unique_ptr<store::EditingContext> context = m_store.newContext();
     const Record* owner = fetchDocument(*context, document);
     if (!owner)
         return 0.0;
@@ -96,9 +98,9 @@ bool DocumentPayments::closeDocumentPayments(const predicate::RecordRef& documen
     return true;
 }
 
-bool DocumentPayments::save(model::EditingContext& context, const predicate::RecordRef& document)
+bool DocumentPayments::save(store::EditingContext& context, const predicate::RecordRef& document)
 {
-    model::StoreError error;
+    store::StoreError error;
     if (!context.save(&error)) {
         SaveFailure::show(m_prompter, error);
         return false;

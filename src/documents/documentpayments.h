@@ -6,12 +6,14 @@
 #include <QObject>
 #include <optional>
 
-namespace corvanta::model {
+namespace corvanta::store {
 class EditingContext;
-class Prompter;
 class Record;
 class Store;
-} // namespace corvanta::model
+} // namespace corvanta::store
+namespace corvanta::support {
+class Prompter;
+}
 
 namespace corvanta::documents {
 
@@ -22,7 +24,7 @@ class DocumentPayments : public QObject
     Q_OBJECT
 
 public:
-    DocumentPayments(model::Store& store, model::Prompter& prompter, Clock clock = systemClock(),
+    DocumentPayments(store::Store& store, support::Prompter& prompter, Clock clock = systemClock(),
                      QObject* parent = nullptr);
 
     // Records a payment of `amount` (a finite amount of a sensible size, else refused with a
@@ -43,11 +45,11 @@ Q_SIGNALS:
     void paymentsChanged(const corvanta::predicate::RecordRef& document);
 
 private:
-    model::Record* fetchDocument(model::EditingContext& context, const predicate::RecordRef& document) const;
-    bool save(model::EditingContext& context, const predicate::RecordRef& document);
+    store::Record* fetchDocument(store::EditingContext& context, const predicate::RecordRef& document) const;
+    bool save(store::EditingContext& context, const predicate::RecordRef& document);
 
-    model::Store& m_store;
-    model::Prompter& m_prompter;
+    store::Store& m_store;
+    support::Prompter& m_prompter;
     Clock m_clock;
 };
 

@@ -1,11 +1,13 @@
 #include "documentsnapshot.h"
 
-#include "companyrecord.h"
-#include "model/editingcontext.h"
+#include "model/companyrecord.h"
+#include "store/editingcontext.h"
 
 namespace corvanta::documents {
 
-using model::Record;
+using model::CompanyRecord;
+
+using store::Record;
 
 namespace {
 
@@ -17,8 +19,8 @@ QString s(const char* key)
 // Every attribute X of `source` that the document has as "client_X".
 void copyClientFields(Record* document, const Record* source)
 {
-    const model::EntityDescription& documents = document->entity();
-    for (const model::AttributeDescription& a : source->entity().attributes()) {
+    const store::EntityDescription& documents = document->entity();
+    for (const store::AttributeDescription& a : source->entity().attributes()) {
         const QString key = s("client_") + a.name;
         if (documents.attribute(key))
             document->setValue(key, source->value(a.name));

@@ -1,6 +1,6 @@
 #pragma once
 
-namespace corvanta::model {
+namespace corvanta::store {
 class Record;
 }
 
@@ -11,7 +11,7 @@ namespace corvanta::documents {
 class DocumentSnapshot
 {
 public:
-    static void update(model::Record* document);
+    static void update(store::Record* document);
 };
 
 } // namespace corvanta::documents

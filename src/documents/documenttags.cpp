@@ -1,16 +1,16 @@
 #include "documenttags.h"
 
-#include "model/editingcontext.h"
-#include "predicate/parser.h"
+#include "predicate/literal.h"
+#include "store/editingcontext.h"
 
 namespace corvanta::documents {
 
-using model::Record;
+using store::Record;
 
 Record* DocumentTags::typeCategory(Record* document, qint64 subtype)
 {
-    const auto condition = predicate::Parser::parse(QStringLiteral("type == 3 && subtype == %@"), {subtype});
-    return document->context()->fetchFirst(model::FetchRequest(QStringLiteral("Categories"), *condition));
+    return document->context()->fetchFirst(store::FetchRequest(
+        QStringLiteral("Categories"), predicate::literal("type == 3 && subtype == %@", {subtype})));
 }
 
 void DocumentTags::update(Record* document)

@@ -2,7 +2,7 @@
 
 #include <QtGlobal>
 
-namespace corvanta::model {
+namespace corvanta::store {
 class Record;
 }
 
@@ -13,9 +13,9 @@ namespace corvanta::documents {
 class DocumentTags
 {
 public:
-    static void update(model::Record* document);
+    static void update(store::Record* document);
     // The category of a document type (subtype 0 to 7) or of cancellations (100), or null.
-    static model::Record* typeCategory(model::Record* document, qint64 subtype);
+    static store::Record* typeCategory(store::Record* document, qint64 subtype);
 };
 
 } // namespace corvanta::documents

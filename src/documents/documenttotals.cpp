@@ -1,13 +1,15 @@
 #include "documenttotals.h"
 
-#include "documentrowsrecord.h"
-#include "model/editingcontext.h"
+#include "model/documentrowsrecord.h"
+#include "store/editingcontext.h"
 
 #include <QList>
 
 namespace corvanta::documents {
 
-using model::Record;
+using model::DocumentRowsRecord;
+
+using store::Record;
 
 namespace {
 
@@ -37,7 +39,7 @@ void DocumentTotals::updateTaxSummary(Record* document)
 {
     if (!document)
         return;
-    model::EditingContext& context = *document->context();
+    store::EditingContext& context = *document->context();
     const QList<Record*> rows = DocumentRowsRecord::displayOrder(document);
 
     // Groups are keyed by the tax's name: two taxes of one name share a line, with the rates of

@@ -1,6 +1,6 @@
 #pragma once
 
-namespace corvanta::model {
+namespace corvanta::store {
 class Record;
 }
 
@@ -11,7 +11,7 @@ namespace corvanta::documents {
 class DocumentTotals
 {
 public:
-    static void updateTaxSummary(model::Record* document);
+    static void updateTaxSummary(store::Record* document);
 };
 
 } // namespace corvanta::documents

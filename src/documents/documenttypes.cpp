@@ -1,5 +1,7 @@
 #include "documenttypes.h"
 
+#include "model/companyrecord.h"
+
 #include <stdexcept>
 
 namespace corvanta::documents {
@@ -30,6 +32,14 @@ QString DocumentTypes::typeNameByNumber(qint64 type)
 QString DocumentTypes::displayName(qint64 type)
 {
     return isValid(type) ? tr(kDisplayNames[type]) : QString();
+}
+
+store::Record* DocumentTypes::defaultTemplate(store::EditingContext& context, qint64 type)
+{
+    if (!isValid(type))
+        return nullptr;
+    return model::CompanyRecord::defaultRecord(context,
+                                               QStringLiteral("default_template_") + typeNameByNumber(type));
 }
 
 } // namespace corvanta::documents

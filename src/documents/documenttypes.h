@@ -3,6 +3,11 @@
 #include <QCoreApplication>
 #include <QString>
 
+namespace corvanta::store {
+class EditingContext;
+class Record;
+} // namespace corvanta::store
+
 namespace corvanta::documents {
 
 // The eight document types by their integer code, as `type` of Documents stores it.
@@ -29,6 +34,8 @@ public:
     // The key that names the type in settings and company defaults ("invoice", "delivery_note"
     // ...). Throws std::out_of_range for a code outside 0 to 7.
     static QString typeNameByNumber(qint64 type);
+    // The company's default template for a document type, or null.
+    static store::Record* defaultTemplate(store::EditingContext& context, qint64 type);
     // The name shown to the user ("Invoice", "Pro Forma" ...); empty for an unknown code.
     static QString displayName(qint64 type);
 };

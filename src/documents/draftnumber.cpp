@@ -1,6 +1,6 @@
 #include "draftnumber.h"
 
-#include "model/record.h"
+#include "store/record.h"
 
 #include <QLocale>
 
@@ -12,7 +12,7 @@ QString DraftNumber::text(const QDateTime& now)
         .arg(QLocale().toString(now.date(), QLocale::ShortFormat), now.toString(QStringLiteral("HH:mm")));
 }
 
-void DraftNumber::apply(model::Record* document, const QDateTime& now)
+void DraftNumber::apply(store::Record* document, const QDateTime& now)
 {
     document->setValue(QStringLiteral("number_formatted"), text(now));
     document->setValue(QStringLiteral("number"), QVariant());

@@ -3,7 +3,7 @@
 #include <QCoreApplication>
 #include <QDateTime>
 
-namespace corvanta::model {
+namespace corvanta::store {
 class Record;
 }
 
@@ -17,7 +17,7 @@ class DraftNumber
 
 public:
     static QString text(const QDateTime& now);
-    static void apply(model::Record* document, const QDateTime& now);
+    static void apply(store::Record* document, const QDateTime& now);
 };
 
 } // namespace corvanta::documents

@@ -1,11 +1,11 @@
 #include "duedate.h"
 
 #include "format/relativedates.h"
-#include "model/record.h"
+#include "store/record.h"
 
 namespace corvanta::documents {
 
-std::optional<QDateTime> DueDate::from(const model::Record* dueDay, const QDateTime& now)
+std::optional<QDateTime> DueDate::from(const store::Record* dueDay, const QDateTime& now)
 {
     if (!dueDay)
         return std::nullopt;

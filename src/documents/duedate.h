@@ -3,7 +3,7 @@
 #include <QDateTime>
 #include <optional>
 
-namespace corvanta::model {
+namespace corvanta::store {
 class Record;
 }
 
@@ -14,7 +14,7 @@ namespace corvanta::documents {
 class DueDate
 {
 public:
-    static std::optional<QDateTime> from(const model::Record* dueDay, const QDateTime& now);
+    static std::optional<QDateTime> from(const store::Record* dueDay, const QDateTime& now);
 };
 
 } // namespace corvanta::documents

@@ -1,10 +1,10 @@
 #include "finalizequestion.h"
 
-#include "model/prompter.h"
+#include "support/prompter.h"
 
 namespace corvanta::documents {
 
-bool FinalizeQuestion::ask(model::Prompter& prompter)
+bool FinalizeQuestion::ask(support::Prompter& prompter)
 {
     const QString finalize = tr("Finalize");
     return prompter.alert(tr("Finalize Invoice"),

@@ -2,7 +2,7 @@
 
 #include <QCoreApplication>
 
-namespace corvanta::model {
+namespace corvanta::support {
 class Prompter;
 }
 
@@ -15,7 +15,7 @@ class FinalizeQuestion
 
 public:
     // True when the user chose "Finalize".
-    static bool ask(model::Prompter& prompter);
+    static bool ask(support::Prompter& prompter);
 };
 
 } // namespace corvanta::documents

@@ -2,17 +2,18 @@
 
 #include "documentnumbering.h"
 #include "finalizequestion.h"
-#include "model/editingcontext.h"
-#include "model/store.h"
-#include "predicate/parser.h"
+#include "model/companycache.h"
+#include "predicate/literal.h"
 #include "savefailure.h"
 #include "stockcalculator.h"
+#include "store/editingcontext.h"
+#include "store/store.h"
 
 namespace corvanta::documents {
 
-using model::Record;
+using store::Record;
 
-InvoiceFinalizer::InvoiceFinalizer(model::Store& store, model::Prompter& prompter, Clock clock,
+InvoiceFinalizer::InvoiceFinalizer(store::Store& store, support::Prompter& prompter, Clock clock,
                                    QObject* parent)
     : QObject(parent)
     , m_store(store)
@@ -23,10 +24,10 @@ InvoiceFinalizer::InvoiceFinalizer(model::Store& store, model::Prompter& prompte
 bool InvoiceFinalizer::finalizeInvoiceIfNeeded(const predicate::RecordRef& ref)
 {
     // A context of its own: a failed save leaves nothing behind in the program's records.
-    std::unique_ptr<model::EditingContext> context = m_store.newContext();
-    Record* document = context->fetchFirst(model::FetchRequest(
-        QStringLiteral("Documents"),
-        *predicate::Parser::parse(QStringLiteral("self == %@"), {QVariant::fromValue(ref)})));
+    std::unique_ptr<store::EditingContext> context = m_store.newContext();
+    Record* document = context->fetchFirst(
+        store::FetchRequest(QStringLiteral("Documents"),
+                            predicate::literal(QStringLiteral("self == %@"), {QVariant::fromValue(ref)})));
     if (!document)
         return false;
     if (!document->value(QStringLiteral("draft")).toBool())
@@ -45,13 +46,13 @@ bool InvoiceFinalizer::finalizeInvoiceIfNeeded(const predicate::RecordRef& ref)
 
     StockCalculator(*context).updateItemsCurrentStock(StockCalculator::itemsOf(document), {document});
 
-    model::StoreError error;
+    store::StoreError error;
     if (!context->save(&error)) {
         SaveFailure::show(m_prompter, error);
         return false;
     }
     Q_EMIT countsChanged();
-    if (m_store.cachedSetting(QStringLiteral("sound_finalize_invoice")).toBool())
+    if (model::CompanyCache::of(m_store).value(QStringLiteral("sound_finalize_invoice")).toBool())
         Q_EMIT soundRequested(QStringLiteral("tindra"));
     return true;
 }

@@ -5,10 +5,12 @@
 
 #include <QObject>
 
-namespace corvanta::model {
-class Prompter;
+namespace corvanta::store {
 class Store;
-} // namespace corvanta::model
+}
+namespace corvanta::support {
+class Prompter;
+}
 
 namespace corvanta::documents {
 
@@ -19,7 +21,7 @@ class InvoiceFinalizer : public QObject
     Q_OBJECT
 
 public:
-    InvoiceFinalizer(model::Store& store, model::Prompter& prompter, Clock clock = systemClock(),
+    InvoiceFinalizer(store::Store& store, support::Prompter& prompter, Clock clock = systemClock(),
                      QObject* parent = nullptr);
 
     // True when the document is final, already or now; false when the user declined, the
@@ -32,8 +34,8 @@ Q_SIGNALS:
     void countsChanged();
 
 private:
-    model::Store& m_store;
-    model::Prompter& m_prompter;
+    store::Store& m_store;
+    support::Prompter& m_prompter;
     Clock m_clock;
 };
 

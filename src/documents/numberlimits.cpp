@@ -1,7 +1,7 @@
 #include "numberlimits.h"
 
 #include "format/numberinput.h"
-#include "model/prompter.h"
+#include "support/prompter.h"
 
 #include <cmath>
 
@@ -40,7 +40,7 @@ std::optional<QString> NumberLimits::problem(Kind kind, double value)
     return std::nullopt;
 }
 
-bool NumberLimits::accept(Kind kind, double value, model::Prompter& prompter)
+bool NumberLimits::accept(Kind kind, double value, support::Prompter& prompter)
 {
     const std::optional<QString> why = problem(kind, value);
     if (!why)

@@ -4,7 +4,7 @@
 #include <QString>
 #include <optional>
 
-namespace corvanta::model {
+namespace corvanta::support {
 class Prompter;
 }
 
@@ -28,7 +28,7 @@ public:
     // Why the value is refused, or nothing when it is fine.
     static std::optional<QString> problem(Kind kind, double value);
     // True when the value is fine; otherwise tells the user why and returns false.
-    static bool accept(Kind kind, double value, model::Prompter& prompter);
+    static bool accept(Kind kind, double value, support::Prompter& prompter);
 };
 
 } // namespace corvanta::documents

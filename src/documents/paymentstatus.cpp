@@ -1,16 +1,24 @@
 #include "paymentstatus.h"
 
-#include "model/editingcontext.h"
 #include "predicate/evaluator.h"
-#include "predicate/parser.h"
+#include "predicate/literal.h"
+#include "store/editingcontext.h"
 
 namespace corvanta::documents {
 
 namespace {
 
-predicate::Predicate parsed(const QString& text)
+// The rules are parsed once; every judgement and count uses the same trees.
+const predicate::Predicate& paidRule()
 {
-    return *predicate::Parser::parse(text);
+    static const predicate::Predicate rule = predicate::literal(PaymentStatus::paidPredicate());
+    return rule;
+}
+
+const predicate::Predicate& unpaidRule()
+{
+    static const predicate::Predicate rule = predicate::literal(PaymentStatus::unpaidPredicate());
+    return rule;
 }
 
 } // namespace
@@ -26,24 +34,24 @@ QString PaymentStatus::unpaidPredicate()
         "sum_total != payments.@sum.amount && type == 0 && draft == NO && cancel_reference == NULL");
 }
 
-bool PaymentStatus::isPaid(const model::Record* document)
+bool PaymentStatus::isPaid(const store::Record* document)
 {
-    return document && predicate::Evaluator::evaluate(parsed(paidPredicate()), *document);
+    return document && predicate::Evaluator::evaluate(paidRule(), *document);
 }
 
-bool PaymentStatus::isUnpaid(const model::Record* document)
+bool PaymentStatus::isUnpaid(const store::Record* document)
 {
-    return document && predicate::Evaluator::evaluate(parsed(unpaidPredicate()), *document);
+    return document && predicate::Evaluator::evaluate(unpaidRule(), *document);
 }
 
-int PaymentStatus::countPaid(model::EditingContext& context)
+int PaymentStatus::countPaid(store::EditingContext& context)
 {
-    return context.count(model::FetchRequest(QStringLiteral("Documents"), parsed(paidPredicate())));
+    return context.count(store::FetchRequest(QStringLiteral("Documents"), paidRule()));
 }
 
-int PaymentStatus::countUnpaid(model::EditingContext& context)
+int PaymentStatus::countUnpaid(store::EditingContext& context)
 {
-    return context.count(model::FetchRequest(QStringLiteral("Documents"), parsed(unpaidPredicate())));
+    return context.count(store::FetchRequest(QStringLiteral("Documents"), unpaidRule()));
 }
 
 } // namespace corvanta::documents

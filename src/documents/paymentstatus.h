@@ -2,10 +2,10 @@
 
 #include <QString>
 
-namespace corvanta::model {
+namespace corvanta::store {
 class EditingContext;
 class Record;
-} // namespace corvanta::model
+} // namespace corvanta::store
 
 namespace corvanta::documents {
 
@@ -20,11 +20,11 @@ public:
     static QString unpaidPredicate();
 
     // The rules judged on one document as it is in memory.
-    static bool isPaid(const model::Record* document);
-    static bool isUnpaid(const model::Record* document);
+    static bool isPaid(const store::Record* document);
+    static bool isUnpaid(const store::Record* document);
     // The number of stored documents each rule selects; -1 on a store error.
-    static int countPaid(model::EditingContext& context);
-    static int countUnpaid(model::EditingContext& context);
+    static int countPaid(store::EditingContext& context);
+    static int countUnpaid(store::EditingContext& context);
 };
 
 } // namespace corvanta::documents

@@ -1,11 +1,11 @@
 #include "pricelevels.h"
 
-#include "model/editingcontext.h"
-#include "predicate/parser.h"
+#include "predicate/literal.h"
+#include "store/editingcontext.h"
 
 namespace corvanta::documents {
 
-using model::Record;
+using store::Record;
 
 QString PriceLevels::slotKey(int level)
 {
@@ -31,13 +31,12 @@ void PriceLevels::defaultPriceChanged(const QList<Record*>& rows, std::optional<
     m_active = chosen;
 }
 
-QStringList PriceLevels::labels(model::EditingContext& context)
+QStringList PriceLevels::labels(store::EditingContext& context)
 {
-    const auto predicate = predicate::Parser::parse(QStringLiteral("name beginswith[c] %@"),
-                                                    {QStringLiteral("item_custom_price")});
-    const QList<Record*> fields = context.fetch(model::FetchRequest(
-        QStringLiteral("Compose"), *predicate,
-        {model::SortDescriptor{QStringLiteral("name"), true, model::SortDescriptor::Comparison::Default}}));
+    const QList<Record*> fields = context.fetch(store::FetchRequest(
+        QStringLiteral("Compose"),
+        predicate::literal("name beginswith[c] %@", {QStringLiteral("item_custom_price")}),
+        {store::SortDescriptor{QStringLiteral("name"), true, store::SortDescriptor::Comparison::Default}}));
     QStringList result;
     for (const Record* field : fields)
         result << field->value(QStringLiteral("label")).toString();

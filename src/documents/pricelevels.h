@@ -4,10 +4,10 @@
 #include <QString>
 #include <optional>
 
-namespace corvanta::model {
+namespace corvanta::store {
 class EditingContext;
 class Record;
-} // namespace corvanta::model
+} // namespace corvanta::store
 
 namespace corvanta::documents {
 
@@ -32,10 +32,10 @@ public:
     // Makes `level` active (without one, keeps the active level, as every save does): each row
     // first keeps its `unit_price` in the slot of the level active until now, then takes its
     // `unit_price` from the new level's slot, which recomputes it. An invalid level is ignored.
-    void defaultPriceChanged(const QList<model::Record*>& rows, std::optional<int> level = std::nullopt);
+    void defaultPriceChanged(const QList<store::Record*>& rows, std::optional<int> level = std::nullopt);
 
     // The labels of the five levels: the item price labels ("item_custom_price01" ...).
-    static QStringList labels(model::EditingContext& context);
+    static QStringList labels(store::EditingContext& context);
 
 private:
     int m_active = 1;

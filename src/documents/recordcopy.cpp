@@ -1,18 +1,18 @@
 #include "recordcopy.h"
 
-#include "model/record.h"
+#include "store/record.h"
 
 namespace corvanta::documents {
 
-void RecordCopy::copyAttributes(const model::Record* source, model::Record* target)
+void RecordCopy::copyAttributes(const store::Record* source, store::Record* target)
 {
-    for (const model::AttributeDescription& a : source->entity().attributes()) {
+    for (const store::AttributeDescription& a : source->entity().attributes()) {
         if (!a.transient)
             target->setValue(a.name, source->value(a.name));
     }
 }
 
-void RecordCopy::copyLinks(const model::Record* source, model::Record* target, const QStringList& keys)
+void RecordCopy::copyLinks(const store::Record* source, store::Record* target, const QStringList& keys)
 {
     for (const QString& key : keys)
         target->setValue(key, source->value(key));

@@ -2,7 +2,7 @@
 
 #include <QStringList>
 
-namespace corvanta::model {
+namespace corvanta::store {
 class Record;
 }
 
@@ -13,9 +13,9 @@ class RecordCopy
 {
 public:
     // Sets every stored attribute of `source` on `target` (same entity), relationships aside.
-    static void copyAttributes(const model::Record* source, model::Record* target);
+    static void copyAttributes(const store::Record* source, store::Record* target);
     // Links `target` to the same records as `source` under each to-one key.
-    static void copyLinks(const model::Record* source, model::Record* target, const QStringList& keys);
+    static void copyLinks(const store::Record* source, store::Record* target, const QStringList& keys);
 };
 
 } // namespace corvanta::documents

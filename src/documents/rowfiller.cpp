@@ -1,11 +1,13 @@
 #include "rowfiller.h"
 
-#include "documentrowsrecord.h"
+#include "model/documentrowsrecord.h"
 #include "pricelevels.h"
 
 namespace corvanta::documents {
 
-using model::Record;
+using model::DocumentRowsRecord;
+
+using store::Record;
 
 const QStringList& RowFiller::itemKeys()
 {

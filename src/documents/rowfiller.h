@@ -2,7 +2,7 @@
 
 #include <QStringList>
 
-namespace corvanta::model {
+namespace corvanta::store {
 class Record;
 }
 
@@ -18,11 +18,11 @@ public:
 
     // Copies the item's keys (its unit and tax with their snapshots), sets `unit_price` from the
     // item's price of `priceLevel` (1 to 5) and links the item.
-    static void fillFromItem(model::Record* row, model::Record* item, int priceLevel);
+    static void fillFromItem(store::Record* row, store::Record* item, int priceLevel);
     // Links the unit and copies its name.
-    static void setUnit(model::Record* row, model::Record* unit);
+    static void setUnit(store::Record* row, store::Record* unit);
     // Links the tax, copies its name and rates and recomputes the row.
-    static void setTax(model::Record* row, model::Record* tax);
+    static void setTax(store::Record* row, store::Record* tax);
 };
 
 } // namespace corvanta::documents

@@ -1,11 +1,11 @@
 #include "savefailure.h"
 
-#include "model/prompter.h"
-#include "model/storeerror.h"
+#include "store/storeerror.h"
+#include "support/prompter.h"
 
 namespace corvanta::documents {
 
-void SaveFailure::show(model::Prompter& prompter, const model::StoreError& error)
+void SaveFailure::show(support::Prompter& prompter, const store::StoreError& error)
 {
     const QString title =
         error.description.isEmpty() ? tr("The changes could not be saved.") : error.description;

@@ -2,10 +2,12 @@
 
 #include <QCoreApplication>
 
-namespace corvanta::model {
-class Prompter;
+namespace corvanta::store {
 struct StoreError;
-} // namespace corvanta::model
+}
+namespace corvanta::support {
+class Prompter;
+}
 
 namespace corvanta::documents {
 
@@ -15,7 +17,7 @@ class SaveFailure
     Q_DECLARE_TR_FUNCTIONS(SaveFailure)
 
 public:
-    static void show(model::Prompter& prompter, const model::StoreError& error);
+    static void show(support::Prompter& prompter, const store::StoreError& error);
 };
 
 } // namespace corvanta::documents

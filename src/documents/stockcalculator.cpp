@@ -1,13 +1,13 @@
 #include "stockcalculator.h"
 
-#include "model/editingcontext.h"
 #include "predicate/evaluator.h"
-#include "predicate/parser.h"
+#include "predicate/literal.h"
+#include "store/editingcontext.h"
 
 namespace corvanta::documents {
 
-using model::FetchRequest;
-using model::Record;
+using store::FetchRequest;
+using store::Record;
 
 namespace {
 
@@ -26,7 +26,7 @@ QVariantList refsOf(const QList<Record*>& records)
 
 } // namespace
 
-StockCalculator::StockCalculator(model::EditingContext& context)
+StockCalculator::StockCalculator(store::EditingContext& context)
     : m_context(context)
 {}
 
@@ -47,9 +47,10 @@ QHash<qint64, double> StockCalculator::incomingByItem(const QList<Record*>& item
 {
     QHash<qint64, double> sums;
     for (const Record* item : items) {
-        const auto condition = predicate::Parser::parse(s("item == %@"), {QVariant::fromValue(item->ref())});
+        const predicate::Predicate condition =
+            predicate::literal("item == %@", {QVariant::fromValue(item->ref())});
         sums[item->pk()] =
-            m_context.sum(FetchRequest(s("Warehouse"), *condition), s("quantity")).value_or(0.0);
+            m_context.sum(FetchRequest(s("Warehouse"), condition), s("quantity")).value_or(0.0);
     }
     return sums;
 }
@@ -65,20 +66,20 @@ QHash<qint64, double> StockCalculator::soldByItem(const QList<Record*>& items,
         double& sum = sums[item->pk()];
 
         // Stored rows of every other document, as the store holds them.
-        const auto condition = predicate::Parser::parse(
+        const predicate::Predicate condition = predicate::literal(
             unsavedDocuments.isEmpty() ? finalInvoiceRows : finalInvoiceRows + s(" && NOT (document IN %@)"),
             {itemRef, excluded});
-        FetchRequest stored(s("DocumentRows"), *condition);
+        FetchRequest stored(s("DocumentRows"), condition);
         stored.includesPendingChanges = false;
         sum = m_context.sum(stored, s("quantity")).value_or(0.0);
 
         // The unsaved documents' rows as they are in memory.
-        const auto inMemory = predicate::Parser::parse(finalInvoiceRows, {itemRef});
+        const predicate::Predicate inMemory = predicate::literal(finalInvoiceRows, {itemRef});
         for (const Record* document : unsavedDocuments) {
             if (document->isDeleted())
                 continue;
             for (const Record* row : document->relatedList(s("rows"))) {
-                if (predicate::Evaluator::evaluate(*inMemory, *row))
+                if (predicate::Evaluator::evaluate(inMemory, *row))
                     sum += row->value(s("quantity")).toDouble();
             }
         }

@@ -3,10 +3,10 @@
 #include <QHash>
 #include <QList>
 
-namespace corvanta::model {
+namespace corvanta::store {
 class EditingContext;
 class Record;
-} // namespace corvanta::model
+} // namespace corvanta::store
 
 namespace corvanta::documents {
 
@@ -16,31 +16,31 @@ namespace corvanta::documents {
 class StockCalculator
 {
 public:
-    explicit StockCalculator(model::EditingContext& context);
+    explicit StockCalculator(store::EditingContext& context);
 
     // Recomputes and sets `stock_current` of the item (nothing without an item). The documents
     // in `unsavedDocuments` count as they are in this context, with their unsaved rows, type and
     // state; every other document counts as stored.
-    void updateItemCurrentStock(model::Record* item, const QList<model::Record*>& unsavedDocuments = {});
+    void updateItemCurrentStock(store::Record* item, const QList<store::Record*>& unsavedDocuments = {});
     // The same for several items.
-    void updateItemsCurrentStock(const QList<model::Record*>& items,
-                                 const QList<model::Record*>& unsavedDocuments = {});
+    void updateItemsCurrentStock(const QList<store::Record*>& items,
+                                 const QList<store::Record*>& unsavedDocuments = {});
 
     // The sum of the item's warehouse quantities, unsaved deliveries included.
-    double incoming(model::Record* item);
+    double incoming(store::Record* item);
     // The sum of the quantities of the item's rows in final invoices.
-    double sold(model::Record* item, const QList<model::Record*>& unsavedDocuments = {});
+    double sold(store::Record* item, const QList<store::Record*>& unsavedDocuments = {});
 
     // The items of a document's rows, each once.
-    static QList<model::Record*> itemsOf(const model::Record* document);
+    static QList<store::Record*> itemsOf(const store::Record* document);
 
 private:
     // Sums by item key, each added in the records' stored order.
-    QHash<qint64, double> incomingByItem(const QList<model::Record*>& items);
-    QHash<qint64, double> soldByItem(const QList<model::Record*>& items,
-                                     const QList<model::Record*>& unsavedDocuments);
+    QHash<qint64, double> incomingByItem(const QList<store::Record*>& items);
+    QHash<qint64, double> soldByItem(const QList<store::Record*>& items,
+                                     const QList<store::Record*>& unsavedDocuments);
 
-    model::EditingContext& m_context;
+    store::EditingContext& m_context;
 };
 
 } // namespace corvanta::documents

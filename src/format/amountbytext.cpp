@@ -1,8 +1,8 @@
 #include "amountbytext.h"
 
+#include "formatlog.h"
 #include "roundeddecimal.h"
 
-#include <QDebug>
 #include <cmath>
 
 namespace corvanta::format {
@@ -88,7 +88,7 @@ QString wholeInWords(const QString& wholeDigits)
 QString amountByText(double number)
 {
     if (!std::isfinite(number)) {
-        qWarning() << "amountByText: refused a number that is not finite:" << number;
+        qCWarning(lcFormat) << "amountByText: refused a number that is not finite:" << number;
         return {};
     }
     const RoundedDecimal rounded = RoundedDecimal::fromDouble(number, 2, 2);

@@ -1,6 +1,6 @@
 #include "currencyformat.h"
 
-#include "model/record.h"
+#include "predicate/keypathsource.h"
 
 #include <limits>
 
@@ -19,18 +19,18 @@ int digitsOf(const QVariant& value)
 
 } // namespace
 
-CurrencyFormat CurrencyFormat::fromRecord(const model::Record* currency)
+CurrencyFormat CurrencyFormat::fromRecord(const predicate::KeyPathSource* currency)
 {
     CurrencyFormat format;
     if (!currency)
         return format;
-    format.code = currency->value(QStringLiteral("code")).toString();
-    format.symbol = currency->value(QStringLiteral("symbol")).toString();
-    format.symbolFormat = currency->value(QStringLiteral("symbol_format")).toString();
-    format.groupingSeparator = currency->value(QStringLiteral("grouping_separator")).toString();
-    format.decimalSeparator = currency->value(QStringLiteral("decimal_separator")).toString();
-    format.digits = digitsOf(currency->value(QStringLiteral("digits")));
-    format.showFixedDigits = currency->value(QStringLiteral("show_fixed_digits")).toBool();
+    format.code = currency->valueForKeyPath(QStringLiteral("code")).toString();
+    format.symbol = currency->valueForKeyPath(QStringLiteral("symbol")).toString();
+    format.symbolFormat = currency->valueForKeyPath(QStringLiteral("symbol_format")).toString();
+    format.groupingSeparator = currency->valueForKeyPath(QStringLiteral("grouping_separator")).toString();
+    format.decimalSeparator = currency->valueForKeyPath(QStringLiteral("decimal_separator")).toString();
+    format.digits = digitsOf(currency->valueForKeyPath(QStringLiteral("digits")));
+    format.showFixedDigits = currency->valueForKeyPath(QStringLiteral("show_fixed_digits")).toBool();
     return format;
 }
 

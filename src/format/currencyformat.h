@@ -2,8 +2,8 @@
 
 #include <QString>
 
-namespace corvanta::model {
-class Record;
+namespace corvanta::predicate {
+class KeyPathSource;
 }
 
 namespace corvanta::format {
@@ -21,7 +21,7 @@ struct CurrencyFormat
 
     // The format of a currency record; missing values read as empty texts, 0 and false. Without
     // a record, the neutral format above (two digits at most, no grouping, no mark).
-    static CurrencyFormat fromRecord(const model::Record* currency);
+    static CurrencyFormat fromRecord(const predicate::KeyPathSource* currency);
 
     // Whether the number is grouped at all ("none" turns grouping off).
     bool usesGrouping() const { return groupingSeparator != QLatin1String("none"); }

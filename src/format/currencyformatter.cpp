@@ -17,7 +17,7 @@ CurrencyFormatter::CurrencyFormatter(const CurrencyFormat& format)
     m_number.setMinimumFractionDigits(format.showFixedDigits ? format.digits : 0);
 }
 
-CurrencyFormatter::CurrencyFormatter(const model::Record* currency)
+CurrencyFormatter::CurrencyFormatter(const predicate::KeyPathSource* currency)
     : CurrencyFormatter(CurrencyFormat::fromRecord(currency))
 {}
 

@@ -20,7 +20,7 @@ class CurrencyFormatter
 public:
     explicit CurrencyFormatter(const CurrencyFormat& format);
     // initWithCurrency: the format of a `Currencies` record (the neutral format for none).
-    explicit CurrencyFormatter(const model::Record* currency);
+    explicit CurrencyFormatter(const predicate::KeyPathSource* currency);
 
     const CurrencyFormat& format() const { return m_format; }
     // The number with its currency mark; an empty text for NaN or infinity.

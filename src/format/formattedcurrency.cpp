@@ -4,7 +4,7 @@
 
 namespace corvanta::format {
 
-QString formattedCurrency(double number, const model::Record* currency)
+QString formattedCurrency(double number, const predicate::KeyPathSource* currency)
 {
     return CurrencyFormatter(currency).stringFromNumber(number);
 }

@@ -4,13 +4,13 @@
 
 namespace corvanta::format {
 
-NoDigitLimitNumberFormatter::NoDigitLimitNumberFormatter(const model::Record* defaultCurrency,
+NoDigitLimitNumberFormatter::NoDigitLimitNumberFormatter(const predicate::KeyPathSource* defaultCurrency,
                                                          const QLocale& system)
 {
     setDefaultFormat(defaultCurrency, system);
 }
 
-void NoDigitLimitNumberFormatter::setDefaultFormat(const model::Record* defaultCurrency,
+void NoDigitLimitNumberFormatter::setDefaultFormat(const predicate::KeyPathSource* defaultCurrency,
                                                    const QLocale& system)
 {
     const CurrencyFormat format = CurrencyFormat::fromRecord(defaultCurrency);

@@ -4,8 +4,8 @@
 
 #include <QLocale>
 
-namespace corvanta::model {
-class Record;
+namespace corvanta::predicate {
+class KeyPathSource;
 }
 
 namespace corvanta::format {
@@ -18,12 +18,12 @@ class NoDigitLimitNumberFormatter : public DecimalFormatter
 public:
     // Configured from the company's default currency at creation; `system` is the user's
     // locale (QLocale() in the program), which gives the decimal separator.
-    explicit NoDigitLimitNumberFormatter(const model::Record* defaultCurrency,
+    explicit NoDigitLimitNumberFormatter(const predicate::KeyPathSource* defaultCurrency,
                                          const QLocale& system = QLocale());
 
     // Never grouped; at most 6 fraction digits whatever the currency says, and at least the
     // currency's `digits` with `show_fixed_digits`; the decimal separator of `system`.
-    void setDefaultFormat(const model::Record* defaultCurrency, const QLocale& system = QLocale());
+    void setDefaultFormat(const predicate::KeyPathSource* defaultCurrency, const QLocale& system = QLocale());
 
     static constexpr int kMaximumFractionDigits = 6;
 };

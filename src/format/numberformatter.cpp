@@ -4,12 +4,12 @@
 
 namespace corvanta::format {
 
-NumberFormatter::NumberFormatter(const model::Record* defaultCurrency)
+NumberFormatter::NumberFormatter(const predicate::KeyPathSource* defaultCurrency)
 {
     setDefaultFormat(defaultCurrency);
 }
 
-void NumberFormatter::setDefaultFormat(const model::Record* defaultCurrency)
+void NumberFormatter::setDefaultFormat(const predicate::KeyPathSource* defaultCurrency)
 {
     const CurrencyFormat format = CurrencyFormat::fromRecord(defaultCurrency);
     setUsesGroupingSeparator(format.usesGrouping());

@@ -2,8 +2,8 @@
 
 #include "decimalformatter.h"
 
-namespace corvanta::model {
-class Record;
+namespace corvanta::predicate {
+class KeyPathSource;
 }
 
 namespace corvanta::format {
@@ -14,12 +14,12 @@ class NumberFormatter : public DecimalFormatter
 {
 public:
     // Configured from the company's default currency at creation.
-    explicit NumberFormatter(const model::Record* defaultCurrency);
+    explicit NumberFormatter(const predicate::KeyPathSource* defaultCurrency);
 
     // Grouping unless the currency's grouping separator is "none"; its grouping and decimal
     // separators; at most its `digits` fraction digits, and at least that many with
     // `show_fixed_digits`.
-    void setDefaultFormat(const model::Record* defaultCurrency);
+    void setDefaultFormat(const predicate::KeyPathSource* defaultCurrency);
 };
 
 } // namespace corvanta::format

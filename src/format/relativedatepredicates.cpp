@@ -1,10 +1,9 @@
 #include "relativedatepredicates.h"
 
+#include "formatlog.h"
 #include "predicate/formatter.h"
 #include "predicate/parser.h"
 #include "relativedates.h"
-
-#include <QDebug>
 
 namespace corvanta::format {
 
@@ -30,7 +29,7 @@ std::optional<Predicate> replaceRelativeDates(const std::optional<Predicate>& pr
         predicate::ParseError error;
         const std::optional<Predicate> reread = Parser::parse(text, records, &error);
         if (!reread) {
-            qWarning() << "replaceRelativeDates: cannot read" << text << error.message();
+            qCWarning(lcFormat) << "replaceRelativeDates: cannot read" << text << error.message();
             return std::nullopt;
         }
         current = *reread;

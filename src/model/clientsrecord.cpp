@@ -1,9 +1,13 @@
 #include "clientsrecord.h"
 
-#include "editingcontext.h"
-#include "store.h"
+#include "companycache.h"
 
 namespace corvanta::model {
+
+ClientsRecord::ClientsRecord(const Init& init, CompanyCache& settings)
+    : Record(init)
+    , m_settings(settings)
+{}
 
 QString ClientsRecord::fullName(qint64 type, const QString& companyName, const QString& firstName,
                                 const QString& lastName, qint64 firstNamePosition)
@@ -17,8 +21,7 @@ QString ClientsRecord::fullName(qint64 type, const QString& companyName, const Q
 
 void ClientsRecord::updateFullName()
 {
-    const qint64 position =
-        context()->store().cachedSetting(QStringLiteral("first_name_position")).toLongLong();
+    const qint64 position = m_settings.value(QStringLiteral("first_name_position")).toLongLong();
     const QString name = fullName(primitiveValue(QStringLiteral("type")).toLongLong(),
                                   primitiveValue(QStringLiteral("company_name")).toString(),
                                   primitiveValue(QStringLiteral("first_name")).toString(),

@@ -1,16 +1,18 @@
 #pragma once
 
-#include "record.h"
+#include "store/record.h"
 
 namespace corvanta::model {
+
+class CompanyCache;
 
 // A client record. Derives `full_name` from the kind and the name fields (with the
 // `first_name_position` setting for individuals) whenever it is loaded or one of them
 // changes, and stores `emails` and `phones` given as lists joined by ",".
-class ClientsRecord : public Record
+class ClientsRecord : public store::Record
 {
 public:
-    using Record::Record;
+    ClientsRecord(const Init& init, CompanyCache& settings);
 
     // The display name: the company name for a company or supplier (type 0 or 1); for an
     // individual first and last name, last name first when `firstNamePosition` is not 0.
@@ -26,6 +28,8 @@ protected:
 
 private:
     void updateFullName();
+
+    CompanyCache& m_settings;
 };
 
 } // namespace corvanta::model

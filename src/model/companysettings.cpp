@@ -1,8 +1,13 @@
 #include "companysettings.h"
 
-#include "editingcontext.h"
+#include "store/editingcontext.h"
 
 namespace corvanta::model {
+
+using store::EditingContext;
+using store::FetchRequest;
+using store::Record;
+using store::StoreError;
 
 using predicate::Predicate;
 

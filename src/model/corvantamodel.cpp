@@ -2,10 +2,13 @@
 
 namespace corvanta::model {
 
+using store::DataModel;
+using store::DataModelBuilder;
+
 namespace {
 
-using T = AttributeType;
-using R = DeleteRule;
+using T = store::AttributeType;
+using R = store::DeleteRule;
 
 QString s(const char* text)
 {
@@ -401,6 +404,8 @@ void defineOrganising(DataModelBuilder& b)
 DataModel buildModel()
 {
     DataModelBuilder b(QString::fromLatin1(kModelVersion));
+    b.setApplicationId(kApplicationId);
+    b.setVersionSetting(s("Settings"), s("key"), s("value"), s("version"));
     defineReferenceLists(b);
     b.entity(s("Templates"));
     b.entity(s("Categories"));

@@ -1,14 +1,21 @@
 #include "defaultrecords.h"
 
 #include "corvantamodel.h"
-#include "editingcontext.h"
-#include "storeerror.h"
+#include "modellog.h"
+#include "store/editingcontext.h"
+#include "store/storeerror.h"
 #include "systemcurrency.h"
 
 #include <QColor>
 #include <optional>
 
 namespace corvanta::model {
+
+using store::EditingContext;
+using store::FetchRequest;
+using store::Record;
+using store::report;
+using store::StoreError;
 
 namespace {
 
@@ -158,7 +165,8 @@ bool DefaultRecords::initDatabaseRecords(StoreError* error)
         m_foundVersion = version ? version->value(s("value")).toString() : QString();
         // Version 1.0 is the only data model so far: there is nothing to upgrade from.
         if (m_foundVersion != QLatin1String(kModelVersion))
-            qInfo("The company database records data-model version \"%s\".", qPrintable(m_foundVersion));
+            qCInfo(lcModel, "The company database records data-model version \"%s\".",
+                   qPrintable(m_foundVersion));
     }
     if (!m_context.save(error)) {
         if (m_inserted)

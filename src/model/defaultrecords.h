@@ -4,11 +4,13 @@
 #include <QString>
 #include <functional>
 
-namespace corvanta::model {
-
+namespace corvanta::store {
 class EditingContext;
 class Record;
 struct StoreError;
+} // namespace corvanta::store
+
+namespace corvanta::model {
 
 // The records every new company database starts with: settings, the company, units, taxes,
 // payment types, bank, due days, the sidebar tree, custom-field definitions, templates, the
@@ -21,29 +23,30 @@ class DefaultRecords
 public:
     // Inserts the templates shipped with the program and makes them the company's defaults.
     // Given by the program; the model itself knows no template files.
-    using TemplateInstaller = std::function<bool(EditingContext& context, Record* myCompany, QString* error)>;
+    using TemplateInstaller =
+        std::function<bool(store::EditingContext& context, store::Record* myCompany, QString* error)>;
 
-    explicit DefaultRecords(EditingContext& mainContext, TemplateInstaller installTemplates = {});
+    explicit DefaultRecords(store::EditingContext& mainContext, TemplateInstaller installTemplates = {});
 
     // Inserts the defaults when the database has no Settings rows, otherwise reads its
     // `version`; saves the context either way. On failure nothing is stored.
-    bool initDatabaseRecords(StoreError* error = nullptr);
+    bool initDatabaseRecords(store::StoreError* error = nullptr);
     // Whether the last run inserted the defaults.
     bool insertedDefaults() const { return m_inserted; }
     // The `version` setting the last run found in an existing database.
     const QString& foundVersion() const { return m_foundVersion; }
 
 private:
-    bool insertDefaults(StoreError* error);
+    bool insertDefaults(store::StoreError* error);
     void insertSettings();
-    Record* insertCompany();
-    void insertReferenceLists(Record* company);
-    void insertCategories(Record* company);
+    store::Record* insertCompany();
+    void insertReferenceLists(store::Record* company);
+    void insertCategories(store::Record* company);
     void insertCustomFieldDefinitions();
-    void insertCurrencies(Record* company);
+    void insertCurrencies(store::Record* company);
     void insertReportColumns();
 
-    EditingContext& m_context;
+    store::EditingContext& m_context;
     TemplateInstaller m_installTemplates;
     bool m_inserted = false;
     QString m_foundVersion;

@@ -1,7 +1,8 @@
 #include "shippedtemplates.h"
 
-#include "model/record.h"
+#include "store/record.h"
 #include "templatefileloader.h"
+#include "templateslog.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -39,7 +40,7 @@ const QList<ShippedTemplates::File>& ShippedTemplates::files()
     return files;
 }
 
-int ShippedTemplates::install(model::EditingContext& context, model::Record* myCompany)
+int ShippedTemplates::install(store::EditingContext& context, store::Record* myCompany)
 {
     TemplateFileLoader loader(context, m_templateFilesDirectory);
     int loaded = 0;
@@ -48,9 +49,9 @@ int ShippedTemplates::install(model::EditingContext& context, model::Record* myC
         if (!QFileInfo(file).isFile())
             continue;
         QString why;
-        model::Record* loadedTemplate = loader.load(file, &why);
+        store::Record* loadedTemplate = loader.load(file, &why);
         if (!loadedTemplate) {
-            qWarning("The template file %s is skipped: %s", qPrintable(file), qPrintable(why));
+            qCWarning(lcTemplates, "The template file %s is skipped: %s", qPrintable(file), qPrintable(why));
             continue;
         }
         if (myCompany)

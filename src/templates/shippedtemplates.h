@@ -4,10 +4,10 @@
 #include <QString>
 #include <QStringList>
 
-namespace corvanta::model {
+namespace corvanta::store {
 class EditingContext;
 class Record;
-} // namespace corvanta::model
+} // namespace corvanta::store
 
 namespace corvanta::templates {
 
@@ -36,7 +36,7 @@ public:
     // Loads every shipped file that is present and returns how many loaded. A file that cannot
     // be read is skipped with a warning: a damaged resource must not keep a new database from
     // starting, and the others still load.
-    int install(model::EditingContext& context, model::Record* myCompany);
+    int install(store::EditingContext& context, store::Record* myCompany);
 
 private:
     QString m_shippedFolder;

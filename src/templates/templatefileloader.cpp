@@ -1,11 +1,11 @@
 #include "templatefileloader.h"
 
-#include "model/editingcontext.h"
-#include "model/propertylist.h"
-#include "model/store.h"
-#include "model/uuid.h"
-#include "model/valueconversion.h"
-#include "model/zipreader.h"
+#include "store/editingcontext.h"
+#include "store/store.h"
+#include "store/valueconversion.h"
+#include "support/propertylist.h"
+#include "support/uuid.h"
+#include "support/zipreader.h"
 
 #include <QColor>
 #include <QDir>
@@ -15,9 +15,9 @@
 
 namespace corvanta::templates {
 
-using model::AttributeType;
-using model::EntityDescription;
-using model::Record;
+using store::AttributeType;
+using store::EntityDescription;
+using store::Record;
 
 namespace {
 
@@ -34,7 +34,7 @@ QVariant colourValue(const QVariant& stored)
         text = QString::fromUtf8(stored.toByteArray());
     else
         return {};
-    const QColor colour = model::valueconversion::toMemory(AttributeType::Colour, text).value<QColor>();
+    const QColor colour = store::valueconversion::toMemory(AttributeType::Colour, text).value<QColor>();
     return colour.isValid() ? QVariant(colour) : QVariant();
 }
 
@@ -42,7 +42,7 @@ QVariant colourValue(const QVariant& stored)
 // keys the entity does not know are left alone.
 void setAttributes(Record* record, const QVariantMap& values)
 {
-    for (const model::AttributeDescription& attribute : record->entity().attributes()) {
+    for (const store::AttributeDescription& attribute : record->entity().attributes()) {
         if (attribute.transient || !values.contains(attribute.name))
             continue;
         const QVariant value = values.value(attribute.name);
@@ -60,7 +60,7 @@ void setAttributes(Record* record, const QVariantMap& values)
 
 } // namespace
 
-TemplateFileLoader::TemplateFileLoader(model::EditingContext& context, const QString& templateFilesDirectory)
+TemplateFileLoader::TemplateFileLoader(store::EditingContext& context, const QString& templateFilesDirectory)
     : m_context(context)
     , m_templateFilesDirectory(templateFilesDirectory)
 {}
@@ -74,14 +74,14 @@ Record* TemplateFileLoader::load(const QString& file, QString* error)
     };
     const QString wrongFormat = tr("The file format is wrong.");
 
-    model::ZipReader zip(model::ZipReader::Limits{kMaxEntries, kMaxEntrySize, kMaxTotalSize});
+    support::ZipReader zip(support::ZipReader::Limits{kMaxEntries, kMaxEntrySize, kMaxTotalSize});
     QString why;
     if (!zip.open(file, &why))
         return fail(wrongFormat + QLatin1Char(' ') + why);
 
     // The archive holds one folder (or, from other writers, the files at its top).
     QString elementsEntry;
-    for (const model::ZipReader::Entry& entry : zip.entries()) {
+    for (const support::ZipReader::Entry& entry : zip.entries()) {
         if (entry.isFolder)
             continue;
         const QStringList parts = entry.name.split(QLatin1Char('/'));
@@ -98,7 +98,7 @@ Record* TemplateFileLoader::load(const QString& file, QString* error)
     const std::optional<QByteArray> data = zip.read(elementsEntry, &why);
     if (!data)
         return fail(wrongFormat + QLatin1Char(' ') + why);
-    const QVariant root = model::PropertyList::parse(*data, &why);
+    const QVariant root = support::PropertyList::parse(*data, &why);
     if (!root.isValid())
         return fail(wrongFormat + QLatin1Char(' ') +
                     tr("Its \"template_elements\" cannot be read: %1.").arg(why));
@@ -119,7 +119,7 @@ Record* TemplateFileLoader::load(const QString& file, QString* error)
             const QString picture = values.value(QStringLiteral("format")).toString();
             if (picture.isEmpty())
                 continue;
-            if (picture.contains(QLatin1Char('/')) || !model::ZipReader::isSafeName(picture))
+            if (picture.contains(QLatin1Char('/')) || !support::ZipReader::isSafeName(picture))
                 return fail(wrongFormat + QLatin1Char(' ') +
                             tr("The picture name \"%1\" is not allowed.").arg(picture));
             const bool present =
@@ -145,13 +145,13 @@ Record* TemplateFileLoader::load(const QString& file, QString* error)
     Record* templateRecord = m_context.insertRecord(QStringLiteral("Templates"));
     inserted.append(templateRecord);
     setAttributes(templateRecord, templateValues);
-    templateRecord->setValue(QStringLiteral("identifier"), model::UUID());
+    templateRecord->setValue(QStringLiteral("identifier"), support::UUID());
 
     for (const QVariantMap& values : elements) {
         Record* element = m_context.insertRecord(QStringLiteral("TemplateElements"));
         inserted.append(element);
         setAttributes(element, values);
-        const QString identifier = model::UUID();
+        const QString identifier = support::UUID();
         element->setValue(QStringLiteral("identifier"), identifier);
         element->setRelated(QStringLiteral("template"), templateRecord);
 

@@ -3,10 +3,10 @@
 #include <QCoreApplication>
 #include <QString>
 
-namespace corvanta::model {
+namespace corvanta::store {
 class EditingContext;
 class Record;
-} // namespace corvanta::model
+} // namespace corvanta::store
 
 namespace corvanta::templates {
 
@@ -25,13 +25,13 @@ public:
     static constexpr qint64 kMaxEntrySize = 32 * 1024 * 1024;
     static constexpr qint64 kMaxTotalSize = 128 * 1024 * 1024;
 
-    TemplateFileLoader(model::EditingContext& context, const QString& templateFilesDirectory);
+    TemplateFileLoader(store::EditingContext& context, const QString& templateFilesDirectory);
 
     // The new template, or null with `error` set.
-    model::Record* load(const QString& file, QString* error);
+    store::Record* load(const QString& file, QString* error);
 
 private:
-    model::EditingContext& m_context;
+    store::EditingContext& m_context;
     QString m_templateFilesDirectory;
 };
 

@@ -1,15 +1,22 @@
+#include "../companies/companiestestsupport.h"
 #include "app/applicationcore.h"
-#include "databasetestsupport.h"
-#include "model/databasemanager.h"
-#include "model/editingcontext.h"
-#include "model/store.h"
-#include "model/zipreader.h"
-#include "model/zipwriter.h"
+#include "app/companiesmenu.h"
+#include "companies/databasemanager.h"
+#include "support/zipreader.h"
+#include "support/zipwriter.h"
 
 using namespace corvanta;
-using namespace corvanta::model;
-using namespace corvanta::model::testing;
+using namespace corvanta::companies::testing;
 using app::ApplicationCore;
+using app::DatabaseMenuEntry;
+using store::EditingContext;
+using store::FetchRequest;
+using store::Record;
+using store::StoreError;
+using support::PropertyList;
+using support::ScriptedPrompter;
+using support::ZipReader;
+using support::ZipWriter;
 
 namespace {
 
@@ -32,7 +39,7 @@ void writeShippedTemplates(const QString& folder)
 int clients(const QString& database)
 {
     StoreError error;
-    auto store = Store::open(database, &error);
+    auto store = model::CompanyDatabase::open(database, &error);
     return store ? store->mainContext().count(FetchRequest(s("Clients"))) : -1;
 }
 
@@ -68,7 +75,7 @@ void tst_ApplicationCore::firstAndSecondStart()
         QCOMPARE(core.myCompany()->value(s("name")).toString(), s("My Company"));
         QCOMPARE(core.myCompany()->valueForKeyPath(s("default_template_invoice.name")).toString(),
                  s("invoice2"));
-        const QList<DatabaseMenuEntry>& menu = core.databaseManager()->myCompaniesMenu();
+        const QList<DatabaseMenuEntry>& menu = core.companiesMenu()->myCompaniesMenu();
         QCOMPARE(menu.size(), 6);
         QCOMPARE(menu.last().title, s("My Company"));
         QVERIFY(menu.last().checked);

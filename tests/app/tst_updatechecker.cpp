@@ -1,5 +1,5 @@
 #include "app/updatechecker.h"
-#include "model/scriptedprompter.h"
+#include "support/scriptedprompter.h"
 
 #include <QElapsedTimer>
 #include <QTcpServer>
@@ -8,7 +8,7 @@
 
 using namespace corvanta;
 using app::UpdateChecker;
-using model::ScriptedPrompter;
+using support::ScriptedPrompter;
 
 namespace {
 

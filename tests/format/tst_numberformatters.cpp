@@ -1,11 +1,12 @@
 #include "format/nodigitlimitnumberformatter.h"
 #include "format/numberformatter.h"
-#include "storetestsupport.h"
+#include "modeltestsupport.h"
 
 #include <QTest>
 
 using namespace corvanta::format;
 using namespace corvanta::model;
+using namespace corvanta::store;
 using namespace corvanta::model::testing;
 
 namespace {
@@ -26,7 +27,7 @@ class tst_NumberFormatters : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { m_store = std::make_unique<ScratchStore>(); }
+    void init() { m_store = std::make_unique<ScratchCompany>(); }
     void cleanup() { m_store.reset(); }
 
     void entryFields_data();
@@ -48,7 +49,7 @@ private:
                               {s("show_fixed_digits"), c.fixed}});
     }
 
-    std::unique_ptr<ScratchStore> m_store;
+    std::unique_ptr<ScratchCompany> m_store;
 };
 
 Q_DECLARE_METATYPE(Currency)

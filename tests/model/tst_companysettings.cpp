@@ -1,7 +1,9 @@
 #include "model/companysettings.h"
-#include "storetestsupport.h"
+#include "modeltestsupport.h"
 
 using namespace corvanta::model;
+using namespace corvanta::store;
+
 using namespace corvanta::model::testing;
 
 class tst_CompanySettings : public QObject
@@ -17,7 +19,7 @@ private Q_SLOTS:
 
 void tst_CompanySettings::readsEveryRowAfresh()
 {
-    ScratchStore st;
+    ScratchCompany st;
     EditingContext& c = st.main();
     c.insertRecord(s("Settings"), {{s("key"), s("print_copy_invoice")}, {s("value"), 2}, {s("id"), 0}});
     c.insertRecord(s("Settings"),
@@ -42,7 +44,7 @@ void tst_CompanySettings::readsEveryRowAfresh()
 
 void tst_CompanySettings::setsExistingKey()
 {
-    ScratchStore st;
+    ScratchCompany st;
     EditingContext& c = st.main();
     c.insertRecord(s("Settings"), {{s("key"), s("use_warehouse")}, {s("value"), 1}});
     saveOrFail(c);
@@ -55,7 +57,7 @@ void tst_CompanySettings::setsExistingKey()
 
 void tst_CompanySettings::unknownKeyStoresNothingButSaves()
 {
-    ScratchStore st;
+    ScratchCompany st;
     EditingContext& c = st.main();
     CompanySettings settings(c);
     c.insertRecord(s("Units"), {{s("name"), s("Pending")}}); // an edit waiting in the main context
@@ -68,7 +70,7 @@ void tst_CompanySettings::unknownKeyStoresNothingButSaves()
 
 void tst_CompanySettings::namePositionRenamesStoredClients()
 {
-    ScratchStore st;
+    ScratchCompany st;
     EditingContext& c = st.main();
     c.insertRecord(s("Settings"), {{s("key"), s("first_name_position")}, {s("value"), 0}});
     c.insertRecord(s("Clients"), {{s("type"), 2}, {s("first_name"), s("Ann")}, {s("last_name"), s("Lee")}});

@@ -1,8 +1,12 @@
 #include "model/corvantamodel.h"
-
-#include <QTest>
+#include "modeltestsupport.h"
+#include "predicate/literal.h"
 
 using namespace corvanta::model;
+using namespace corvanta::model::testing;
+using namespace corvanta::store;
+
+Q_DECLARE_METATYPE(corvanta::predicate::Predicate)
 
 class tst_DataModel : public QObject
 {
@@ -10,12 +14,11 @@ class tst_DataModel : public QObject
 
 private Q_SLOTS:
     void everyRelationshipHasItsInverse();
-    void attributes_data();
-    void attributes();
     void relationships_data();
     void relationships();
     void companyDefaultsAreNamedForTheirKind();
-    void transientAttributesAreNotColumns();
+    void historySearchesReadIndexesOnly_data();
+    void historySearchesReadIndexesOnly();
 };
 
 void tst_DataModel::everyRelationshipHasItsInverse()
@@ -34,77 +37,6 @@ void tst_DataModel::everyRelationshipHasItsInverse()
                          qPrintable(entity.name() + QLatin1Char('.') + r.name));
         }
     }
-}
-
-void tst_DataModel::attributes_data()
-{
-    QTest::addColumn<QString>("entity");
-    QTest::addColumn<QString>("attribute");
-    QTest::addColumn<int>("type");
-    const auto row = [](const char* entity, const char* attribute, AttributeType type) {
-        QTest::addRow("%s.%s", entity, attribute)
-            << QString::fromLatin1(entity) << QString::fromLatin1(attribute) << int(type);
-    };
-    using T = AttributeType;
-    row("Settings", "key", T::String);
-    row("Settings", "value", T::Variant);
-    row("Settings", "id", T::Integer);
-    row("MyCompany", "custom10", T::String);
-    row("Clients", "full_name", T::String);
-    row("Clients", "identifier", T::String);
-    row("Clients", "custom10", T::String);
-    row("Clients", "created", T::Date);
-    row("Items", "use_warehouse", T::Boolean);
-    row("Items", "custom_price05", T::Decimal);
-    row("Items", "stock_critical", T::Decimal);
-    row("Warehouse", "quantity", T::Decimal);
-    row("Currencies", "show_fixed_digits", T::Boolean);
-    row("Currencies", "sample", T::String);
-    row("DueDays", "type", T::Integer);
-    row("Compose", "hidden", T::Boolean);
-    row("Documents", "identifier", T::String);
-    row("Documents", "draft", T::Boolean);
-    row("Documents", "date_due", T::Date);
-    row("Documents", "client_type", T::Integer);
-    row("Documents", "client_custom10", T::String);
-    row("Documents", "my_custom10", T::String);
-    row("Documents", "sum_total", T::Decimal);
-    row("DocumentRows", "note", T::String);
-    row("DocumentRows", "type", T::Integer);
-    row("DocumentRows", "tax_value", T::String);
-    row("DocumentRows", "default_currency_tax2_value", T::Decimal);
-    row("DocumentSummaries", "tax_cumulative", T::Boolean);
-    row("DocumentRowNotes", "note", T::String);
-    row("Payments", "date", T::Date);
-    row("Templates", "unit", T::Integer);
-    row("Templates", "margin_bottom", T::Decimal);
-    row("Templates", "show_grid", T::Boolean);
-    row("Templates", "grid_spacing", T::Decimal);
-    row("Templates", "zoom", T::Integer);
-    row("TemplateElements", "page_side", T::Integer);
-    row("TemplateElements", "font_family", T::String);
-    row("TemplateElements", "font_member", T::String);
-    row("TemplateElements", "font_color", T::Colour);
-    row("TemplateElements", "scale_proportionally", T::Boolean);
-    row("ReportColumns", "hidden", T::Boolean);
-    row("Categories", "predicate", T::String);
-    row("Categories", "background_color", T::Colour);
-    row("ToDos", "desc", T::String);
-    row("ToDos", "repeat_weekdays", T::IntegerSet);
-    row("ToDos", "repeat_end_date", T::Date);
-}
-
-void tst_DataModel::attributes()
-{
-    QFETCH(QString, entity);
-    QFETCH(QString, attribute);
-    QFETCH(int, type);
-    const EntityDescription* e = corvantaDataModel().entity(entity);
-    QVERIFY(e);
-    const AttributeDescription* a = e->attribute(attribute);
-    QVERIFY2(a, qPrintable(attribute));
-    QCOMPARE(int(a->type), type);
-    QVERIFY(e->columns().contains(attribute));
 }
 
 void tst_DataModel::relationships_data()
@@ -186,13 +118,47 @@ void tst_DataModel::companyDefaultsAreNamedForTheirKind()
         QVERIFY(company->relationship(QStringLiteral("default_template_") + QLatin1String(type)));
 }
 
-void tst_DataModel::transientAttributesAreNotColumns()
+// The searches that run over a company's whole history, as stock and numbering make them, must be
+// answered by the model's covering indexes alone.
+void tst_DataModel::historySearchesReadIndexesOnly_data()
 {
-    const EntityDescription* clients = corvantaDataModel().entity(QStringLiteral("Clients"));
-    QVERIFY(clients->attribute(QStringLiteral("documents_sum_total"))->transient);
-    QVERIFY(!clients->columns().contains(QStringLiteral("documents_sum_total")));
-    QVERIFY(clients->columns().contains(QStringLiteral("default_address")));
-    QVERIFY(!clients->columns().contains(QStringLiteral("addresses")));
+    QTest::addColumn<QString>("entity");
+    QTest::addColumn<corvanta::predicate::Predicate>("predicate");
+    QTest::addColumn<int>("function");
+    QTest::addColumn<QString>("keyPath");
+    QTest::addColumn<QString>("index");
+    const QVariant item = QVariant::fromValue(corvanta::predicate::RecordRef{s("Items"), 1});
+    const QVariant document = QVariant::fromValue(corvanta::predicate::RecordRef{s("Documents"), 2});
+    QTest::newRow("sold quantity of an item")
+        << s("DocumentRows")
+        << corvanta::predicate::literal(
+               "item == %@ && document.type == 0 && document.draft == NO && NOT (document IN %@)",
+               {item, QVariantList{document}})
+        << int(Aggregate::Sum) << s("quantity") << s("DocumentRows_item_document_quantity");
+    QTest::newRow("deliveries of an item")
+        << s("Warehouse") << corvanta::predicate::literal("item == %@", {item}) << int(Aggregate::Sum)
+        << s("quantity") << s("Warehouse_item_quantity");
+    QTest::newRow("highest number of a year")
+        << s("Documents")
+        << corvanta::predicate::literal(
+               "type == %ld && date_creation >= %@ && date_creation <= %@ && draft != 1",
+               {0, QDateTime(QDate(2024, 1, 1), QTime(0, 0)), QDateTime(QDate(2024, 12, 31), QTime(23, 59))})
+        << int(Aggregate::Max) << s("number") << s("Documents_type_date_creation_draft_number");
+}
+
+void tst_DataModel::historySearchesReadIndexesOnly()
+{
+    QFETCH(QString, entity);
+    QFETCH(corvanta::predicate::Predicate, predicate);
+    QFETCH(int, function);
+    QFETCH(QString, keyPath);
+    QFETCH(QString, index);
+    ScratchCompany company;
+    const QueryPlan plan =
+        company.store().explain(FetchRequest(entity, predicate), Aggregate(function), keyPath);
+    const QString steps = plan.steps.join(QLatin1Char('\n'));
+    QVERIFY2(!steps.isEmpty() && !steps.contains(s("SCAN")), qPrintable(plan.statement + s("\n") + steps));
+    QVERIFY2(steps.contains(s("COVERING INDEX ") + index), qPrintable(steps));
 }
 
 QTEST_GUILESS_MAIN(tst_DataModel)

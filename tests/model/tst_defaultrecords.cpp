@@ -1,10 +1,12 @@
 #include "model/companysettings.h"
 #include "model/defaultrecords.h"
-#include "storetestsupport.h"
+#include "modeltestsupport.h"
 
 #include <QColor>
 
 using namespace corvanta::model;
+using namespace corvanta::store;
+
 using namespace corvanta::model::testing;
 using Op = corvanta::predicate::Predicate::Operator;
 
@@ -62,7 +64,7 @@ private Q_SLOTS:
     void secondStartInsertsNothing();
 
 private:
-    ScratchStore m_store;
+    ScratchCompany m_store;
 };
 
 void tst_DefaultRecords::initTestCase()
@@ -275,7 +277,7 @@ void tst_DefaultRecords::reportColumns()
 
 void tst_DefaultRecords::templatesComeBetweenCustomFieldsAndEmailTemplates()
 {
-    ScratchStore st;
+    ScratchCompany st;
     int composeSeen = -1;
     int emailTemplatesSeen = -1;
     Record* companySeen = nullptr;
@@ -300,7 +302,7 @@ void tst_DefaultRecords::templatesComeBetweenCustomFieldsAndEmailTemplates()
 
 void tst_DefaultRecords::failedTemplatesStoreNothing()
 {
-    ScratchStore st;
+    ScratchCompany st;
     DefaultRecords defaults(st.main(), [](EditingContext&, Record*, QString* error) {
         *error = s("The file format is wrong.");
         return false;

@@ -1,11 +1,13 @@
+#include "modeltestsupport.h"
 #include "predicate/evaluator.h"
 #include "predicate/formatter.h"
 #include "predicate/parser.h"
-#include "storetestsupport.h"
 
 #include <QDateTime>
 
 using namespace corvanta::model;
+using namespace corvanta::store;
+
 using namespace corvanta::model::testing;
 using namespace corvanta::predicate;
 
@@ -37,7 +39,7 @@ private:
     QVariant argument(const QString& token) const;
     QString labelOf(const Record* r) const { return m_labels.value(r->ref()); }
 
-    std::unique_ptr<ScratchStore> m_store;
+    std::unique_ptr<ScratchCompany> m_store;
     QHash<QString, RecordRef> m_refs;
     QHash<RecordRef, QString> m_labels;
 };
@@ -64,7 +66,7 @@ QVariant tst_Predicates::argument(const QString& token) const
 
 void tst_Predicates::initTestCase()
 {
-    m_store = std::make_unique<ScratchStore>();
+    m_store = std::make_unique<ScratchCompany>();
     const auto r = [this](const char* label) { return QVariant::fromValue(m_refs.value(s(label))); };
 
     add("version", "Settings", {{s("key"), s("version")}, {s("value"), s("1.0")}});

@@ -1,7 +1,7 @@
 #include "model/defaultrecords.h"
-#include "model/propertylist.h"
-#include "model/zipwriter.h"
-#include "storetestsupport.h"
+#include "modeltestsupport.h"
+#include "support/propertylist.h"
+#include "support/zipwriter.h"
 #include "templates/shippedtemplates.h"
 #include "templates/templatefileloader.h"
 
@@ -11,7 +11,10 @@
 
 using namespace corvanta;
 using namespace corvanta::model;
+using namespace corvanta::store;
 using namespace corvanta::model::testing;
+using support::PropertyList;
+using support::ZipWriter;
 using templates::ShippedTemplates;
 using templates::TemplateFileLoader;
 
@@ -84,7 +87,7 @@ void tst_TemplateFileLoader::loadsTemplateAndElements()
     QTemporaryDir dir;
     const QString file = dir.filePath(s("Invoice.corvanta"));
     writeArchive(file, sampleTemplate(s("Invoice"), 0));
-    ScratchStore st;
+    ScratchCompany st;
     const QString pictures = dir.filePath(s("templates"));
     TemplateFileLoader loader(st.main(), pictures);
     QString error;
@@ -178,7 +181,7 @@ void tst_TemplateFileLoader::badFilesLeaveNothing()
     } else {
         writeArchive(file, entries);
     }
-    ScratchStore st;
+    ScratchCompany st;
     TemplateFileLoader loader(st.main(), dir.filePath(s("templates")));
     QString why;
     QVERIFY(!loader.load(file, &why));
@@ -195,7 +198,7 @@ void tst_TemplateFileLoader::shippedTemplatesBecomeDefaults()
     writeArchive(shipped.filePath(s("report_summary_item.corvanta")), sampleTemplate(s("Items"), 130));
     writeArchive(shipped.filePath(s("quotation.corvanta")), {{s("Q/template_elements"), "damaged"}});
     QTemporaryDir pictures;
-    ScratchStore st;
+    ScratchCompany st;
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(s("quotation.corvanta is skipped")));
     DefaultRecords defaults(st.main(), [&](EditingContext& context, Record* company, QString*) {
         return ShippedTemplates(shipped.path(), pictures.path()).install(context, company) == 3;

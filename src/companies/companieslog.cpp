@@ -1,0 +1,7 @@
+#include "companieslog.h"
+
+namespace corvanta::companies {
+
+Q_LOGGING_CATEGORY(lcCompanies, "corvanta.companies")
+
+} // namespace corvanta::companies

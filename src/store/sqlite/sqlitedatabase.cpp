@@ -1,0 +1,464 @@
+#include "sqlitedatabase.h"
+
+#include "schema.h"
+#include "sqlitefunctions.h"
+#include "sqlitestatement.h"
+#include "store/datamodel.h"
+#include "store/valueconversion.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QSqlDriver>
+#include <QSqlError>
+#include <QVersionNumber>
+#include <atomic>
+
+namespace corvanta::store {
+
+namespace {
+
+QString nextConnectionName()
+{
+    static std::atomic<int> counter{0};
+    return QStringLiteral("corvanta-store-%1").arg(++counter);
+}
+
+QString quoted(const QString& name)
+{
+    return SqlCompiler::quoted(name);
+}
+
+} // namespace
+
+SqliteDatabase::SqliteDatabase(const DataModel* model)
+    : m_model(model)
+    , m_connectionName(nextConnectionName())
+    , m_insertStatements(model ? size_t(model->entities().size()) : 0)
+{}
+
+SqliteDatabase::~SqliteDatabase()
+{
+    m_insertStatements.clear();
+    m_statements.clear();
+    if (QSqlDatabase::contains(m_connectionName)) {
+        {
+            QSqlDatabase db = QSqlDatabase::database(m_connectionName, false);
+            db.close();
+        }
+        QSqlDatabase::removeDatabase(m_connectionName);
+    }
+}
+
+QSqlDatabase SqliteDatabase::connection() const
+{
+    return QSqlDatabase::database(m_connectionName, false);
+}
+
+bool SqliteDatabase::openConnection(const QString& path, const QString& options, QString* error)
+{
+    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connectionName);
+    db.setDatabaseName(path);
+    db.setConnectOptions(options);
+    if (!db.open()) {
+        *error = db.lastError().text();
+        return false;
+    }
+    return true;
+}
+
+bool SqliteDatabase::openReadOnly(const QString& path, QString* error)
+{
+    if (!QFileInfo(path).isFile()) {
+        *error = tr("The database \"%1\" does not exist.").arg(path);
+        return false;
+    }
+    return openConnection(path, QStringLiteral("QSQLITE_OPEN_READONLY;QSQLITE_BUSY_TIMEOUT=5000"), error);
+}
+
+bool SqliteDatabase::open(const QString& path, QString* storedVersion, StoreError* error)
+{
+    QString why;
+    if (!openConnection(path, QStringLiteral("QSQLITE_BUSY_TIMEOUT=5000"), &why)) {
+        report(error, StoreError::make(StoreError::NotWritable,
+                                       tr("The company database \"%1\" cannot be opened.").arg(path), why));
+        return false;
+    }
+    if (!checkOwnership(path, storedVersion, error))
+        return false;
+
+    QSqlQuery q(connection());
+    q.exec(QStringLiteral("PRAGMA journal_mode = WAL"));
+    q.exec(QStringLiteral("PRAGMA synchronous = FULL"));
+    q.exec(QStringLiteral("PRAGMA foreign_keys = ON"));
+    // A company's whole history keeps many indexes busy; a larger cache keeps saves from
+    // slowing down as the file grows.
+    q.exec(QStringLiteral("PRAGMA cache_size = -32768"));
+    q.finish();
+
+    const QVariant handle = connection().driver()->handle();
+    if (handle.isValid() && qstrcmp(handle.typeName(), "sqlite3*") == 0)
+        m_handle = *static_cast<sqlite3* const*>(handle.data());
+    if (!m_handle || !sqlitefunctions::registerAll(m_handle)) {
+        report(error, StoreError::make(StoreError::StoreInitFailed, tr("Failed to initialize the store"),
+                                       tr("There was an error building up the data file.")));
+        return false;
+    }
+
+    QSqlDatabase db = connection();
+    if (!schema::migrate(db, *m_model, &why)) {
+        report(error, StoreError::make(
+                          StoreError::StoreInitFailed,
+                          tr("The company database \"%1\" could not be brought up to date.").arg(path), why));
+        return false;
+    }
+    return true;
+}
+
+// A file is ours when it carries the model's application id, or when it is new: no tables at
+// all, or those of a file written before the id was set. A data model of a newer major version
+// than ours is refused before anything is changed.
+bool SqliteDatabase::checkOwnership(const QString& path, QString* storedVersion, StoreError* error)
+{
+    QSqlQuery q(connection());
+    const auto notOurs = [&](const QString& reason) {
+        report(error,
+               StoreError::make(StoreError::NotADatabase,
+                                tr("The file \"%1\" is not a Corvanta company database.").arg(path), reason));
+        return false;
+    };
+    if (!q.exec(QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'table'")))
+        return notOurs(q.lastError().databaseText());
+    QStringList tables;
+    while (q.next())
+        tables << q.value(0).toString();
+    if (!q.exec(QStringLiteral("PRAGMA application_id")) || !q.next())
+        return notOurs(q.lastError().databaseText());
+    const int applicationId = q.value(0).toInt();
+    if (applicationId != 0 && applicationId != m_model->applicationId())
+        return notOurs(tr("It belongs to another program."));
+    const bool holdsModelTables =
+        std::any_of(m_model->entities().begin(), m_model->entities().end(),
+                    [&](const EntityDescription& e) { return tables.contains(e.name()); });
+    if (applicationId == 0 && !tables.isEmpty() && !holdsModelTables)
+        return notOurs(tr("It holds tables of another program."));
+
+    const DataModel::VersionSetting& setting = m_model->versionSetting();
+    storedVersion->clear();
+    if (!setting.entity.isEmpty() && tables.contains(setting.entity) &&
+        q.prepare(
+            QStringLiteral("SELECT %1 FROM %2 WHERE %3 = ?")
+                .arg(quoted(setting.valueAttribute), quoted(setting.entity), quoted(setting.keyAttribute)))) {
+        q.addBindValue(setting.key);
+        if (q.exec() && q.next())
+            *storedVersion = q.value(0).toString();
+    }
+    q.finish();
+    const QVersionNumber stored = QVersionNumber::fromString(*storedVersion);
+    if (!storedVersion->isEmpty() &&
+        stored.majorVersion() > QVersionNumber::fromString(m_model->version()).majorVersion()) {
+        report(
+            error,
+            StoreError::make(
+                StoreError::StoreInitFailed,
+                tr("The company database \"%1\" was made by a newer version of Corvanta.").arg(path),
+                tr("Its data model is %1; this version knows %2.").arg(*storedVersion, m_model->version())));
+        return false;
+    }
+    return true;
+}
+
+qint64 SqliteDatabase::largestKey(const EntityDescription& entity)
+{
+    QSqlQuery q(connection());
+    if (q.exec(QStringLiteral("SELECT max(pk) FROM %1").arg(quoted(entity.name()))) && q.next())
+        return q.value(0).toLongLong();
+    return 0;
+}
+
+QSqlQuery* SqliteDatabase::prepared(const QString& sql, QString* error)
+{
+    const auto it = m_statements.find(sql);
+    if (it != m_statements.end())
+        return it->second.get();
+    auto query = std::make_unique<QSqlQuery>(connection());
+    query->setForwardOnly(true);
+    if (!query->prepare(sql)) {
+        *error = query->lastError().text();
+        return nullptr;
+    }
+    QSqlQuery* raw = query.get();
+    m_statements.emplace(sql, std::move(query));
+    return raw;
+}
+
+bool SqliteDatabase::exec(QSqlQuery* query, QString* error)
+{
+    const bool ok = query->exec();
+    if (!ok)
+        *error = query->lastError().text();
+    query->finish();
+    return ok;
+}
+
+bool SqliteDatabase::run(const QString& sql, const QVariantList& values, QString* error)
+{
+    QSqlQuery* query = prepared(sql, error);
+    if (!query)
+        return false;
+    for (qsizetype i = 0; i < values.size(); ++i)
+        query->bindValue(int(i), values.at(i));
+    return exec(query, error);
+}
+
+bool SqliteDatabase::readRecord(const EntityDescription& entity, qint64 pk,
+                                const std::function<void(const ResultRow&)>& read, QString* error)
+{
+    QString columns = QStringLiteral("pk");
+    for (const QString& column : entity.columns())
+        columns += QLatin1String(", ") + quoted(column);
+    QSqlQuery* query =
+        prepared(QStringLiteral("SELECT %1 FROM %2 WHERE pk = ?").arg(columns, quoted(entity.name())), error);
+    if (!query)
+        return false;
+    query->bindValue(0, pk);
+    if (!query->exec()) {
+        *error = query->lastError().text();
+        return false;
+    }
+    const bool found = query->next();
+    if (found)
+        read(ResultRow(*query));
+    query->finish();
+    return found;
+}
+
+std::optional<QList<qint64>> SqliteDatabase::relatedKeys(const RelationshipDescription& relationship,
+                                                         qint64 owner, QString* error)
+{
+    QString sql;
+    if (relationship.storage == RelationshipStorage::JoinTable) {
+        const char* own = relationship.joinOwner ? "source" : "target";
+        const char* other = relationship.joinOwner ? "target" : "source";
+        sql = QStringLiteral("SELECT %1 FROM %2 WHERE %3 = ? ORDER BY %1")
+                  .arg(QLatin1String(other), quoted(relationship.joinTable), QLatin1String(own));
+    } else {
+        sql = QStringLiteral("SELECT pk FROM %1 WHERE %2 = ? ORDER BY pk")
+                  .arg(quoted(relationship.destination), quoted(m_model->inverseOf(relationship).name));
+    }
+    QSqlQuery* query = prepared(sql, error);
+    if (!query)
+        return std::nullopt;
+    query->bindValue(0, owner);
+    if (!query->exec()) {
+        *error = query->lastError().text();
+        return std::nullopt;
+    }
+    QList<qint64> keys;
+    while (query->next())
+        keys << query->value(0).toLongLong();
+    query->finish();
+    return keys;
+}
+
+bool SqliteDatabase::select(const FetchRequest& request,
+                            const std::function<void(qint64 pk, const ResultRow&)>& each, StoreError* error)
+{
+    const std::optional<SqlStatement> statement = SqlCompiler(*m_model).select(request, error);
+    if (!statement)
+        return false;
+    QString why;
+    QSqlQuery* query = prepared(statement->text, &why);
+    if (!query) {
+        report(error, StoreError::make(StoreError::InvalidFetch, tr("The records could not be read."), why));
+        return false;
+    }
+    for (qsizetype i = 0; i < statement->bindings.size(); ++i)
+        query->bindValue(int(i), statement->bindings.at(i));
+    if (!query->exec()) {
+        report(error, StoreError::make(StoreError::InvalidFetch, tr("The records could not be read."),
+                                       query->lastError().text()));
+        query->finish();
+        return false;
+    }
+    const ResultRow row(*query);
+    while (query->next())
+        each(query->value(0).toLongLong(), row);
+    query->finish();
+    return true;
+}
+
+std::optional<QVariant> SqliteDatabase::scalar(const std::optional<SqlStatement>& statement,
+                                               const QString& failure, StoreError* error)
+{
+    if (!statement)
+        return std::nullopt;
+    QString why;
+    QSqlQuery* query = prepared(statement->text, &why);
+    if (!query) {
+        report(error, StoreError::make(StoreError::InvalidFetch, failure, why));
+        return std::nullopt;
+    }
+    for (qsizetype i = 0; i < statement->bindings.size(); ++i)
+        query->bindValue(int(i), statement->bindings.at(i));
+    std::optional<QVariant> result;
+    if (query->exec() && query->next())
+        result = query->value(0);
+    else
+        report(error, StoreError::make(StoreError::InvalidFetch, failure, query->lastError().text()));
+    query->finish();
+    return result;
+}
+
+std::optional<qint64> SqliteDatabase::count(const FetchRequest& request, StoreError* error)
+{
+    const std::optional<QVariant> result =
+        scalar(SqlCompiler(*m_model).count(request, error), tr("The records could not be counted."), error);
+    return result ? std::optional<qint64>(result->toLongLong()) : std::nullopt;
+}
+
+std::optional<QVariant> SqliteDatabase::aggregate(const FetchRequest& request, Aggregate function,
+                                                  const QString& keyPath, StoreError* error)
+{
+    return scalar(SqlCompiler(*m_model).aggregate(request, function, keyPath, error),
+                  tr("The records could not be added up."), error);
+}
+
+QueryPlan SqliteDatabase::explain(const FetchRequest& request, Aggregate function, const QString& keyPath)
+{
+    QueryPlan plan;
+    const std::optional<SqlStatement> statement = SqlCompiler(*m_model).aggregate(request, function, keyPath);
+    if (!statement)
+        return plan;
+    plan.statement = statement->text;
+    QSqlQuery query(connection());
+    if (!query.prepare(QStringLiteral("EXPLAIN QUERY PLAN ") + statement->text))
+        return plan;
+    for (qsizetype i = 0; i < statement->bindings.size(); ++i)
+        query.bindValue(int(i), statement->bindings.at(i));
+    if (query.exec()) {
+        while (query.next())
+            plan.steps << query.value(3).toString();
+    }
+    return plan;
+}
+
+bool SqliteDatabase::begin(QString* error)
+{
+    QSqlQuery control(connection());
+    if (!control.exec(QStringLiteral("BEGIN IMMEDIATE"))) {
+        *error = control.lastError().text();
+        return false;
+    }
+    // Records may be written before the records they point at, within one save.
+    control.exec(QStringLiteral("PRAGMA defer_foreign_keys = ON"));
+    return true;
+}
+
+bool SqliteDatabase::commit(QString* error)
+{
+    QSqlQuery control(connection());
+    if (control.exec(QStringLiteral("COMMIT")))
+        return true;
+    *error = control.lastError().text();
+    return false;
+}
+
+void SqliteDatabase::rollback()
+{
+    QSqlQuery control(connection());
+    control.exec(QStringLiteral("ROLLBACK"));
+}
+
+bool SqliteDatabase::insertRecord(const EntityDescription& entity, qint64 pk,
+                                  const std::vector<QVariant>& slotValues, QString* error)
+{
+    // Written through SQLite directly: binding through Qt costs more per value than SQLite's
+    // own work, and a record binds dozens of values.
+    std::unique_ptr<SqliteStatement>& insert = m_insertStatements[size_t(entity.index())];
+    if (!insert) {
+        QStringList names{QStringLiteral("pk")};
+        QStringList marks{QStringLiteral("?")};
+        for (const QString& column : entity.columns()) {
+            names << quoted(column);
+            marks << QStringLiteral("?");
+        }
+        insert = SqliteStatement::prepare(
+            m_handle,
+            QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
+                .arg(quoted(entity.name()), names.join(QLatin1String(", ")), marks.join(QLatin1String(", "))),
+            error);
+        if (!insert)
+            return false;
+    }
+    insert->bind(0, pk);
+    const QList<int>& slots = entity.columnSlots();
+    const QList<AttributeType>& types = entity.columnTypes();
+    for (qsizetype i = 0; i < slots.size(); ++i) {
+        const QVariant& value = slotValues[size_t(slots.at(i))];
+        if (!value.isNull())
+            insert->bind(int(i) + 1, valueconversion::toSql(types.at(i), value));
+    }
+    return insert->run(error);
+}
+
+bool SqliteDatabase::updateRecord(const EntityDescription& entity, qint64 pk, const QList<int>& columns,
+                                  const std::vector<QVariant>& slotValues, QString* error)
+{
+    QStringList assignments;
+    QVariantList values;
+    for (int column : columns) {
+        assignments << quoted(entity.columns().at(column)) + QLatin1String(" = ?");
+        values << valueconversion::toSql(entity.columnTypes().at(column),
+                                         slotValues[size_t(entity.columnSlots().at(column))]);
+    }
+    values << pk;
+    return run(QStringLiteral("UPDATE %1 SET %2 WHERE pk = ?")
+                   .arg(quoted(entity.name()), assignments.join(QLatin1String(", "))),
+               values, error);
+}
+
+bool SqliteDatabase::deleteRecord(const EntityDescription& entity, qint64 pk, QString* error)
+{
+    return run(QStringLiteral("DELETE FROM %1 WHERE pk = ?").arg(quoted(entity.name())), {pk}, error);
+}
+
+bool SqliteDatabase::addPair(const QString& joinTable, qint64 source, qint64 target, QString* error)
+{
+    return run(
+        QStringLiteral("INSERT OR IGNORE INTO %1 (source, target) VALUES (?, ?)").arg(quoted(joinTable)),
+        {source, target}, error);
+}
+
+bool SqliteDatabase::removePair(const QString& joinTable, qint64 source, qint64 target, QString* error)
+{
+    return run(QStringLiteral("DELETE FROM %1 WHERE source = ? AND target = ?").arg(quoted(joinTable)),
+               {source, target}, error);
+}
+
+bool SqliteDatabase::writeCopy(const QString& path, QString* error)
+{
+    if (QFileInfo::exists(path)) {
+        *error = tr("The copy \"%1\" already exists.").arg(path);
+        return false;
+    }
+    QSqlQuery q(connection());
+    q.prepare(QStringLiteral("VACUUM INTO ?"));
+    q.addBindValue(path);
+    if (!q.exec()) {
+        *error = q.lastError().text();
+        QFile::remove(path);
+        return false;
+    }
+    return true;
+}
+
+QVariant SqliteDatabase::firstValue(const QString& table, const QString& column)
+{
+    QSqlQuery q(connection());
+    if (q.exec(QStringLiteral("SELECT %1 FROM %2 ORDER BY pk LIMIT 1").arg(quoted(column), quoted(table))) &&
+        q.next())
+        return q.value(0);
+    return {};
+}
+
+} // namespace corvanta::store

@@ -1,0 +1,160 @@
+#include "store.h"
+
+#include "editingcontext.h"
+#include "sqlite/sqlitedatabase.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QLockFile>
+
+namespace corvanta::store {
+
+Store::Store(const QString& path, const DataModel& model)
+    : m_path(QFileInfo(path).absoluteFilePath())
+    , m_model(model)
+    , m_database(std::make_unique<SqliteDatabase>(&model))
+    , m_lastPk(size_t(model.entities().size()), 0)
+{
+    // Lets the predicate evaluator compare records given as Record* with references.
+    static const bool converterRegistered = QMetaType::registerConverter<Record*, predicate::RecordRef>(
+        [](Record* record) { return record ? record->ref() : predicate::RecordRef(); });
+    Q_UNUSED(converterRegistered)
+}
+
+std::unique_ptr<Store> Store::open(const QString& path, const DataModel& model, StoreError* error)
+{
+    std::unique_ptr<Store> store(new Store(path, model));
+    if (!store->openDatabase(error))
+        return nullptr;
+    return store;
+}
+
+Store::~Store()
+{
+    m_mainContext.reset();
+    m_database.reset();
+    if (m_lock)
+        m_lock->unlock();
+}
+
+bool Store::openDatabase(StoreError* error)
+{
+    const QFileInfo file(m_path);
+    const QString folder = file.absolutePath();
+    const QFileInfo folderInfo(folder);
+    if (folderInfo.exists() && !folderInfo.isDir()) {
+        report(error, StoreError::make(
+                          StoreError::FolderIsFile,
+                          tr("Expected a folder to store application data, found a file (%1).").arg(folder)));
+        return false;
+    }
+    if (!folderInfo.exists() && !QDir().mkpath(folder)) {
+        report(error, StoreError::make(StoreError::NotWritable,
+                                       tr("The folder \"%1\" cannot be created.").arg(folder),
+                                       tr("Check that the location exists and that you may write there.")));
+        return false;
+    }
+    if (!QFileInfo(folder).isWritable()) {
+        report(error, StoreError::make(StoreError::NotWritable,
+                                       tr("The folder \"%1\" cannot be written.").arg(folder),
+                                       tr("A company database needs a folder that you may write in.")));
+        return false;
+    }
+    if (file.exists() && file.isDir()) {
+        report(error, StoreError::make(StoreError::NotADatabase,
+                                       tr("\"%1\" is a folder, not a company database file.").arg(m_path)));
+        return false;
+    }
+    if (file.exists() && (!file.isReadable() || !file.isWritable())) {
+        report(error,
+               StoreError::make(StoreError::NotWritable,
+                                tr("The company database \"%1\" cannot be read and written.").arg(m_path),
+                                tr("Check the file's permissions.")));
+        return false;
+    }
+
+    if (!lock(error) || !m_database->open(m_path, &m_storedVersion, error))
+        return false;
+    for (const EntityDescription& entity : m_model.entities())
+        m_lastPk[size_t(entity.index())] = m_database->largestKey(entity);
+    m_mainContext.reset(new EditingContext(*this, true));
+    return true;
+}
+
+bool Store::lock(StoreError* error)
+{
+    m_lock = std::make_unique<QLockFile>(m_path + QLatin1String(".lock"));
+    m_lock->setStaleLockTime(0); // a lock is stale only when its process is gone
+    if (!m_lock->tryLock(0)) {
+        if (m_lock->error() == QLockFile::LockFailedError) {
+            report(error,
+                   StoreError::make(
+                       StoreError::AlreadyOpen,
+                       tr("The company database \"%1\" is already open in another running instance of "
+                          "Corvanta.")
+                           .arg(m_path),
+                       tr("Quit the other instance first: a company database can be used by one instance "
+                          "at a time.")));
+        } else {
+            report(error, StoreError::make(
+                              StoreError::NotWritable,
+                              tr("The company database \"%1\" cannot be locked for writing.").arg(m_path),
+                              tr("Check that you may write in its folder.")));
+        }
+        m_lock.reset();
+        return false;
+    }
+    return true;
+}
+
+EditingContext& Store::mainContext()
+{
+    return *m_mainContext;
+}
+
+std::unique_ptr<EditingContext> Store::newContext()
+{
+    return std::unique_ptr<EditingContext>(new EditingContext(*this, false));
+}
+
+bool Store::writeSnapshot(const QString& path, StoreError* error)
+{
+    if (QFileInfo::exists(path)) {
+        report(error,
+               StoreError::make(StoreError::NotWritable, tr("The copy \"%1\" already exists.").arg(path)));
+        return false;
+    }
+    QString why;
+    if (m_database->writeCopy(path, &why))
+        return true;
+    report(error, StoreError::make(StoreError::NotWritable,
+                                   tr("The company database could not be copied to \"%1\".").arg(path), why));
+    return false;
+}
+
+QueryPlan Store::explain(const FetchRequest& request, Aggregate function, const QString& keyPath)
+{
+    return m_database->explain(request, function, keyPath);
+}
+
+void Store::registerRecordClass(const QString& entity, RecordFactory factory)
+{
+    m_factories.insert(entity, std::move(factory));
+}
+
+std::unique_ptr<Record> Store::createRecord(const Record::Init& init) const
+{
+    const auto it = m_factories.constFind(init.entity->name());
+    if (it != m_factories.cend())
+        return (*it)(init);
+    return std::make_unique<Record>(init);
+}
+
+void Store::contextDidSave(const ChangeSet& changes, EditingContext* origin)
+{
+    Q_EMIT didSave(changes, origin);
+    if (origin != m_mainContext.get() && m_mainContext->automaticallyMergesChanges())
+        m_mainContext->mergeChanges(changes);
+}
+
+} // namespace corvanta::store

@@ -1,0 +1,7 @@
+#include "storelog.h"
+
+namespace corvanta::store {
+
+Q_LOGGING_CATEGORY(lcStore, "corvanta.store")
+
+} // namespace corvanta::store

@@ -1,0 +1,301 @@
+#include "orderbook.h"
+#include "store/storefile.h"
+
+#include <QProcess>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+
+using namespace corvanta::store;
+using namespace corvanta::store::testing;
+using corvanta::predicate::Predicate;
+
+namespace {
+
+// Runs SQL on a database file through a connection of its own, as another program would.
+void runSql(const QString& path, const QStringList& statements)
+{
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(s("QSQLITE"), s("raw"));
+        db.setDatabaseName(path);
+        QVERIFY(db.open());
+        QSqlQuery q(db);
+        for (const QString& statement : statements)
+            QVERIFY2(q.exec(statement), qPrintable(statement));
+    }
+    QSqlDatabase::removeDatabase(s("raw"));
+}
+
+QStringList columnsOf(const QString& path, const QString& table)
+{
+    QStringList columns;
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(s("QSQLITE"), s("raw"));
+        db.setDatabaseName(path);
+        db.open();
+        QSqlQuery q(db);
+        q.exec(s("PRAGMA table_info(\"%1\")").arg(table));
+        while (q.next())
+            columns << q.value(1).toString();
+    }
+    QSqlDatabase::removeDatabase(s("raw"));
+    return columns;
+}
+
+} // namespace
+
+class tst_Store : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void opensNewDatabaseWithEveryTable();
+    void refusesBadLocations_data();
+    void refusesBadLocations();
+    void refusesSecondInstanceInProcess();
+    void refusesSecondRunningInstance();
+    void migratesOlderFile();
+    void refusesNewerDataModel();
+    void keysContinueAfterReopen();
+    void snapshotWhileOpen();
+    void closedFileIsReadBeside();
+};
+
+void tst_Store::opensNewDatabaseWithEveryTable()
+{
+    ScratchStore st;
+    QVERIFY(st.store().storedModelVersion().isEmpty());
+    for (const EntityDescription& entity : orderBook().entities()) {
+        QCOMPARE(st.main().count(FetchRequest(entity.name())), 0);
+    }
+    QVERIFY(QFile::exists(st.path() + QLatin1String(".lock")));
+}
+
+void tst_Store::refusesBadLocations_data()
+{
+    QTest::addColumn<QString>("setup"); // what stands in the way
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QString>("message");
+
+    QTest::newRow("garbage file") << "garbage" << int(StoreError::NotADatabase)
+                                  << "The file \"%1\" is not a Corvanta company database.";
+    QTest::newRow("empty-looking text file")
+        << "text" << int(StoreError::NotADatabase) << "The file \"%1\" is not a Corvanta company database.";
+    QTest::newRow("database of another program") << "foreign" << int(StoreError::NotADatabase)
+                                                 << "The file \"%1\" is not a Corvanta company database.";
+    QTest::newRow("folder in place of the file")
+        << "folder" << int(StoreError::NotADatabase) << "\"%1\" is a folder, not a company database file.";
+    QTest::newRow("file in place of the folder")
+        << "folderIsFile" << int(StoreError::FolderIsFile)
+        << "Expected a folder to store application data, found a file (%2).";
+    QTest::newRow("folder that cannot be made")
+        << "unwritable" << int(StoreError::NotWritable) << "The folder \"%2\" cannot be created.";
+}
+
+void tst_Store::refusesBadLocations()
+{
+    QFETCH(QString, setup);
+    QFETCH(int, code);
+    QFETCH(QString, message);
+
+    QTemporaryDir dir;
+    QString folder = dir.path();
+    QString path = dir.filePath(s("orders.db"));
+    QByteArray before;
+    if (setup == QLatin1String("garbage") || setup == QLatin1String("text")) {
+        QFile f(path);
+        QVERIFY(f.open(QIODevice::WriteOnly));
+        before = setup == QLatin1String("garbage") ? QByteArray(4096, '\xA5')
+                                                   : QByteArray("name;city\nAnn;Oslo\n");
+        f.write(before);
+    } else if (setup == QLatin1String("foreign")) {
+        runSql(path, {s("CREATE TABLE songs (title TEXT)"), s("INSERT INTO songs VALUES ('Blue')")});
+    } else if (setup == QLatin1String("folder")) {
+        QVERIFY(QDir().mkpath(path));
+    } else if (setup == QLatin1String("folderIsFile")) {
+        folder = dir.filePath(s("data"));
+        QFile f(folder);
+        QVERIFY(f.open(QIODevice::WriteOnly));
+        path = folder + QLatin1String("/orders.db");
+    } else if (setup == QLatin1String("unwritable")) {
+        folder = s("/proc/corvanta-test-%1").arg(QCoreApplication::applicationPid());
+        path = folder + QLatin1String("/orders.db");
+    }
+
+    StoreError error;
+    QVERIFY(!openOrderBook(path, &error));
+    QCOMPARE(error.code, code);
+    QCOMPARE(error.domain, s("YOUR_ERROR_DOMAIN"));
+    QCOMPARE(error.description,
+             message.replace(QLatin1String("%1"), path).replace(QLatin1String("%2"), folder));
+
+    // Nothing was written over what stood there, and no lock is left behind.
+    if (!before.isEmpty()) {
+        QFile f(path);
+        QVERIFY(f.open(QIODevice::ReadOnly));
+        QCOMPARE(f.readAll(), before);
+    }
+    if (setup == QLatin1String("foreign"))
+        QCOMPARE(columnsOf(path, s("Settings")), QStringList());
+    QVERIFY(!QFile::exists(path + QLatin1String(".lock")));
+}
+
+void tst_Store::refusesSecondInstanceInProcess()
+{
+    ScratchStore st;
+    StoreError error;
+    QVERIFY(!openOrderBook(st.path(), &error));
+    QCOMPARE(error.code, int(StoreError::AlreadyOpen));
+    QVERIFY(error.description.contains(QLatin1String("already open in another running instance")));
+    // The first instance is untouched by the refused one.
+    st.main().insertRecord(s("Tags"), {{s("name"), s("Urgent")}});
+    saveOrFail(st.main());
+}
+
+void tst_Store::refusesSecondRunningInstance()
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(s("orders.db"));
+    QProcess holder;
+    holder.start(s(STORE_HOLDER), {path});
+    QVERIFY(holder.waitForStarted());
+    QVERIFY(holder.waitForReadyRead(10000));
+    QCOMPARE(holder.readLine().trimmed(), QByteArray("open"));
+
+    StoreError error;
+    QVERIFY(!openOrderBook(path, &error));
+    QCOMPARE(error.code, int(StoreError::AlreadyOpen));
+    QCOMPARE(
+        error.description,
+        s("The company database \"%1\" is already open in another running instance of Corvanta.").arg(path));
+
+    holder.closeWriteChannel();
+    QVERIFY(holder.waitForFinished(10000));
+    QCOMPARE(holder.exitCode(), 0);
+    auto store = openOrderBook(path, &error);
+    QVERIFY2(store, qPrintable(error.message()));
+}
+
+void tst_Store::migratesOlderFile()
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(s("old.db"));
+    // A file of an earlier version: fewer tables and columns, and one column this version
+    // does not know.
+    runSql(path,
+           {s("CREATE TABLE \"Settings\" (pk INTEGER PRIMARY KEY, \"key\" TEXT, \"value\")"),
+            s("INSERT INTO \"Settings\" VALUES (1, 'version', '1.0'), (2, 'theme', 1)"),
+            s("CREATE TABLE \"Customers\" (pk INTEGER PRIMARY KEY, \"name\" TEXT, \"legacy_note\" TEXT)"),
+            s("INSERT INTO \"Customers\" VALUES (7, 'Acme', 'kept')"),
+            s("CREATE TABLE \"Orders\" (pk INTEGER PRIMARY KEY, \"total\" REAL)"),
+            s("INSERT INTO \"Orders\" VALUES (1, 100.0), (2, 50.0)"),
+            s("CREATE TABLE \"Payments\" (pk INTEGER PRIMARY KEY, \"amount\" REAL, \"order\" INTEGER)"),
+            s("INSERT INTO \"Payments\" VALUES (1, 60.0, 1), (2, 40.0, 1), (3, 10.0, 2)")});
+
+    StoreError error;
+    auto store = openOrderBook(path, &error);
+    QVERIFY2(store, qPrintable(error.message()));
+    QCOMPARE(store->storedModelVersion(), s("1.0"));
+
+    EditingContext& c = store->mainContext();
+    Record* acme = c.fetchFirst(FetchRequest(s("Customers")));
+    QVERIFY(acme);
+    QCOMPARE(acme->pk(), qint64(7));
+    QCOMPARE(acme->value(s("full_name")).toString(), s("Acme")); // the record class derives it
+    QCOMPARE(c.count(FetchRequest(s("Settings"))), 2);
+    // Sums the database keeps for fetches are computed for the records already there.
+    const Predicate paid = Predicate::comparison(
+        corvanta::predicate::Expression::keyPath(s("total")), Predicate::Operator::Equal,
+        corvanta::predicate::Expression::keyPath(s("payments.@sum.amount")));
+    QCOMPARE(c.count(FetchRequest(s("Orders"), paid)), 1);
+
+    // New columns and tables work at once; a new record does not reuse an old key.
+    acme->setValue(s("tax_number"), s("HU123"));
+    Record* other = c.insertRecord(s("Customers"), {{s("name"), s("Beta")}});
+    Record* order = c.insertRecord(s("Orders"));
+    order->setRelated(s("customer"), acme);
+    saveOrFail(c);
+    QVERIFY(other->pk() > 7);
+    store.reset();
+
+    const QStringList columns = columnsOf(path, s("Customers"));
+    QVERIFY(columns.contains(s("legacy_note")));
+    QVERIFY(columns.contains(s("full_name")));
+    QVERIFY(columns.contains(s("default_address")));
+    QVERIFY(!columnsOf(path, s("Customers_tags")).isEmpty());
+
+    store = openOrderBook(path, &error);
+    QVERIFY2(store, qPrintable(error.message()));
+    Record* reread = store->mainContext().record({s("Customers"), 7});
+    QCOMPARE(reread->value(s("tax_number")).toString(), s("HU123"));
+    QCOMPARE(reread->relatedList(s("orders")).size(), 1);
+}
+
+void tst_Store::refusesNewerDataModel()
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(s("newer.db"));
+    runSql(path, {s("CREATE TABLE \"Settings\" (pk INTEGER PRIMARY KEY, \"key\" TEXT, \"value\")"),
+                  s("INSERT INTO \"Settings\" VALUES (1, 'version', '2.0')")});
+    StoreError error;
+    QVERIFY(!openOrderBook(path, &error));
+    QCOMPARE(error.code, int(StoreError::StoreInitFailed));
+    QCOMPARE(error.reason, s("Its data model is 2.0; this version knows 1.0."));
+    QVERIFY(columnsOf(path, s("Customers")).isEmpty()); // nothing was added to it
+}
+
+void tst_Store::keysContinueAfterReopen()
+{
+    ScratchStore st;
+    Record* first = st.main().insertRecord(s("Tags"), {{s("name"), s("Each")}});
+    Record* second = st.main().insertRecord(s("Tags"), {{s("name"), s("Hours")}});
+    saveOrFail(st.main());
+    const qint64 last = qMax(first->pk(), second->pk());
+    st.reopen();
+    Record* third = st.main().insertRecord(s("Tags"), {{s("name"), s("Days")}});
+    QVERIFY(third->pk() > last);
+    saveOrFail(st.main());
+    QCOMPARE(st.main().count(FetchRequest(s("Tags"))), 3);
+}
+
+void tst_Store::snapshotWhileOpen()
+{
+    ScratchStore st;
+    st.main().insertRecord(s("Tags"), {{s("name"), s("Saved")}});
+    saveOrFail(st.main());
+    st.main().insertRecord(s("Tags"), {{s("name"), s("Not yet saved")}});
+    QTemporaryDir copies;
+    const QString copy = copies.filePath(s("copy.db"));
+    StoreError error;
+    QVERIFY2(st.store().writeSnapshot(copy, &error), qPrintable(error.message()));
+    QVERIFY(!st.store().writeSnapshot(copy, &error)); // never over an existing file
+    QCOMPARE(error.code, int(StoreError::NotWritable));
+
+    auto reopened = openOrderBook(copy, &error);
+    QVERIFY2(reopened, qPrintable(error.message()));
+    QCOMPARE(valuesOf(reopened->mainContext().fetch(FetchRequest(s("Tags"))), "name"),
+             QStringList{s("Saved")});
+}
+
+// A database that another store holds open is copied and peeked at through a connection of
+// its own; one that is not there yields nothing.
+void tst_Store::closedFileIsReadBeside()
+{
+    ScratchStore st;
+    st.main().insertRecord(s("Customers"), {{s("name"), s("First")}});
+    st.main().insertRecord(s("Customers"), {{s("name"), s("Second")}});
+    saveOrFail(st.main());
+    StoreFile file(st.path());
+    QCOMPARE(file.firstValue(s("Customers"), s("name")).toString(), s("First"));
+    QTemporaryDir copies;
+    QString why;
+    QVERIFY2(file.writeCopy(copies.filePath(s("copy.db")), &why), qPrintable(why));
+    QVERIFY(!file.writeCopy(copies.filePath(s("copy.db")), &why));
+    QVERIFY(why.contains(s("already exists")));
+    QCOMPARE(StoreFile(copies.filePath(s("copy.db"))).firstValue(s("Customers"), s("name")).toString(),
+             s("First"));
+    QVERIFY(StoreFile(copies.filePath(s("none.db"))).firstValue(s("Customers"), s("name")).isNull());
+    QVERIFY(!QFileInfo::exists(copies.filePath(s("none.db"))));
+}
+
+QTEST_GUILESS_MAIN(tst_Store)
+#include "tst_store.moc"
