@@ -26,8 +26,6 @@ private Q_SLOTS:
     void firstStartCreatesTheList();
     void resolvesTheSelectedEntry_data();
     void resolvesTheSelectedEntry();
-    void damagedListIsKeptAsideAndReplaced_data();
-    void damagedListIsKeptAsideAndReplaced();
     void damagedListIsRebuiltFromLocalDatabases();
     void unreadableListIsLeftAlone();
     void fileInPlaceOfTheDataFolder();
@@ -124,57 +122,6 @@ void tst_DatabaseManager::resolvesTheSelectedEntry()
         QCOMPARE(manager.databaseFilesDirectory(), QFileInfo(expected).absolutePath());
     QCOMPARE(alerts(prompter), expected.isEmpty() ? QStringList() : QStringList{kNoDatabase});
     QCOMPARE(ScratchFolders::readBytes(folders.listFile()), before); // resolving never rewrites a good list
-}
-
-void tst_DatabaseManager::damagedListIsKeptAsideAndReplaced_data()
-{
-    QTest::addColumn<QByteArray>("content");
-    QTest::addColumn<QString>("problem");
-    QTest::addColumn<bool>("keepsEntries");
-
-    QTest::newRow("empty file") << QByteArray() << s("the file is empty") << false;
-    QTest::newRow("a dictionary") << PropertyList::toXml(QVariantMap{{s("name"), s("Acme")}})
-                                  << s("it does not hold a list of databases") << false;
-    QVariantList partly{QVariantMap{{s("name"), s("No file")}},
-                        ScratchFolders::entry(s("Acme"), s("/srv/acme"), s("A.cvdb"), true), s("text")};
-    QTest::newRow("some entries unusable")
-        << PropertyList::toXml(partly) << s("2 of its 3 entries name no database file") << true;
-}
-
-void tst_DatabaseManager::damagedListIsKeptAsideAndReplaced()
-{
-    QFETCH(QByteArray, content);
-    QFETCH(QString, problem);
-    QFETCH(bool, keepsEntries);
-    ScratchFolders folders;
-    ScratchFolders::writeBytes(folders.listFile(), content);
-    ScriptedPrompter prompter;
-    DatabaseManager manager(prompter, folders.folders());
-    const QString file = manager.selectedDatabaseFile();
-
-    // The damaged list is kept byte for byte before the new one is written.
-    QCOMPARE(folders.keptCopies().size(), 1);
-    const QString copy = folders.app(folders.keptCopies().first());
-    QCOMPARE(ScratchFolders::readBytes(copy), content);
-    const DatabaseList::ReadResult now = DatabaseList::read(folders.listFile());
-    QCOMPARE(int(now.status), int(DatabaseList::Status::Ok));
-
-    const QString outcome = keepsEntries ? s("The entries that could be read stay in the list.")
-                                         : s("A new company database \"My Company\" was started.");
-    QStringList expected{s("Damaged Database List | The list of company databases \"%1\" could not be read: "
-                           "%2.\n\nA copy of it was kept as \"%3\". %4")
-                             .arg(folders.listFile(), problem, copy, outcome)};
-    if (keepsEntries) // the kept entry's file is not there
-        expected << kNoDatabase;
-    QCOMPARE(alerts(prompter), expected);
-    QCOMPARE(now.entries.size(), 1);
-    if (keepsEntries) {
-        QCOMPARE(now.entries.first().name, s("Acme"));
-        QCOMPARE(file, s("/srv/acme/A.cvdb"));
-    } else {
-        QCOMPARE(now.entries.first().name, s("My Company"));
-        QCOMPARE(file, folders.app(now.entries.first().filename));
-    }
 }
 
 void tst_DatabaseManager::damagedListIsRebuiltFromLocalDatabases()
