@@ -5,6 +5,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -15,47 +16,64 @@ inline QString s(const char* text)
     return QString::fromUtf8(text);
 }
 
+// The words of a command line as a shell splits it; single quotes keep blanks: 'Acme Ltd'.
+inline QStringList words(QAnyStringView text)
+{
+    const QString line = text.toString();
+    static const QRegularExpression word(s("'([^']*)'|\\S+"));
+    QStringList found;
+    for (const QRegularExpressionMatch& match : word.globalMatch(line))
+        found << (match.capturedStart(1) >= 0 ? match.captured(1) : match.captured());
+    return found;
+}
+
+// A new invoice for the client of Cli::addClientAndItems(), with more options.
+inline QString invoice(QAnyStringView options)
+{
+    return s("documents new --type invoice --client 'Acme Ltd' ") + options.toString();
+}
+
 struct Run
 {
     int exitCode = -1;
     QString out;
     QString err;
 
+    // The one JSON value printed (an empty object when there is none).
     QJsonValue json() const
     {
-        QJsonParseError error;
-        const QJsonDocument document = QJsonDocument::fromJson(out.toUtf8(), &error);
-        if (error.error != QJsonParseError::NoError)
-            qWarning("not one JSON value (%s): %s", qPrintable(error.errorString()), qPrintable(out));
+        const QJsonDocument document = QJsonDocument::fromJson(out.toUtf8());
         return document.isArray() ? QJsonValue(document.array()) : QJsonValue(document.object());
     }
-    QString firstLine() const { return out.section(QLatin1Char('\n'), 0, 0); }
+    QString line(int index) const { return out.section(QLatin1Char('\n'), index, index); }
 };
 
-// The built corvanta-cli run as a user runs it, in a home folder of its own, so that the database
-// list, the databases and the copies it makes never touch the real user's files.
+// The built corvanta-cli run as a user runs it, in a home folder (and working folder) of its own,
+// so that the database list, the databases and the copies it makes never touch the real user's
+// files.
 class Cli
 {
 public:
     Cli() { QDir().mkpath(m_home.filePath(s("Desktop"))); }
 
     QString home() const { return m_home.path(); }
-    QString path(const QString& name) const { return m_home.filePath(name); }
-    // The company database the runs name with --database.
-    QString database() const { return m_home.filePath(s("company.cvdb")); }
+    QString path(QAnyStringView name) const { return m_home.filePath(name.toString()); }
+    // The company database that run() names with --database.
+    QString database() const { return path("company.cvdb"); }
 
     // corvanta-cli with these arguments exactly.
-    Run raw(const QStringList& arguments) const
+    Run exec(const QStringList& arguments) const
     {
         QProcess process;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(s("HOME"), m_home.path());
-        environment.insert(s("XDG_DATA_HOME"), m_home.filePath(s("data")));
-        environment.insert(s("XDG_CONFIG_HOME"), m_home.filePath(s("config")));
-        environment.insert(s("XDG_CACHE_HOME"), m_home.filePath(s("cache")));
-        environment.insert(s("TMPDIR"), m_home.path());
+        environment.insert(s("HOME"), home());
+        environment.insert(s("XDG_DATA_HOME"), path("data"));
+        environment.insert(s("XDG_CONFIG_HOME"), path("config"));
+        environment.insert(s("XDG_CACHE_HOME"), path("cache"));
+        environment.insert(s("TMPDIR"), home());
         environment.insert(s("TZ"), s("UTC"));
         process.setProcessEnvironment(environment);
+        process.setWorkingDirectory(home());
         process.start(QStringLiteral(CORVANTA_CLI), arguments);
         if (!process.waitForFinished(60000))
             qWarning("corvanta-cli did not finish: %s", qPrintable(arguments.join(QLatin1Char(' '))));
@@ -63,19 +81,33 @@ public:
                 QString::fromUtf8(process.readAllStandardOutput()),
                 QString::fromUtf8(process.readAllStandardError())};
     }
+    Run raw(QAnyStringView line) const { return exec(words(line)); }
     // corvanta-cli on the test's database.
-    Run run(const QStringList& arguments) const
+    Run run(QAnyStringView line) const
     {
-        return raw(QStringList{s("--database"), database()} + arguments);
+        return exec(QStringList{s("--database"), database()} + words(line));
     }
-    // The same with --json; the value it printed.
-    QJsonValue json(const QStringList& arguments) const
-    {
-        return run(QStringList{s("--json")} + arguments).json();
-    }
+    // The same with --json: the value it printed.
+    QJsonValue json(QAnyStringView line) const { return run(s("--json ") + line.toString()).json(); }
     QJsonObject document(const QString& number) const
     {
-        return json({s("documents"), s("show"), number}).toObject();
+        return json(s("documents show ") + number).toObject();
+    }
+    double stock(QAnyStringView item) const
+    {
+        return json(s("items show ") + item.toString())[s("stock_current")].toDouble();
+    }
+
+    // The client and items the scenarios work with. Bolt: 10 and 9 at the first two price levels,
+    // tax "10%"; Labour carries no tax.
+    void addClientAndItems() const
+    {
+        for (const char* line : {"clients add --kind company --name 'Acme Ltd'",
+                                 "items add --name Bolt --price 10 --price 9 --tax 10% --unit Each",
+                                 "items add --name Labour --kind service --price 100"}) {
+            const Run done = run(line);
+            QVERIFY2(done.exitCode == 0, qPrintable(done.err));
+        }
     }
 
 private:

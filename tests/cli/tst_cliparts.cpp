@@ -14,10 +14,10 @@ QString s(const char* text)
     return QString::fromUtf8(text);
 }
 
-const QList<OptionSpec> kSpecs = {{s("amount"), true, false},
-                                  {s("row"), true, true},
-                                  {s("draft"), false, false},
-                                  {s("help"), false, false}};
+const QList<OptionSpec> kOptions = {{s("amount"), true, false},
+                                    {s("row"), true, true},
+                                    {s("draft"), false, false},
+                                    {s("help"), false, false}};
 
 } // namespace
 
@@ -31,41 +31,39 @@ private Q_SLOTS:
     void arguments();
     void numbersAndDates_data();
     void numbersAndDates();
-    void prompterAnswersAndKeepsMessages();
-    void entryWindowIsNotAskedForever();
+    void prompter();
     void tableAlignsColumns();
 };
 
 void tst_CliParts::arguments_data()
 {
-    QTest::addColumn<QStringList>("input");
+    QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("parsed"); // "words|amount|rows|draft", or "error: ..."
-    QTest::newRow("words and options mixed")
-        << QStringList{s("A"), s("--amount"), s("5"), s("B")} << s("A,B|5||false");
-    QTest::newRow("value after =") << QStringList{s("--amount=7.5")} << s("|7.5||false");
-    QTest::newRow("negative value") << QStringList{s("--amount"), s("-3")} << s("|-3||false");
-    QTest::newRow("repeated option keeps order")
-        << QStringList{s("--row"), s("a;1"), s("--row"), s("b;2")} << s("||a;1,b;2|false");
-    QTest::newRow("flag") << QStringList{s("--draft")} << s("|||true");
-    QTest::newRow("after -- everything is a word")
-        << QStringList{s("--"), s("--draft"), s("-x")} << s("--draft,-x|||false");
-    QTest::newRow("-h is help") << QStringList{s("-h")} << s("|||false");
-    QTest::newRow("unknown option") << QStringList{s("--colour")} << s("error: Unknown option \"--colour\".");
-    QTest::newRow("unknown short option") << QStringList{s("-x")} << s("error: Unknown option \"-x\".");
-    QTest::newRow("missing value") << QStringList{s("--amount")}
-                                   << s("error: The option \"--amount\" needs a value.");
-    QTest::newRow("value given to a flag")
-        << QStringList{s("--draft=yes")} << s("error: The option \"--draft\" takes no value.");
-    QTest::newRow("single option twice") << QStringList{s("--amount"), s("1"), s("--amount"), s("2")}
-                                         << s("error: The option \"--amount\" may be given only once.");
+    const auto row = [](const char* name, const char* input, const char* parsed) {
+        QTest::newRow(name) << s(input) << s(parsed);
+    };
+    row("words and options mixed", "A --amount 5 B", "A,B|5||false");
+    row("value after =", "--amount=7.5", "|7.5||false");
+    row("negative value", "--amount -3", "|-3||false");
+    row("repeated option keeps order", "--row a;1 --row b;2", "||a;1,b;2|false");
+    row("flag", "--draft", "|||true");
+    row("after -- everything is a word", "-- --draft -x", "--draft,-x|||false");
+    row("-h is help", "-h", "|||false");
+    row("unknown option", "--colour", "error: Unknown option \"--colour\".");
+    row("unknown short option", "-x", "error: Unknown option \"-x\".");
+    row("missing value", "--amount", "error: The option \"--amount\" needs a value.");
+    row("value given to a flag", "--draft=yes", "error: The option \"--draft\" takes no value.");
+    row("single option twice", "--amount 1 --amount 2",
+        "error: The option \"--amount\" may be given only once.");
 }
 
 void tst_CliParts::arguments()
 {
-    QFETCH(QStringList, input);
+    QFETCH(QString, text);
     QFETCH(QString, parsed);
+    const QStringList input = text.split(QLatin1Char(' '));
     QString error;
-    const std::optional<Arguments> result = Arguments::parse(input, kSpecs, &error);
+    const std::optional<Arguments> result = Arguments::parse(input, kOptions, &error);
     if (!result) {
         QCOMPARE(s("error: ") + error, parsed);
         return;
@@ -106,7 +104,7 @@ void tst_CliParts::numbersAndDates()
     QCOMPARE(d ? d->toString(Qt::ISODate) : s("-"), date);
 }
 
-void tst_CliParts::prompterAnswersAndKeepsMessages()
+void tst_CliParts::prompter()
 {
     CliPrompter prompter;
     // A question is answered with its action; a message is kept as one line.
@@ -115,29 +113,26 @@ void tst_CliParts::prompterAnswersAndKeepsMessages()
     QCOMPARE(
         prompter.alert(s("No Client Selected"), s("You cannot save document without client."), {s("OK")}),
         s("OK"));
-    QCOMPARE(prompter.alert(s("The changes could not be saved."), s("Disk full."), {s("OK")}), s("OK"));
-    QCOMPARE(prompter.alert(s("Damaged"), s("First.\n\nSecond."), {s("OK")}), s("OK"));
+    prompter.alert(s("The changes could not be saved."), s("Disk full."), {s("OK")});
+    prompter.alert(s("Damaged"), s("First.\n\nSecond."), {s("OK")});
     QVERIFY(!prompter.chooseFolder(s("Choose")));
     QCOMPARE(prompter.questions(), (QStringList{s("Finalize Invoice"), s("Choose")}));
     QCOMPARE(prompter.takeMessages(),
              (QStringList{s("No Client Selected: You cannot save document without client."),
                           s("The changes could not be saved. Disk full."), s("Damaged: First. Second.")}));
     QVERIFY(!prompter.hasMessages());
-}
 
-void tst_CliParts::entryWindowIsNotAskedForever()
-{
-    CliPrompter prompter;
-    // Without an answer the window keeps its pre-filled text.
+    // An entry window without an answer keeps its pre-filled text; asked again in the same
+    // command (its answer was refused), it is cancelled.
+    const auto startNumber = [&] { return prompter.askText(s("Start Number"), s("Number:"), s("1")); };
     prompter.beginCommand(std::nullopt);
-    QCOMPARE(prompter.askText(s("Start Number"), s("Number:"), s("1")), std::optional<QString>(s("1")));
+    QCOMPARE(startNumber(), std::optional<QString>(s("1")));
     prompter.beginCommand(s("500"));
-    QCOMPARE(prompter.askText(s("Start Number"), s("Number:"), s("1")), std::optional<QString>(s("500")));
-    // Asked again in the same command: the answer was refused, the window is cancelled.
-    QCOMPARE(prompter.askText(s("Start Number"), s("Number:"), s("1")), std::nullopt);
+    QCOMPARE(startNumber(), std::optional<QString>(s("500")));
+    QCOMPARE(startNumber(), std::nullopt);
     QCOMPARE(prompter.askText(s("Company Name"), s("Name:"), QString()), std::optional<QString>(s("500")));
     prompter.beginCommand(s("42"));
-    QCOMPARE(prompter.askText(s("Start Number"), s("Number:"), s("1")), std::optional<QString>(s("42")));
+    QCOMPARE(startNumber(), std::optional<QString>(s("42")));
 }
 
 void tst_CliParts::tableAlignsColumns()

@@ -1,99 +1,210 @@
+#include "format/amountbytext.h"
+#include "format/currencyformatter.h"
+#include "format/formattedcurrency.h"
 #include "format/nodigitlimitnumberformatter.h"
 #include "format/numberformatter.h"
-#include "modeltestsupport.h"
+#include "predicate/keypathsource.h"
 
+#include <QRegularExpression>
 #include <QTest>
+#include <limits>
 
 using namespace corvanta::format;
-using namespace corvanta::model;
-using namespace corvanta::store;
-using namespace corvanta::model::testing;
 
 namespace {
 
-// A default currency as the company holds it.
-struct Currency
+QString s(const char* text)
 {
-    const char* grouping;
-    const char* decimal;
-    int digits;
-    bool fixed;
+    return QString::fromUtf8(text);
+}
+
+// A currency record as the formatters read it: its attributes by name. A null text in the
+// format stands for an attribute the record does not have (a null value).
+class CurrencySource : public corvanta::predicate::KeyPathSource
+{
+public:
+    explicit CurrencySource(const CurrencyFormat& f)
+    {
+        const auto text = [](const QString& t) { return t.isNull() ? QVariant() : QVariant(t); };
+        m_values = {{s("code"), text(f.code)},
+                    {s("symbol"), text(f.symbol)},
+                    {s("symbol_format"), text(f.symbolFormat)},
+                    {s("grouping_separator"), text(f.groupingSeparator)},
+                    {s("decimal_separator"), text(f.decimalSeparator)},
+                    {s("digits"), f.digits},
+                    {s("show_fixed_digits"), f.showFixedDigits}};
+    }
+
+    QVariant valueForKeyPath(const QString& keyPath) const override { return m_values.value(keyPath); }
+    corvanta::predicate::RecordRef selfRef() const override { return {s("Currencies"), 1}; }
+
+private:
+    QVariantHash m_values;
 };
+
+// The format of a currency "USD"; a null pointer leaves that attribute out of its record.
+CurrencyFormat currency(const char* placement, const char* grouping, const char* decimal, int digits,
+                        bool fixed, const char* symbol = "$")
+{
+    const auto text = [](const char* t) { return t ? s(t) : QString(); };
+    return {s("USD"), text(symbol), text(placement), text(grouping), text(decimal), digits, fixed};
+}
 
 } // namespace
 
+// Amounts and numbers as text: with a currency's mark, in the entry fields (which take the
+// company's default currency), read back from the entry fields, and in words.
 class tst_NumberFormatters : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { m_store = std::make_unique<ScratchCompany>(); }
-    void cleanup() { m_store.reset(); }
-
+    void currencyFormats_data();
+    void currencyFormats();
+    void valuesThatAreNotDoubles();
     void entryFields_data();
     void entryFields();
     void reading_data();
     void reading();
-    void readingFollowsTheSystemLocaleOnlyWithoutDigitLimit();
-
-private:
-    Record* currency(const Currency& c)
-    {
-        return m_store->main().insertRecord(
-            s("Currencies"), {{s("code"), s("EUR")},
-                              {s("symbol"), s("€")},
-                              {s("symbol_format"), s("sr")},
-                              {s("grouping_separator"), c.grouping ? s(c.grouping) : QVariant()},
-                              {s("decimal_separator"), c.decimal ? s(c.decimal) : QVariant()},
-                              {s("digits"), c.digits},
-                              {s("show_fixed_digits"), c.fixed}});
-    }
-
-    std::unique_ptr<ScratchCompany> m_store;
+    void quantitiesReadTheSystemsDecimalSeparator();
+    void amountsInWords_data();
+    void amountsInWords();
 };
 
-Q_DECLARE_METATYPE(Currency)
+void tst_NumberFormatters::currencyFormats_data()
+{
+    QTest::addColumn<CurrencyFormat>("format");
+    QTest::addColumn<double>("number");
+    QTest::addColumn<QString>("expected");
+
+    const auto row = [](const char* name, const CurrencyFormat& format, double number, const char* expected) {
+        QTest::newRow(name) << format << number << s(expected);
+    };
+    const CurrencyFormat usual = currency("l", ",", ".", 2, true);
+    const CurrencyFormat whole = currency("l", ",", ".", 0, false);
+    const CurrencyFormat plain = currency("none", ",", ".", 0, false);
+
+    // Where the mark stands.
+    row("l", usual, 1234.5, "$1,234.50");
+    row("ls", currency("ls", ",", ".", 2, true), 1234.5, "$ 1,234.50");
+    row("r", currency("r", ",", ".", 2, true), 1234.5, "1,234.50$");
+    row("sr", currency("sr", ",", ".", 2, true, "€"), 1234.5, "1,234.50 €");
+    row("code", currency("code", ",", ".", 2, true), 1234.5, "1,234.50 USD");
+    row("none", currency("none", ",", ".", 2, true), 1234.5, "1,234.50");
+    row("unknown placement", currency("left", ",", ".", 2, true), 1234.5, "1,234.50");
+    row("ls with an empty symbol", currency("ls", ",", ".", 2, true, ""), 5, "5.00");
+
+    // Separators.
+    row("grouping none, free digits", currency("sr", "none", ".", 2, false, "€"), 1234.5, "1234.5 €");
+    row("grouping dot, decimal comma", currency("sr", ".", ",", 2, true, "€"), 1234567.891, "1.234.567,89 €");
+    row("grouping blank", currency("sr", " ", ",", 0, false, "Ft"), 1234567, "1 234 567 Ft");
+    row("grouping apostrophe", currency("ls", "'", ".", 2, true, "CHF"), 1234567.5, "CHF 1'234'567.50");
+    row("three digits are not grouped", usual, 999, "$999.00");
+    row("four digits are", usual, 1000, "$1,000.00");
+    row("multi-character separators", currency("none", "--", "::", 2, true), 1234.5, "1--234::50");
+    row("empty decimal separator", currency("l", ",", "", 2, true), 1234.5, "$1,234.50");
+    row("empty grouping separator", currency("l", "", ".", 2, true), 1234567.5, "$1234567.50");
+    row("nothing set", currency(nullptr, nullptr, nullptr, 0, false, nullptr), 1234.56, "1235");
+
+    // Fraction digits.
+    row("free digits cut trailing zeros", currency("l", ",", ".", 2, false), 12.5, "$12.5");
+    row("free digits, rounded away", currency("l", ",", ".", 2, false), 12.001, "$12");
+    row("four free digits", currency("l", ",", ".", 4, false), 0.10009, "$0.1001");
+    row("negative digits count as none", currency("l", ",", ".", -3, true), 1234.56, "$1,235");
+
+    // Negative amounts: the sign leads, whatever the placement.
+    row("negative l", usual, -1234.5, "-$1,234.50");
+    row("negative sr", currency("sr", ".", ",", 2, true, "€"), -1234.5, "-1.234,50 €");
+    row("negative rounding to zero has no sign", usual, -0.004, "$0.00");
+    row("negative zero", usual, -0.0, "$0.00");
+
+    // Rounding: half away from zero on the shortest decimal that reads back as the double.
+    row("2.675", usual, 2.675, "$2.68");
+    row("0.125 (exact in binary)", usual, 0.125, "$0.13");
+    row("2.5 to whole (not to even)", whole, 2.5, "$3");
+    row("-2.5 to whole", whole, -2.5, "-$3");
+    row("just below the half", usual, 2.674999, "$2.67");
+    row("carry into a new group", usual, 999.995, "$1,000.00");
+    row("carry through nines", currency("none", ",", ".", 2, false), 9999999.999, "10,000,000");
+
+    // Very large and very small.
+    row("beyond the exact integers", plain, 123456789012345678.0, "123,456,789,012,345,680");
+    row("1e21 in full", plain, 1e21, "1,000,000,000,000,000,000,000");
+    QTest::newRow("largest double, every digit")
+        << currency("none", "none", ".", 0, false) << std::numeric_limits<double>::max()
+        << s("17976931348623157") + QString(292, QLatin1Char('0'));
+    row("half a millionth rounds up", currency("none", ",", ".", 6, false), 5e-7, "0.000001");
+    row("below half a millionth", currency("none", ",", ".", 6, false), 4.9e-7, "0");
+    row("smallest double", usual, std::numeric_limits<double>::denorm_min(), "$0.00");
+
+    // Never shown.
+    row("NaN", usual, std::numeric_limits<double>::quiet_NaN(), "");
+    row("infinity", usual, std::numeric_limits<double>::infinity(), "");
+    row("minus infinity", usual, -std::numeric_limits<double>::infinity(), "");
+}
+
+void tst_NumberFormatters::currencyFormats()
+{
+    QFETCH(CurrencyFormat, format);
+    QFETCH(double, number);
+    QFETCH(QString, expected);
+
+    const CurrencyFormatter formatter(format);
+    QCOMPARE(formatter.stringFromNumber(number), expected);
+    QCOMPARE(formatter.stringForObjectValue(number), expected);
+    // The same currency read from a record.
+    const CurrencySource record(format);
+    QCOMPARE(formattedCurrency(number, &record), expected);
+}
+
+void tst_NumberFormatters::valuesThatAreNotDoubles()
+{
+    const CurrencyFormatter formatter(currency("l", ",", ".", 2, true));
+    QCOMPARE(formatter.stringForObjectValue(QVariant()), QString());
+    QCOMPARE(formatter.stringForObjectValue(s("12")), QString());
+    QCOMPARE(formatter.stringForObjectValue(qint64(12)), s("$12.00"));
+    // Without a currency record: no mark, no grouping, at most two digits.
+    QCOMPARE(formattedCurrency(-1234.567, nullptr), s("-1234.57"));
+}
 
 void tst_NumberFormatters::entryFields_data()
 {
-    QTest::addColumn<Currency>("currency");
+    QTest::addColumn<CurrencyFormat>("currency");
     QTest::addColumn<QString>("systemLocale");
     QTest::addColumn<double>("number");
-    QTest::addColumn<QString>("numberFormatter");
-    QTest::addColumn<QString>("noDigitLimit");
+    QTest::addColumn<QString>("prices");
+    QTest::addColumn<QString>("quantities");
 
-    const auto row = [](const char* name, Currency c, const char* locale, double number, const char* plain,
-                        const char* noLimit) {
-        QTest::newRow(name) << c << s(locale) << number << s(plain) << s(noLimit);
+    const auto row = [](const char* name, const CurrencyFormat& c, const char* locale, double number,
+                        const char* prices, const char* quantities) {
+        QTest::newRow(name) << c << s(locale) << number << s(prices) << s(quantities);
     };
-    // The entry fields never show the currency mark; the quantity field never groups, keeps up
-    // to six digits and takes its decimal separator from the system, not from the currency.
-    row("comma grouping, fixed", {",", ".", 2, true}, "C", 1234.5, "1,234.50", "1234.50");
-    row("free digits", {",", ".", 2, false}, "C", 1234.5, "1,234.5", "1234.5");
-    row("six digits for quantities", {",", ".", 2, false}, "C", 1.23456789, "1.23", "1.234568");
-    row("grouping none", {"none", ".", 2, true}, "C", 1234567.5, "1234567.50", "1234567.50");
-    row("blank grouping", {" ", ",", 0, false}, "C", 1234567.5, "1 234 568", "1234567.5");
-    row("currency comma, system point", {".", ",", 2, true}, "C", 3.25, "3,25", "3.25");
-    row("currency point, system comma", {",", ".", 2, true}, "de_DE", 1234.25, "1,234.25", "1234,25");
-    row("Hungarian system", {" ", ",", 0, true}, "hu_HU", 0.5, "1", "0,5");
-    row("fixed digits above six", {",", ".", 8, true}, "C", 1.5, "1.50000000", "1.50000000");
-    row("negative", {",", ".", 2, true}, "C", -1234.567, "-1,234.57", "-1234.567");
-    row("missing separators", {nullptr, nullptr, 2, true}, "C", 1234.5, "1234.50", "1234.50");
-    row("negative digits", {",", ".", -2, true}, "C", 1234.5, "1,235", "1234.5");
+    // Neither shows the currency mark; quantities are never grouped, keep up to six digits and
+    // take their decimal separator from the system, not from the currency.
+    row("comma grouping, fixed", currency("sr", ",", ".", 2, true), "C", 1234.5, "1,234.50", "1234.50");
+    row("free digits", currency("sr", ",", ".", 2, false), "C", 1234.5, "1,234.5", "1234.5");
+    row("six digits for quantities", currency("sr", ",", ".", 2, false), "C", 1.23456789, "1.23", "1.234568");
+    row("currency comma, system point", currency("sr", ".", ",", 2, true), "C", 3.25, "3,25", "3.25");
+    row("currency point, system comma", currency("sr", ",", ".", 2, true), "de_DE", 1234.25, "1,234.25",
+        "1234,25");
+    row("fixed digits above six", currency("sr", ",", ".", 8, true), "C", 1.5, "1.50000000", "1.50000000");
+    row("negative", currency("sr", ",", ".", 2, true), "C", -1234.567, "-1,234.57", "-1234.567");
+    row("missing separators", currency("sr", nullptr, nullptr, 2, true), "C", 1234.5, "1234.50", "1234.50");
+    row("negative digits", currency("sr", ",", ".", -2, true), "C", 1234.5, "1,235", "1234.5");
 }
 
 void tst_NumberFormatters::entryFields()
 {
-    QFETCH(Currency, currency);
+    QFETCH(CurrencyFormat, currency);
     QFETCH(QString, systemLocale);
     QFETCH(double, number);
-    QFETCH(QString, numberFormatter);
-    QFETCH(QString, noDigitLimit);
+    QFETCH(QString, prices);
+    QFETCH(QString, quantities);
 
-    Record* record = this->currency(currency);
-    QCOMPARE(NumberFormatter(record).stringFromNumber(number), numberFormatter);
-    QCOMPARE(NoDigitLimitNumberFormatter(record, QLocale(systemLocale)).stringFromNumber(number),
-             noDigitLimit);
+    const CurrencySource record(currency);
+    QCOMPARE(NumberFormatter(&record).stringFromNumber(number), prices);
+    QCOMPARE(NoDigitLimitNumberFormatter(&record, QLocale(systemLocale)).stringFromNumber(number),
+             quantities);
 }
 
 void tst_NumberFormatters::reading_data()
@@ -105,8 +216,9 @@ void tst_NumberFormatters::reading_data()
     const auto valid = [](const char* name, const char* text, const QVariant& value) {
         QTest::newRow(name) << s(text) << value << QString();
     };
-    const auto invalid = [](const char* name, const char* text, const QString& error) {
-        QTest::newRow(name) << s(text) << QVariant() << error;
+    const auto invalid = [](const char* name, const char* text) {
+        QTest::newRow(name) << s(text) << QVariant()
+                            << s("\u201c%1\u201d is not a valid number.").arg(s(text));
     };
     // Read with grouping "." and decimal "," (a Hungarian-style default currency).
     valid("plain", "1234", 1234.0);
@@ -120,17 +232,16 @@ void tst_NumberFormatters::reading_data()
     valid("more digits than shown are kept", "0,123456", 0.123456);
     valid("empty field", "", QVariant());
     valid("blank field", "   ", QVariant());
-    invalid("letters", "abc", s("\u201cabc\u201d is not a valid number."));
-    invalid("a mark", "12 €", s("\u201c12 €\u201d is not a valid number."));
-    invalid("two decimal separators", "1,2,3", s("\u201c1,2,3\u201d is not a valid number."));
-    invalid("grouping in the fraction", "1,234.5", s("\u201c1,234.5\u201d is not a valid number."));
-    invalid("grouping before a digit", ".5", s("\u201c.5\u201d is not a valid number."));
-    invalid("sign alone", "-", s("\u201c-\u201d is not a valid number."));
-    invalid("exponent", "1e5", s("\u201c1e5\u201d is not a valid number."));
-    invalid("nan", "nan", s("\u201cnan\u201d is not a valid number."));
-    invalid("inf", "inf", s("\u201cinf\u201d is not a valid number."));
-    invalid("infinity", "-Infinity", s("\u201c-Infinity\u201d is not a valid number."));
-    const QString huge = QString(400, QLatin1Char('9'));
+    invalid("letters", "abc");
+    invalid("a mark", "12 €");
+    invalid("two decimal separators", "1,2,3");
+    invalid("grouping in the fraction", "1,234.5");
+    invalid("grouping before a digit", ".5");
+    invalid("sign alone", "-");
+    invalid("exponent", "1e5");
+    invalid("nan", "nan");
+    invalid("infinity", "-Infinity");
+    const QString huge(400, QLatin1Char('9'));
     QTest::newRow("beyond the largest double")
         << huge << QVariant() << s("\u201c%1\u201d is too large to be used as a number.").arg(huge);
 }
@@ -141,30 +252,90 @@ void tst_NumberFormatters::reading()
     QFETCH(QVariant, value);
     QFETCH(QString, error);
 
-    const NumberFormatter formatter(currency({".", ",", 2, true}));
+    const CurrencySource record(currency("sr", ".", ",", 2, true));
     QVariant read = s("untouched");
     QString message;
-    QCOMPARE(formatter.getObjectValue(&read, text, &message), error.isEmpty());
+    QCOMPARE(NumberFormatter(&record).getObjectValue(&read, text, &message), error.isEmpty());
     QCOMPARE(message, error);
-    if (error.isEmpty())
-        QCOMPARE(read, value);
-    else
-        QCOMPARE(read, QVariant(s("untouched")));
+    // A refused text leaves the value as it was.
+    QCOMPARE(read, error.isEmpty() ? value : QVariant(s("untouched")));
 }
 
-void tst_NumberFormatters::readingFollowsTheSystemLocaleOnlyWithoutDigitLimit()
+void tst_NumberFormatters::quantitiesReadTheSystemsDecimalSeparator()
 {
-    Record* record = currency({",", ".", 2, true});
-    const NumberFormatter prices(record);
-    const NoDigitLimitNumberFormatter quantities(record, QLocale(s("hu_HU")));
+    const CurrencySource record(currency("sr", ",", ".", 2, true));
+    const NoDigitLimitNumberFormatter quantities(&record, QLocale(s("hu_HU")));
     QVariant value;
-    QVERIFY(prices.getObjectValue(&value, s("1,234.5")));
-    QCOMPARE(value, QVariant(1234.5));
     QVERIFY(quantities.getObjectValue(&value, s("1234,5")));
     QCOMPARE(value, QVariant(1234.5));
-    // The quantity field neither groups nor takes the currency's decimal point.
+    // Neither the currency's grouping nor its decimal point.
     QVERIFY(!quantities.getObjectValue(&value, s("1234.5")));
     QVERIFY(!quantities.getObjectValue(&value, s("1 234,5")));
+}
+
+void tst_NumberFormatters::amountsInWords_data()
+{
+    QTest::addColumn<double>("amount");
+    QTest::addColumn<QString>("expected");
+
+    const auto row = [](const char* name, double amount, const char* expected) {
+        QTest::newRow(name) << amount << s(expected);
+    };
+    // Units, tens and the two short tens forms.
+    row("10", 10, "Tíz 00/100");
+    row("11", 11, "Tizenegy 00/100");
+    row("20", 20, "Húsz 00/100");
+    row("21", 21, "Huszonegy 00/100");
+    row("100", 100, "Egyszáz 00/100");
+    row("200 keeps the long two", 200, "Kettőszáz 00/100");
+    row("512", 512, "Ötszáztizenkettő 00/100");
+
+    // Group boundaries and the hyphens, which come only above 2000.
+    row("1 000", 1000, "Egyezer 00/100");
+    row("1 999", 1999, "Egyezerkilencszázkilencvenkilenc 00/100");
+    row("2 001", 2001, "Kettőezeregy 00/100");
+    row("21 021", 21021, "Huszonegyezerhuszonegy 00/100");
+    row("999 999", 999999, "Kilencszázkilencvenkilencezerkilencszázkilencvenkilenc 00/100");
+    row("1 000 000", 1000000, "Egymillió 00/100");
+    row("1 000 001", 1000001, "Egymillió-egy 00/100");
+    row("1 500 000", 1500000, "Egymillió-ötszázezer 00/100");
+    row("1 000 000 000", 1000000000, "Egymilliárd 00/100");
+    row("1 000 005 001", 1000005001, "Egymilliárd--ötezeregy 00/100");
+    row("1 002 000 000", 1002000000, "Egymilliárd-kettőmillió 00/100");
+    row("999 999 999 999.99", 999999999999.99,
+        "Kilencszázkilencvenkilencmilliárd-kilencszázkilencvenkilencmillió-"
+        "kilencszázkilencvenkilencezerkilencszázkilencvenkilenc 99/100");
+
+    // Cents and amounts below one.
+    row("0", 0, "Nulla");
+    row("0.5", 0.5, "Nulla 50/100");
+    row("0.05", 0.05, "Nulla 05/100");
+    row("0.004 rounds to nothing", 0.004, "Nulla");
+    row("12.34", 12.34, "Tizenkettő 34/100");
+    row("half a cent rounds up", 2.675, "Kettő 68/100");
+    row("cents carry into the whole", 1999.995, "Kettőezer 00/100");
+
+    // Negative amounts.
+    row("-0.5", -0.5, "minusz Nulla 50/100");
+    row("-0.001 is zero", -0.001, "Nulla");
+    row("-1 234.567", -1234.567, "minusz Egyezerkettőszázharmincnégy 57/100");
+    row("-2 500 000.1", -2500000.1, "minusz Kettőmillió-ötszázezer 10/100");
+
+    // Beyond the word tables, in digits; nothing for numbers that are not finite.
+    row("a whole part of 13 digits", 999999999999.995, "1000000000000 00/100");
+    row("-1e15", -1e15, "minusz 1000000000000000 00/100");
+    row("NaN", std::numeric_limits<double>::quiet_NaN(), "");
+    row("infinity", std::numeric_limits<double>::infinity(), "");
+    row("minus infinity", -std::numeric_limits<double>::infinity(), "");
+}
+
+void tst_NumberFormatters::amountsInWords()
+{
+    QFETCH(double, amount);
+    QFETCH(QString, expected);
+    if (expected.isEmpty())
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("not finite")));
+    QCOMPARE(amountByText(amount), expected);
 }
 
 QTEST_GUILESS_MAIN(tst_NumberFormatters)

@@ -136,6 +136,12 @@ QStringList IncludeChecker::checkFile(const QString& library, const QString& roo
             if (isTest && include.name.startsWith(QLatin1String("../"))) {
                 // Another folder's test support counts as a use of that folder's library.
                 used = include.name.section(QLatin1Char('/'), 1, 1);
+            } else if (isTest && used.isEmpty() && !include.name.endsWith(QLatin1String(".moc")) &&
+                       !QFileInfo::exists(QFileInfo(file).dir().filePath(include.name))) {
+                // Found through an include path: another folder's support, without saying whose.
+                refuse(
+                    QStringLiteral("not in this folder: include it as \"../<folder>/%1\"").arg(include.name));
+                continue;
             }
             if (!used.isEmpty() && used != library && !allowed.contains(used))
                 refuse(QStringLiteral("%1 may not use %2").arg(library, used));

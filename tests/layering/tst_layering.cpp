@@ -130,6 +130,10 @@ void tst_Layering::checkerFindsWhatIsWrong_data()
         << s("tests/store/tst_a.cpp:1: includes \"../model/support.h\": store may not use model");
     QTest::newRow("a test reading the database itself")
         << s("tests/model/tst_a.cpp") << s("#include <QSqlQuery>\n") << QString();
+    QTest::newRow("a test's support found through an include path")
+        << s("tests/store/tst_a.cpp") << s("#include \"support.h\"\n")
+        << s("tests/store/tst_a.cpp:1: includes \"support.h\": not in this folder: include it as "
+             "\"../<folder>/support.h\"");
 }
 
 void tst_Layering::checkerFindsWhatIsWrong()

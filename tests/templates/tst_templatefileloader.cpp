@@ -1,5 +1,5 @@
+#include "../model/modeltestsupport.h"
 #include "model/defaultrecords.h"
-#include "modeltestsupport.h"
 #include "support/propertylist.h"
 #include "support/zipwriter.h"
 #include "templates/shippedtemplates.h"
@@ -37,7 +37,6 @@ QVariantMap elements(const QString& name, int type, const QVariantList& elementL
     return {{s("name"), name},
             {s("type"), qint64(type)},
             {s("identifier"), s("STORED-ID")},
-            {s("unit"), qint64(1)},
             {s("margin_left"), 20.5},
             {s("sections_height_first"), s("100,100,100,100,100")},
             {s("show_grid"), true},
@@ -50,23 +49,14 @@ Entries sampleTemplate(const QString& name, int type)
 {
     const QVariantMap text{{s("type"), s("text")},
                            {s("identifier"), s("OLD-1")},
-                           {s("section"), s("header")},
                            {s("text"), s("Invoice {number_formatted}")},
-                           {s("position_x"), 10.0},
                            {s("position_y"), qint64(-4)},
                            {s("font_size"), 12.5},
                            {s("font_color"), s("#ffff00000000ffff")},
-                           {s("background_color"), QByteArray("#00008000ffff8000")},
-                           {s("border_top_show"), true}};
-    const QVariantMap picture{
-        {s("type"), s("shape_image")}, {s("format"), s("logo.png")}, {s("zorder"), qint64(2)}};
+                           {s("background_color"), QByteArray("#00008000ffff8000")}};
+    const QVariantMap picture{{s("type"), s("shape_image")}, {s("format"), s("logo.png")}};
     return {{name + s("/template_elements"), PropertyList::toXml(elements(name, type, {text, picture}))},
             {name + s("/logo.png"), QByteArray("\x89PNG picture bytes", 18)}};
-}
-
-int templateCount(EditingContext& c)
-{
-    return c.count(FetchRequest(s("Templates"))) + c.count(FetchRequest(s("TemplateElements")));
 }
 
 } // namespace
@@ -105,9 +95,9 @@ void tst_TemplateFileLoader::loadsTemplateAndElements()
 
     const QList<Record*> elements = loaded->relatedList(s("template_elements"));
     QCOMPARE(elements.size(), 2);
-    const Record* text =
-        elements.at(0)->value(s("type")).toString() == s("text") ? elements.at(0) : elements.at(1);
-    const Record* picture = text == elements.at(0) ? elements.at(1) : elements.at(0);
+    const bool textFirst = elements.at(0)->value(s("type")).toString() == s("text");
+    const Record* text = elements.at(textFirst ? 0 : 1);
+    const Record* picture = elements.at(textFirst ? 1 : 0);
     QVERIFY(uuid.match(text->value(s("identifier")).toString()).hasMatch());
     QVERIFY(text->value(s("identifier")) != picture->value(s("identifier")));
     QCOMPARE(text->value(s("text")).toString(), s("Invoice {number_formatted}"));
@@ -132,40 +122,35 @@ void tst_TemplateFileLoader::loadsTemplateAndElements()
 
 void tst_TemplateFileLoader::badFilesLeaveNothing_data()
 {
-    QTest::addColumn<Entries>("entries");
-    QTest::addColumn<QString>("error");
-
+    QTest::addColumn<Entries>("entries"); // none: a text file
+    QTest::addColumn<QString>("error");   // FILE stands for the file's path
+    const auto row = [](const char* name, const Entries& entries, const char* error) {
+        QTest::newRow(name) << entries << s("The file format is wrong. ") + s(error);
+    };
+    const auto plist = [](const QVariant& value) {
+        return Entries{{s("T/template_elements"), PropertyList::toXml(value)}};
+    };
     const Entries good = sampleTemplate(s("T"), 0);
     const QVariantMap picture{{s("type"), s("shape_image")}, {s("format"), s("../../etc/passwd")}};
-    QTest::newRow("no template_elements")
-        << Entries{{s("T/other"), "x"}} << s("The file format is wrong. It holds no \"template_elements\".");
-    QTest::newRow("garbage property list") << Entries{{s("T/template_elements"), "garbage"}}
-                                           << s("The file format is wrong. Its \"template_elements\" cannot "
-                                                "be read: it is not well-formed XML (line 1, "
-                                                "column 1: Start tag expected.).");
-    QTest::newRow("an array instead of a dictionary")
-        << Entries{{s("T/template_elements"), PropertyList::toXml(QVariantList{s("a")})}}
-        << s("The file format is wrong. Its \"template_elements\" is not a dictionary.");
-    QTest::newRow("elements not a list")
-        << Entries{{s("template_elements"),
-                    PropertyList::toXml(QVariantMap{{s("template_elements"), s("x")}})}}
-        << s("The file format is wrong. Its elements are not a list.");
-    QTest::newRow("an element not a dictionary")
-        << Entries{{s("T/template_elements"), PropertyList::toXml(elements(s("T"), 0, {s("x")}))}}
-        << s("The file format is wrong. One of its elements is not a dictionary.");
-    QTest::newRow("a picture name that walks up")
-        << Entries{{s("T/template_elements"), PropertyList::toXml(elements(s("T"), 0, {picture}))}}
-        << s("The file format is wrong. The picture name \"../../etc/passwd\" is not allowed.");
-    QTest::newRow("a picture that is missing")
-        << Entries{good.first()} << s("The file format is wrong. The picture \"logo.png\" is missing.");
-    QTest::newRow("two templates") << Entries{good.first(), {s("U/template_elements"), good.first().second}}
-                                   << s("The file format is wrong. It holds more than one template.");
-    QTest::newRow("an entry outside the archive") << Entries{good.first(), good.last(), {s("../evil"), "x"}}
-                                                  << s("The file format is wrong. The archive \"FILE\" holds "
-                                                       "an entry with an unsafe name (\"../evil\").");
-    QTest::newRow("not an archive") << Entries{}
-                                    << s("The file format is wrong. \"FILE\" is not a readable ZIP "
-                                         "archive: Not a zip archive");
+    row("no template_elements", {{s("T/other"), "x"}}, "It holds no \"template_elements\".");
+    row("garbage property list", {{s("T/template_elements"), "garbage"}},
+        "Its \"template_elements\" cannot be read: it is not well-formed XML (line 1, column 1: Start tag "
+        "expected.).");
+    row("an array instead of a dictionary", plist(QVariantList{s("a")}),
+        "Its \"template_elements\" is not a dictionary.");
+    row("elements not a list, at the root",
+        {{s("template_elements"), PropertyList::toXml(QVariantMap{{s("template_elements"), s("x")}})}},
+        "Its elements are not a list.");
+    row("an element not a dictionary", plist(elements(s("T"), 0, {s("x")})),
+        "One of its elements is not a dictionary.");
+    row("a picture name that walks up", plist(elements(s("T"), 0, {picture})),
+        "The picture name \"../../etc/passwd\" is not allowed.");
+    row("a picture that is missing", {good.first()}, "The picture \"logo.png\" is missing.");
+    row("two templates", {good.first(), {s("U/template_elements"), good.first().second}},
+        "It holds more than one template.");
+    row("an entry outside the archive", {good.first(), good.last(), {s("../evil"), "x"}},
+        "The archive \"FILE\" holds an entry with an unsafe name (\"../evil\").");
+    row("not an archive", {}, "\"FILE\" is not a readable ZIP archive: Not a zip archive");
 }
 
 void tst_TemplateFileLoader::badFilesLeaveNothing()
@@ -186,7 +171,8 @@ void tst_TemplateFileLoader::badFilesLeaveNothing()
     QString why;
     QVERIFY(!loader.load(file, &why));
     QCOMPARE(why, error.replace(s("FILE"), file));
-    QCOMPARE(templateCount(st.main()), 0);
+    QCOMPARE(st.main().count(FetchRequest(s("Templates"))), 0);
+    QCOMPARE(st.main().count(FetchRequest(s("TemplateElements"))), 0);
     QVERIFY(QDir(dir.filePath(s("templates"))).isEmpty());
 }
 

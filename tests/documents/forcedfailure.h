@@ -3,20 +3,16 @@
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
-#include <QString>
 #include <QUuid>
 
 namespace corvanta::documents::testing {
 
-using namespace corvanta::store;
-
-// Makes every write of one kind to a table of a company database fail, through a trigger set
-// from a second connection, for as long as the object lives: a real failure in the middle of a
-// save, after the statements before it have run.
+// Makes every write of one kind (INSERT, UPDATE or DELETE) to a table of a company database fail,
+// through a trigger set from a second connection, for as long as the object lives: a real
+// failure in the middle of a save, after the statements before it have run.
 class ForcedFailure
 {
 public:
-    // `operation` is INSERT, UPDATE or DELETE.
     ForcedFailure(const QString& databasePath, const QString& table, const QString& operation)
         : m_connection(QUuid::createUuid().toString())
         , m_trigger(QStringLiteral("forced_failure_%1_%2").arg(table, operation.toLower()))
@@ -29,14 +25,12 @@ public:
                 "CREATE TRIGGER \"%1\" BEFORE %2 ON \"%3\" BEGIN SELECT RAISE(ABORT, 'forced failure'); END")
                 .arg(m_trigger, operation, table));
     }
-
     ~ForcedFailure()
     {
         run(QStringLiteral("DROP TRIGGER IF EXISTS \"%1\"").arg(m_trigger));
         QSqlDatabase::database(m_connection).close();
         QSqlDatabase::removeDatabase(m_connection);
     }
-
     ForcedFailure(const ForcedFailure&) = delete;
     ForcedFailure& operator=(const ForcedFailure&) = delete;
 
