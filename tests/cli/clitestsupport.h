@@ -5,7 +5,6 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
-#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -16,21 +15,16 @@ inline QString s(const char* text)
     return QString::fromUtf8(text);
 }
 
-// The words of a command line as a shell splits it; single quotes keep blanks: 'Acme Ltd'.
-inline QStringList words(QAnyStringView text)
+// The words of a command line; none of them holds a blank.
+inline QStringList words(QAnyStringView line)
 {
-    const QString line = text.toString();
-    static const QRegularExpression word(s("'([^']*)'|\\S+"));
-    QStringList found;
-    for (const QRegularExpressionMatch& match : word.globalMatch(line))
-        found << (match.capturedStart(1) >= 0 ? match.captured(1) : match.captured());
-    return found;
+    return line.toString().split(QLatin1Char(' '), Qt::SkipEmptyParts);
 }
 
 // A new invoice for the client of Cli::addClientAndItems(), with more options.
 inline QString invoice(QAnyStringView options)
 {
-    return s("documents new --type invoice --client 'Acme Ltd' ") + options.toString();
+    return s("documents new --type invoice --client Acme ") + options.toString();
 }
 
 struct Run
@@ -98,12 +92,12 @@ public:
         return json(s("items show ") + item.toString())[s("stock_current")].toDouble();
     }
 
-    // The client and items the scenarios work with. Bolt: 10 and 9 at the first two price levels,
-    // tax "10%"; Labour carries no tax.
+    // The client and items the scenarios work with. Bolt: 10 with the tax "10%"; Labour: 100
+    // without tax.
     void addClientAndItems() const
     {
-        for (const char* line : {"clients add --kind company --name 'Acme Ltd'",
-                                 "items add --name Bolt --price 10 --price 9 --tax 10% --unit Each",
+        for (const char* line : {"clients add --kind company --name Acme",
+                                 "items add --name Bolt --price 10 --tax 10% --unit Each",
                                  "items add --name Labour --kind service --price 100"}) {
             const Run done = run(line);
             QVERIFY2(done.exitCode == 0, qPrintable(done.err));

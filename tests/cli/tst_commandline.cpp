@@ -1,5 +1,7 @@
 #include "clitestsupport.h"
 
+#include <QProcess>
+#include <QRegularExpression>
 #include <QStandardPaths>
 
 using namespace corvanta::cli::testing;
@@ -13,7 +15,6 @@ private Q_SLOTS:
     void exitCodes_data();
     void exitCodes();
     void helpAndManPageCoverEveryCommand();
-    void infoCreatesDatabase();
     void databaseListOnFirstUse();
     void backupCopies();
     void demo();
@@ -28,42 +29,26 @@ void tst_CommandLine::exitCodes_data()
         QTest::newRow(name) << line.toString() << exitCode << s(printed);
     };
     // Done: only what was asked for is printed.
-    row("help", "--help", 0, "Usage: corvanta-cli");
-    row("version", "--version", 0, "corvanta-cli 0.");
-    row("group help", "items --help", 0, "items receive");
     row("help command", "help documents pay", 0,
         "Usage: corvanta-cli [--database FILE] [--json] documents pay");
-    // Refused by the data: 1.
+    // Refused by the data: 1. A file, a name, a value and a condition.
     row("not a database", "--database notes.txt info", 1, "is not a Corvanta company database.");
-    row("unknown client", "documents new --type invoice --client Acme", 1,
-        "No client is named \"Acme\". Known: \"Acme Ltd\".");
-    row("unknown tax of a row", invoice("--row Bolt;1 --row X;1;1;VAT"), 1, "No tax is named \"VAT\".");
-    row("quantity too large", invoice("--row Bolt;1e12"), 1, "The quantity must be a number");
+    row("unknown client", "documents new --type invoice --client Acm", 1,
+        "No client is named \"Acm\". Known: \"Acme\".");
     row("exchange rate of 0", invoice("--currency EUR --rate 0"), 1,
         "The exchange rate must be a number above 0");
-    row("unknown currency", invoice("--currency XXQ"), 1, "No currency has the code \"XXQ\".");
-    row("malformed predicate", "documents list --where 'sum_total >'", 1,
-        "The condition is malformed at position 11");
-    row("unknown key in predicate", "clients list --where 'colour == 1'", 1, "colour");
-    row("unknown document", "documents pay INVOICE/1999-0001 --amount 1", 1,
-        "No document has the number or identifier \"INVOICE/1999-0001\".");
-    row("unknown item received", "items receive Screw --quantity 1", 1, "No item is named \"Screw\".");
+    row("malformed predicate", "documents list --where sum_total>", 1,
+        "The condition is malformed at position 10");
     // A wrong command line: 2.
-    row("unknown option", "--colour", 2, "Unknown option \"--colour\".");
     row("unknown command", "frobnicate", 2, "Unknown command \"frobnicate\".");
-    row("database without file", "--database", 2, "--database needs a file name.");
     row("group without command", "documents", 2, "documents finalize");
-    row("database list with --database", "--database x.cvdb databases", 2,
-        "\"databases\" works on the database list");
-    row("missing type", "documents new --client 'Acme Ltd'", 2, "The option \"--type\" is required.");
-    row("unknown type", "documents new --type bill --client 'Acme Ltd'", 2,
-        "--type must be one of invoice, proforma");
-    row("row without quantity", invoice("--row Bolt"), 2, "write a row as \"NAME;QUANTITY\"");
-    row("rate without currency", invoice("--rate 2"), 2, "--rate needs --currency");
-    row("draft quotation", "documents new --type quotation --client 'Acme Ltd' --draft", 2,
-        "Only an invoice can be a draft");
-    row("malformed date", invoice("--date 15.03.2024"), 2, "\"15.03.2024\" is not a date");
     row("unknown option of a command", invoice("--colour red"), 2, "Unknown option \"--colour\".");
+    row("missing option", "documents new --client Acme", 2, "The option \"--type\" is required.");
+    row("value not among the choices", "documents new --type bill --client Acme", 2,
+        "--type must be one of invoice, proforma");
+    row("date that does not exist", invoice("--date 2023-02-29"), 2, "\"2023-02-29\" is not a date");
+    row("grouped number", invoice("--row Bolt;1,5"), 2, "\"1,5\" is not a number");
+    row("option without the one it needs", invoice("--rate 2"), 2, "--rate needs --currency");
     row("one word too many", "documents show A B", 2, "Unexpected argument \"B\".");
 }
 
@@ -103,7 +88,6 @@ void tst_CommandLine::helpAndManPageCoverEveryCommand()
     for (const QString& line : commands.split(QLatin1Char('\n'), Qt::SkipEmptyParts))
         names << line.trimmed().section(s("  "), 0, 0);
     QVERIFY(names.contains(s("documents new")));
-    QVERIFY(names.contains(s("demo")));
     QFile file(QStringLiteral(CORVANTA_MANPAGE));
     QVERIFY(file.open(QIODevice::ReadOnly));
     const QString page = QString::fromUtf8(file.readAll());
@@ -117,12 +101,7 @@ void tst_CommandLine::helpAndManPageCoverEveryCommand()
         // Command names are set in bold in the page: \fBdocuments new\fR.
         QVERIFY2(page.contains(s("\\fB") + name), qPrintable(name));
     }
-    // Help needs no database: nothing was made in the home folder.
-    QVERIFY(!QFileInfo::exists(cli.path("data/corvanta")));
-
-    for (const char* section : {".SH NAME", ".SH SYNOPSIS", ".SH DESCRIPTION", ".SH OPTIONS",
-                                ".SH EXIT STATUS", ".SH EXAMPLES", ".SH FILES"})
-        QVERIFY2(page.contains(s(section)), section);
+    // The page renders without a warning.
     const QString groff = QStandardPaths::findExecutable(s("groff"));
     if (groff.isEmpty())
         QSKIP("groff is not installed");
@@ -131,20 +110,6 @@ void tst_CommandLine::helpAndManPageCoverEveryCommand()
     QVERIFY(process.waitForFinished());
     QCOMPARE(process.exitCode(), 0);
     QCOMPARE(QString::fromUtf8(process.readAllStandardError()), QString());
-}
-
-void tst_CommandLine::infoCreatesDatabase()
-{
-    const Cli cli;
-    const QString path = cli.path("sub/company.cvdb");
-    const Run run = cli.raw(s("info --database '%1'").arg(path));
-    QCOMPARE(run.exitCode, 0);
-    QCOMPARE(run.line(0), s("Database: ") + path);
-    QVERIFY(run.out.contains(QRegularExpression(s("Documents\\s+0\n"))));
-    QVERIFY(run.out.contains(QRegularExpression(s("MyCompany\\s+1\n"))));
-    QVERIFY(!QFileInfo::exists(path + s(".lock"))); // released on exit
-    // The database list is not touched when a file is named.
-    QVERIFY(!QFileInfo::exists(cli.path("data/corvanta")));
 }
 
 void tst_CommandLine::databaseListOnFirstUse()
@@ -160,26 +125,18 @@ void tst_CommandLine::databaseListOnFirstUse()
     QVERIFY(first.value(s("path")).toString().startsWith(cli.path("data/corvanta/")));
     QVERIFY(QFileInfo::exists(first.value(s("path")).toString()));
 
-    Run run = cli.raw("databases new 'Second Co'");
+    Run run = cli.raw("databases new Second");
     QCOMPARE(run.exitCode, 0);
     const QString second = run.line(1);
-    QVERIFY2(second.endsWith(s(".cvdb")), qPrintable(run.out));
-    QCOMPARE(cli.raw("clients add --name 'In The First'").exitCode, 0);
-    QCOMPARE(cli.raw("databases select 'Second Co'").exitCode, 0);
+    QCOMPARE(cli.raw("databases select Second").exitCode, 0);
     QCOMPARE(cli.raw("info").line(0), s("Database: ") + second);
-    QCOMPARE(cli.raw("--json clients list").json().toArray().size(), 0);
     databases = list();
     QCOMPARE(databases.size(), 2);
-    QVERIFY(!databases.at(0).toObject().value(s("selected")).toBool());
-    QVERIFY(databases.at(1).toObject().value(s("selected")).toBool());
 
-    // Refusals leave the list as it was.
-    run = cli.raw("databases select 'Third Co'");
+    // A refusal leaves the list as it was.
+    run = cli.raw("databases select Third");
     QCOMPARE(run.exitCode, 1);
-    QVERIFY2(run.err.contains(s("No company database is named \"Third Co\".")), qPrintable(run.err));
-    run = cli.raw("databases new ' '");
-    QCOMPARE(run.exitCode, 1);
-    QVERIFY2(run.err.contains(s("Enter the name of the company.")), qPrintable(run.err));
+    QVERIFY2(run.err.contains(s("No company database is named \"Third\".")), qPrintable(run.err));
     QCOMPARE(list(), databases);
 }
 
@@ -193,7 +150,7 @@ void tst_CommandLine::backupCopies()
     QVERIFY2(archive.contains(QRegularExpression(s("/Desktop/Corvanta \\d{4}-\\d\\d-\\d\\d \\d{4}\\.zip$"))),
              qPrintable(archive));
     QVERIFY(QFileInfo(archive).size() > 0);
-    run = cli.run(s("--json backup --to '%1'").arg(cli.path("copies/today")));
+    run = cli.run(s("--json backup --to %1").arg(cli.path("copies/today")));
     QCOMPARE(run.exitCode, 0);
     const QString single = run.json().toObject().value(s("path")).toString();
     QVERIFY2(single.startsWith(cli.path("copies/today/Corvanta ")), qPrintable(single));
@@ -207,6 +164,7 @@ void tst_CommandLine::demo()
     QCOMPARE(run.exitCode, 0);
     QVERIFY2(run.out.contains(cli.database()), qPrintable(run.out));
     QVERIFY2(run.err.isEmpty(), qPrintable(run.err));
+    QVERIFY(!QFileInfo::exists(cli.database() + s(".lock"))); // released on exit
     QStringList seen;
     for (const QJsonValue& document : cli.json("documents list").toArray())
         seen << document[s("status")].toString() << document[s("type_name")].toString();
@@ -214,7 +172,7 @@ void tst_CommandLine::demo()
          {"paid", "unpaid", "cancelled", "draft", "invoice", "quotation", "delivery_note", "purchase_order"})
         QVERIFY2(seen.contains(s(kind)), kind);
     // 500 bolts came in; 100 were invoiced; the cancelled invoice's 10 came back.
-    QCOMPARE(cli.json("items show Bolt")[s("stock_current")].toDouble(), 400.0);
+    QCOMPARE(cli.stock("Bolt"), 400.0);
     // A second demo on the same file is refused; one without --database goes to a new folder.
     QCOMPARE(cli.run("demo").exitCode, 1);
     const QJsonObject scratch = cli.raw("--json demo").json().toObject();

@@ -70,11 +70,6 @@ public:
         return in.open(QIODevice::ReadOnly) ? in.readAll() : QByteArray();
     }
 
-    QVariantList readList() const
-    {
-        return support::PropertyList::parse(readBytes(listFile()), nullptr).toList();
-    }
-
     // The copies of damaged lists kept beside the list.
     QStringList keptCopies() const
     {
@@ -95,6 +90,15 @@ inline QStringList alerts(const support::ScriptedPrompter& prompter)
             asked << q.title + QStringLiteral(" | ") + q.text;
     }
     return asked;
+}
+
+// The names in a database list, in its order, the selected one marked with "*".
+inline QStringList names(const std::optional<QList<DatabaseEntry>>& entries)
+{
+    QStringList result;
+    for (const DatabaseEntry& entry : entries.value_or(QList<DatabaseEntry>()))
+        result << entry.name + (entry.selected ? QStringLiteral("*") : QString());
+    return result;
 }
 
 // A real company database whose company is called `name`.

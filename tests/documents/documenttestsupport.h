@@ -9,14 +9,17 @@
 #include "documents/draftnumber.h"
 #include "documents/rowfiller.h"
 #include "documents/stockcalculator.h"
-#include "model/companyrecord.h"
 #include "model/defaultrecords.h"
 #include "predicate/literal.h"
 #include "support/scriptedprompter.h"
 #include "support/uuid.h"
 
 #include <QDateTime>
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
 #include <QTest>
+#include <QUuid>
 
 namespace corvanta::documents::testing {
 
@@ -28,6 +31,16 @@ using store::Record;
 inline QDateTime at(int year, int month, int day, int hour = 10, int minute = 30)
 {
     return QDateTime(QDate(year, month, day), QTime(hour, minute));
+}
+
+// The questions a prompter was asked so far, each as "title | text | buttons".
+inline QStringList asked(const support::ScriptedPrompter& prompter)
+{
+    QStringList result;
+    for (const auto& q : prompter.questions())
+        result << QStringList{q.title, q.text, q.buttons.join(QStringLiteral(", "))}.join(
+            QStringLiteral(" | "));
+    return result;
 }
 
 // A new company database with the default records of a new database, a scripted prompter and
@@ -47,6 +60,13 @@ public:
     store::EditingContext& main() { return m_scratch.main(); }
     QString path() const { return m_scratch.path(); }
     support::ScriptedPrompter& prompter() { return m_prompter; }
+    QStringList asked() const { return testing::asked(m_prompter); }
+    // One of them (negative: counted from the last).
+    QString question(qsizetype index = 0) const
+    {
+        const QStringList all = asked();
+        return all.value(index < 0 ? all.size() + index : index, QStringLiteral("(not asked)"));
+    }
     Clock clock()
     {
         return [this] { return m_now; };
@@ -64,13 +84,9 @@ public:
             return T(store(), prompter());
     }
 
-    QList<Record*> fetch(const QString& entity, const QString& condition, const QVariantList& arguments = {})
-    {
-        return main().fetch(store::FetchRequest(entity, predicate::literal(condition, arguments)));
-    }
     Record* named(const char* entity, const QString& name)
     {
-        return fetch(s(entity), s("name == %@"), {name}).value(0);
+        return main().fetchFirst(store::FetchRequest(s(entity), predicate::literal("name == %@", {name})));
     }
     int count(const char* entity) { return main().count(store::FetchRequest(s(entity))); }
     Record* record(const RecordRef& ref) { return main().record(ref); }
@@ -110,33 +126,24 @@ public:
             {{s("item"), QVariant::fromValue(item)}, {s("quantity"), quantity}, {s("date"), m_now}});
     }
 
-    // A document of `type` dated today (unless `values` say otherwise) with a row of each item and
-    // quantity, stored as the document editor stores one: snapshot, totals and folders; numbered
-    // without a question when `final`, otherwise a draft; and the stock of its items counted again.
-    RecordRef addDocument(int type, const RecordRef& client, const QList<std::pair<RecordRef, double>>& rows,
+    // A document of `type` dated today (unless `values` say otherwise) with a row of `quantity` of
+    // an item, stored as the document editor stores one: snapshot, totals and folders; numbered
+    // without a question when `final`, otherwise a draft; and the stock of its item counted again.
+    RecordRef addDocument(int type, const RecordRef& client, const RecordRef& item, double quantity,
                           bool final = true, const QVariantMap& values = {})
     {
         store::EditingContext& c = main();
-        const Record* company = model::CompanyRecord::of(c);
-        const QVariant currency = company->value(s("default_currency"));
-        Record* d =
-            c.insertRecord(s("Documents"), {{s("type"), type},
-                                            {s("identifier"), support::UUID()},
-                                            {s("date_creation"), QDateTime(m_now.date(), QTime(12, 0))},
-                                            {s("exchange_rate"), 1.0},
-                                            {s("currency"), currency},
-                                            {s("default_currency"), currency},
-                                            {s("payment_type"), company->value(s("default_payment_type"))},
-                                            {s("bank"), company->value(s("default_bank"))}});
-        for (auto it = values.cbegin(); it != values.cend(); ++it)
-            d->setValue(it.key(), it.value());
+        QVariantMap all{{s("type"), type},
+                        {s("identifier"), support::UUID()},
+                        {s("exchange_rate"), 1.0},
+                        {s("date_creation"), QDateTime(m_now.date(), QTime(12, 0))}};
+        all.insert(values);
+        Record* d = c.insertRecord(s("Documents"), all);
         d->setRelated(s("client"), record(client));
-        for (const auto& [item, quantity] : rows) {
-            Record* row = c.insertRecord(s("DocumentRows"));
-            row->setRelated(s("document"), d);
-            RowFiller::fillFromItem(row, record(item), 1);
-            row->setValue(s("quantity"), quantity);
-        }
+        Record* row = c.insertRecord(s("DocumentRows"));
+        row->setRelated(s("document"), d);
+        RowFiller::fillFromItem(row, record(item), 1);
+        row->setValue(s("quantity"), quantity);
         DocumentSnapshot::update(d);
         DocumentTotals::updateTaxSummary(d);
         DocumentTags::update(d);
@@ -202,6 +209,45 @@ private:
     model::testing::ScratchCompany m_scratch;
     support::ScriptedPrompter m_prompter;
     QDateTime m_now;
+};
+
+// Makes every write of one kind (INSERT, UPDATE or DELETE) to a table of a company database fail,
+// through a trigger set from a second connection, for as long as the object lives: a real
+// failure in the middle of a save, after the statements before it have run.
+class ForcedFailure
+{
+public:
+    ForcedFailure(const QString& databasePath, const QString& table, const QString& operation)
+        : m_connection(QUuid::createUuid().toString())
+        , m_trigger(QStringLiteral("forced_failure_%1_%2").arg(table, operation.toLower()))
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connection);
+        db.setDatabaseName(databasePath);
+        if (!db.open())
+            qFatal("cannot open the database for a forced failure");
+        run(QStringLiteral(
+                "CREATE TRIGGER \"%1\" BEFORE %2 ON \"%3\" BEGIN SELECT RAISE(ABORT, 'forced failure'); END")
+                .arg(m_trigger, operation, table));
+    }
+    ~ForcedFailure()
+    {
+        run(QStringLiteral("DROP TRIGGER IF EXISTS \"%1\"").arg(m_trigger));
+        QSqlDatabase::database(m_connection).close();
+        QSqlDatabase::removeDatabase(m_connection);
+    }
+    ForcedFailure(const ForcedFailure&) = delete;
+    ForcedFailure& operator=(const ForcedFailure&) = delete;
+
+private:
+    void run(const QString& sql)
+    {
+        QSqlQuery query(QSqlDatabase::database(m_connection));
+        if (!query.exec(sql))
+            qFatal("forced failure: %s", qPrintable(query.lastError().text()));
+    }
+
+    QString m_connection;
+    QString m_trigger;
 };
 
 } // namespace corvanta::documents::testing

@@ -66,7 +66,6 @@ private Q_SLOTS:
     void entryFields();
     void reading_data();
     void reading();
-    void quantitiesReadTheSystemsDecimalSeparator();
     void amountsInWords_data();
     void amountsInWords();
 };
@@ -81,66 +80,44 @@ void tst_NumberFormatters::currencyFormats_data()
         QTest::newRow(name) << format << number << s(expected);
     };
     const CurrencyFormat usual = currency("l", ",", ".", 2, true);
-    const CurrencyFormat whole = currency("l", ",", ".", 0, false);
-    const CurrencyFormat plain = currency("none", ",", ".", 0, false);
 
-    // Where the mark stands.
+    // Where the mark stands; without a mark there is no stray blank.
     row("l", usual, 1234.5, "$1,234.50");
     row("ls", currency("ls", ",", ".", 2, true), 1234.5, "$ 1,234.50");
     row("r", currency("r", ",", ".", 2, true), 1234.5, "1,234.50$");
     row("sr", currency("sr", ",", ".", 2, true, "€"), 1234.5, "1,234.50 €");
     row("code", currency("code", ",", ".", 2, true), 1234.5, "1,234.50 USD");
-    row("none", currency("none", ",", ".", 2, true), 1234.5, "1,234.50");
     row("unknown placement", currency("left", ",", ".", 2, true), 1234.5, "1,234.50");
     row("ls with an empty symbol", currency("ls", ",", ".", 2, true, ""), 5, "5.00");
 
-    // Separators.
+    // Separators; an empty decimal separator falls back to the point.
     row("grouping none, free digits", currency("sr", "none", ".", 2, false, "€"), 1234.5, "1234.5 €");
     row("grouping dot, decimal comma", currency("sr", ".", ",", 2, true, "€"), 1234567.891, "1.234.567,89 €");
-    row("grouping blank", currency("sr", " ", ",", 0, false, "Ft"), 1234567, "1 234 567 Ft");
-    row("grouping apostrophe", currency("ls", "'", ".", 2, true, "CHF"), 1234567.5, "CHF 1'234'567.50");
-    row("three digits are not grouped", usual, 999, "$999.00");
-    row("four digits are", usual, 1000, "$1,000.00");
     row("multi-character separators", currency("none", "--", "::", 2, true), 1234.5, "1--234::50");
     row("empty decimal separator", currency("l", ",", "", 2, true), 1234.5, "$1,234.50");
-    row("empty grouping separator", currency("l", "", ".", 2, true), 1234567.5, "$1234567.50");
     row("nothing set", currency(nullptr, nullptr, nullptr, 0, false, nullptr), 1234.56, "1235");
 
     // Fraction digits.
     row("free digits cut trailing zeros", currency("l", ",", ".", 2, false), 12.5, "$12.5");
     row("free digits, rounded away", currency("l", ",", ".", 2, false), 12.001, "$12");
-    row("four free digits", currency("l", ",", ".", 4, false), 0.10009, "$0.1001");
     row("negative digits count as none", currency("l", ",", ".", -3, true), 1234.56, "$1,235");
 
-    // Negative amounts: the sign leads, whatever the placement.
-    row("negative l", usual, -1234.5, "-$1,234.50");
-    row("negative sr", currency("sr", ".", ",", 2, true, "€"), -1234.5, "-1.234,50 €");
+    // Negative amounts: the sign leads, in front of the mark too.
+    row("negative", usual, -1234.5, "-$1,234.50");
     row("negative rounding to zero has no sign", usual, -0.004, "$0.00");
-    row("negative zero", usual, -0.0, "$0.00");
 
     // Rounding: half away from zero on the shortest decimal that reads back as the double.
     row("2.675", usual, 2.675, "$2.68");
-    row("0.125 (exact in binary)", usual, 0.125, "$0.13");
-    row("2.5 to whole (not to even)", whole, 2.5, "$3");
-    row("-2.5 to whole", whole, -2.5, "-$3");
-    row("just below the half", usual, 2.674999, "$2.67");
+    row("-2.5 to whole (not to even)", currency("l", ",", ".", 0, false), -2.5, "-$3");
     row("carry into a new group", usual, 999.995, "$1,000.00");
-    row("carry through nines", currency("none", ",", ".", 2, false), 9999999.999, "10,000,000");
 
-    // Very large and very small.
-    row("beyond the exact integers", plain, 123456789012345678.0, "123,456,789,012,345,680");
-    row("1e21 in full", plain, 1e21, "1,000,000,000,000,000,000,000");
-    QTest::newRow("largest double, every digit")
-        << currency("none", "none", ".", 0, false) << std::numeric_limits<double>::max()
-        << s("17976931348623157") + QString(292, QLatin1Char('0'));
+    // Very large and very small: every digit, never an exponent.
+    row("beyond the exact integers", currency("none", ",", ".", 0, false), 123456789012345678.0,
+        "123,456,789,012,345,680");
     row("half a millionth rounds up", currency("none", ",", ".", 6, false), 5e-7, "0.000001");
-    row("below half a millionth", currency("none", ",", ".", 6, false), 4.9e-7, "0");
-    row("smallest double", usual, std::numeric_limits<double>::denorm_min(), "$0.00");
 
     // Never shown.
     row("NaN", usual, std::numeric_limits<double>::quiet_NaN(), "");
-    row("infinity", usual, std::numeric_limits<double>::infinity(), "");
-    row("minus infinity", usual, -std::numeric_limits<double>::infinity(), "");
 }
 
 void tst_NumberFormatters::currencyFormats()
@@ -181,16 +158,10 @@ void tst_NumberFormatters::entryFields_data()
     };
     // Neither shows the currency mark; quantities are never grouped, keep up to six digits and
     // take their decimal separator from the system, not from the currency.
-    row("comma grouping, fixed", currency("sr", ",", ".", 2, true), "C", 1234.5, "1,234.50", "1234.50");
-    row("free digits", currency("sr", ",", ".", 2, false), "C", 1234.5, "1,234.5", "1234.5");
     row("six digits for quantities", currency("sr", ",", ".", 2, false), "C", 1.23456789, "1.23", "1.234568");
-    row("currency comma, system point", currency("sr", ".", ",", 2, true), "C", 3.25, "3,25", "3.25");
-    row("currency point, system comma", currency("sr", ",", ".", 2, true), "de_DE", 1234.25, "1,234.25",
-        "1234,25");
+    row("currency point, system comma", currency("sr", ",", ".", 2, true), "de_DE", 1234.5, "1,234.50",
+        "1234,50");
     row("fixed digits above six", currency("sr", ",", ".", 8, true), "C", 1.5, "1.50000000", "1.50000000");
-    row("negative", currency("sr", ",", ".", 2, true), "C", -1234.567, "-1,234.57", "-1234.567");
-    row("missing separators", currency("sr", nullptr, nullptr, 2, true), "C", 1234.5, "1234.50", "1234.50");
-    row("negative digits", currency("sr", ",", ".", -2, true), "C", 1234.5, "1,235", "1234.5");
 }
 
 void tst_NumberFormatters::entryFields()
@@ -203,8 +174,12 @@ void tst_NumberFormatters::entryFields()
 
     const CurrencySource record(currency);
     QCOMPARE(NumberFormatter(&record).stringFromNumber(number), prices);
-    QCOMPARE(NoDigitLimitNumberFormatter(&record, QLocale(systemLocale)).stringFromNumber(number),
-             quantities);
+    const NoDigitLimitNumberFormatter quantityField(&record, QLocale(systemLocale));
+    QCOMPARE(quantityField.stringFromNumber(number), quantities);
+    // What a quantity field shows, it reads back, with the system's decimal separator.
+    QVariant read;
+    QVERIFY(quantityField.getObjectValue(&read, quantities));
+    QCOMPARE(quantityField.stringForObjectValue(read), quantities);
 }
 
 void tst_NumberFormatters::reading_data()
@@ -221,25 +196,15 @@ void tst_NumberFormatters::reading_data()
                             << s("\u201c%1\u201d is not a valid number.").arg(s(text));
     };
     // Read with grouping "." and decimal "," (a Hungarian-style default currency).
-    valid("plain", "1234", 1234.0);
-    valid("grouped with fraction", "1.234.567,891", 1234567.891);
-    valid("grouping anywhere in the whole part", "12.34", 1234.0);
-    valid("blanks around", "  -1.234,5 ", -1234.5);
-    valid("plus sign", "+7", 7.0);
+    valid("grouped, with fraction and blanks", "  -1.234.567,891 ", -1234567.891);
     valid("minus sign character", "\u22123", -3.0);
     valid("fraction only", ",5", 0.5);
-    valid("trailing separator", "5,", 5.0);
     valid("more digits than shown are kept", "0,123456", 0.123456);
     valid("empty field", "", QVariant());
-    valid("blank field", "   ", QVariant());
-    invalid("letters", "abc");
-    invalid("a mark", "12 €");
     invalid("two decimal separators", "1,2,3");
     invalid("grouping in the fraction", "1,234.5");
     invalid("grouping before a digit", ".5");
     invalid("sign alone", "-");
-    invalid("exponent", "1e5");
-    invalid("nan", "nan");
     invalid("infinity", "-Infinity");
     const QString huge(400, QLatin1Char('9'));
     QTest::newRow("beyond the largest double")
@@ -261,18 +226,6 @@ void tst_NumberFormatters::reading()
     QCOMPARE(read, error.isEmpty() ? value : QVariant(s("untouched")));
 }
 
-void tst_NumberFormatters::quantitiesReadTheSystemsDecimalSeparator()
-{
-    const CurrencySource record(currency("sr", ",", ".", 2, true));
-    const NoDigitLimitNumberFormatter quantities(&record, QLocale(s("hu_HU")));
-    QVariant value;
-    QVERIFY(quantities.getObjectValue(&value, s("1234,5")));
-    QCOMPARE(value, QVariant(1234.5));
-    // Neither the currency's grouping nor its decimal point.
-    QVERIFY(!quantities.getObjectValue(&value, s("1234.5")));
-    QVERIFY(!quantities.getObjectValue(&value, s("1 234,5")));
-}
-
 void tst_NumberFormatters::amountsInWords_data()
 {
     QTest::addColumn<double>("amount");
@@ -281,51 +234,29 @@ void tst_NumberFormatters::amountsInWords_data()
     const auto row = [](const char* name, double amount, const char* expected) {
         QTest::newRow(name) << amount << s(expected);
     };
-    // Units, tens and the two short tens forms.
-    row("10", 10, "Tíz 00/100");
+    // The two short tens forms, and the long two.
     row("11", 11, "Tizenegy 00/100");
-    row("20", 20, "Húsz 00/100");
     row("21", 21, "Huszonegy 00/100");
-    row("100", 100, "Egyszáz 00/100");
     row("200 keeps the long two", 200, "Kettőszáz 00/100");
-    row("512", 512, "Ötszáztizenkettő 00/100");
 
-    // Group boundaries and the hyphens, which come only above 2000.
-    row("1 000", 1000, "Egyezer 00/100");
-    row("1 999", 1999, "Egyezerkilencszázkilencvenkilenc 00/100");
+    // Group names, and the hyphens after milliárd and millió, which are trimmed at the ends only.
     row("2 001", 2001, "Kettőezeregy 00/100");
-    row("21 021", 21021, "Huszonegyezerhuszonegy 00/100");
-    row("999 999", 999999, "Kilencszázkilencvenkilencezerkilencszázkilencvenkilenc 00/100");
     row("1 000 000", 1000000, "Egymillió 00/100");
     row("1 000 001", 1000001, "Egymillió-egy 00/100");
-    row("1 500 000", 1500000, "Egymillió-ötszázezer 00/100");
     row("1 000 000 000", 1000000000, "Egymilliárd 00/100");
     row("1 000 005 001", 1000005001, "Egymilliárd--ötezeregy 00/100");
-    row("1 002 000 000", 1002000000, "Egymilliárd-kettőmillió 00/100");
     row("999 999 999 999.99", 999999999999.99,
         "Kilencszázkilencvenkilencmilliárd-kilencszázkilencvenkilencmillió-"
         "kilencszázkilencvenkilencezerkilencszázkilencvenkilenc 99/100");
 
-    // Cents and amounts below one.
-    row("0", 0, "Nulla");
-    row("0.5", 0.5, "Nulla 50/100");
+    // Cents, amounts below one and the sign.
     row("0.05", 0.05, "Nulla 05/100");
     row("0.004 rounds to nothing", 0.004, "Nulla");
-    row("12.34", 12.34, "Tizenkettő 34/100");
-    row("half a cent rounds up", 2.675, "Kettő 68/100");
     row("cents carry into the whole", 1999.995, "Kettőezer 00/100");
-
-    // Negative amounts.
     row("-0.5", -0.5, "minusz Nulla 50/100");
-    row("-0.001 is zero", -0.001, "Nulla");
-    row("-1 234.567", -1234.567, "minusz Egyezerkettőszázharmincnégy 57/100");
-    row("-2 500 000.1", -2500000.1, "minusz Kettőmillió-ötszázezer 10/100");
 
     // Beyond the word tables, in digits; nothing for numbers that are not finite.
     row("a whole part of 13 digits", 999999999999.995, "1000000000000 00/100");
-    row("-1e15", -1e15, "minusz 1000000000000000 00/100");
-    row("NaN", std::numeric_limits<double>::quiet_NaN(), "");
-    row("infinity", std::numeric_limits<double>::infinity(), "");
     row("minus infinity", -std::numeric_limits<double>::infinity(), "");
 }
 

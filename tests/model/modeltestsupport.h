@@ -20,13 +20,7 @@ inline QString s(const char* text)
 class ScratchCompany
 {
 public:
-    ScratchCompany()
-    {
-        store::StoreError error;
-        m_store = CompanyDatabase::open(path(), &error);
-        if (!m_store)
-            qFatal("cannot open the scratch company: %s", qPrintable(error.message()));
-    }
+    ScratchCompany() { reopen(); }
 
     QString path() const { return m_dir.filePath(QStringLiteral("company.cvdb")); }
     store::Store& store() { return *m_store; }
@@ -39,7 +33,7 @@ public:
         store::StoreError error;
         m_store = CompanyDatabase::open(path(), &error);
         if (!m_store)
-            qFatal("cannot reopen the scratch company: %s", qPrintable(error.message()));
+            qFatal("cannot open the scratch company: %s", qPrintable(error.message()));
     }
 
 private:
@@ -52,6 +46,18 @@ inline void saveOrFail(store::EditingContext& context)
     store::StoreError error;
     if (!context.save(&error))
         QFAIL(qPrintable(QStringLiteral("save failed: ") + error.message()));
+}
+
+// The values at `keyPaths` of a record joined by " | ", "-" standing for none: one comparison
+// shows every value that is off.
+inline QString valuesOf(const store::Record* record, std::initializer_list<const char*> keyPaths)
+{
+    QStringList texts;
+    for (const char* keyPath : keyPaths) {
+        const QVariant value = record ? record->valueForKeyPath(s(keyPath)) : QVariant();
+        texts << (value.isNull() ? s("-") : value.toString());
+    }
+    return texts.join(s(" | "));
 }
 
 inline predicate::Predicate where(const QString& keyPath, predicate::Predicate::Operator op,
