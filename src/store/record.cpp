@@ -183,6 +183,9 @@ QVariant Record::primitiveValue(const QString& key) const
 
 QVariant Record::valueForKeyPath(const QString& keyPath) const
 {
+    // Most paths name one attribute: it is read without taking the path apart.
+    if (const AttributeDescription* a = m_entity->attribute(keyPath))
+        return slotValue(a->slot);
     return valueForPathParts(keyPath.split(QLatin1Char('.')), 0);
 }
 
