@@ -5,7 +5,6 @@
 #include "documenttypes.h"
 #include "format/relativedates.h"
 #include "model/documentrowsrecord.h"
-#include "predicate/literal.h"
 #include "recordcopy.h"
 #include "savefailure.h"
 #include "stockcalculator.h"
@@ -57,8 +56,7 @@ std::optional<predicate::RecordRef> DocumentCanceller::cancel(const predicate::R
 {
     // A context of its own: a failed save leaves nothing behind in the program's records.
     std::unique_ptr<store::EditingContext> context = m_store.newContext();
-    Record* original = context->fetchFirst(
-        store::FetchRequest(s("Documents"), predicate::literal(s("self == %@"), {QVariant::fromValue(ref)})));
+    Record* original = context->fetchRecord(s("Documents"), ref);
     if (!original)
         return std::nullopt;
     if (!canCancel(original)) {

@@ -8,7 +8,6 @@
 #include "format/relativedates.h"
 #include "model/companyrecord.h"
 #include "model/documentrowsrecord.h"
-#include "predicate/literal.h"
 #include "recordcopy.h"
 #include "savefailure.h"
 #include "stockcalculator.h"
@@ -45,8 +44,7 @@ DocumentCopier::DocumentCopier(store::Store& store, support::Prompter& prompter,
 std::optional<predicate::RecordRef> DocumentCopier::duplicate(const predicate::RecordRef& ref)
 {
     std::unique_ptr<store::EditingContext> context = m_store.newContext();
-    Record* original = context->fetchFirst(
-        store::FetchRequest(s("Documents"), predicate::literal(s("self == %@"), {QVariant::fromValue(ref)})));
+    Record* original = context->fetchRecord(s("Documents"), ref);
     if (!original)
         return std::nullopt;
 

@@ -1,6 +1,5 @@
 #include "documentdeleter.h"
 
-#include "predicate/literal.h"
 #include "savefailure.h"
 #include "stockcalculator.h"
 #include "store/editingcontext.h"
@@ -21,9 +20,7 @@ bool DocumentDeleter::deleteDocument(const predicate::RecordRef& ref)
 {
     // A context of its own: a failed save leaves nothing behind in the program's records.
     std::unique_ptr<store::EditingContext> context = m_store.newContext();
-    Record* document = context->fetchFirst(
-        store::FetchRequest(QStringLiteral("Documents"),
-                            predicate::literal(QStringLiteral("self == %@"), {QVariant::fromValue(ref)})));
+    Record* document = context->fetchRecord(QStringLiteral("Documents"), ref);
     if (!document)
         return false;
     const QString deleteButton = tr("Delete Document");

@@ -2,7 +2,6 @@
 
 #include "model/companyrecord.h"
 #include "numberlimits.h"
-#include "predicate/literal.h"
 #include "savefailure.h"
 #include "store/editingcontext.h"
 #include "store/store.h"
@@ -20,14 +19,6 @@ QString s(const char* key)
     return QString::fromLatin1(key);
 }
 
-Record* fetchBy(store::EditingContext& context, const predicate::RecordRef& ref)
-{
-    if (ref.isNull())
-        return nullptr;
-    return context.fetchFirst(
-        store::FetchRequest(ref.entity, predicate::literal(s("self == %@"), {QVariant::fromValue(ref)})));
-}
-
 } // namespace
 
 DocumentPayments::DocumentPayments(store::Store& store, support::Prompter& prompter, Clock clock,
@@ -38,12 +29,6 @@ DocumentPayments::DocumentPayments(store::Store& store, support::Prompter& promp
     , m_clock(std::move(clock))
 {}
 
-Record* DocumentPayments::fetchDocument(store::EditingContext& context,
-                                        const predicate::RecordRef& document) const
-{
-    return document.entity == QLatin1String("Documents") ? fetchBy(context, document) : nullptr;
-}
-
 std::optional<predicate::RecordRef> DocumentPayments::addPayment(const predicate::RecordRef& document,
                                                                  double amount,
                                                                  const predicate::RecordRef& paymentType,
@@ -52,11 +37,11 @@ std::optional<predicate::RecordRef> DocumentPayments::addPayment(const predicate
     if (!NumberLimits::accept(NumberLimits::Kind::Amount, amount, m_prompter))
         return std::nullopt;
     std::unique_ptr<store::EditingContext> context = m_store.newContext();
-    Record* owner = fetchDocument(*context, document);
+    Record* owner = context->fetchRecord(s("Documents"), document);
     if (!owner)
         return std::nullopt;
     Record* type = paymentType.isNull() ? CompanyRecord::defaultRecord(*context, s("default_payment_type"))
-                                        : fetchBy(*context, paymentType);
+                                        : context->fetchRecord(s("PaymentTypes"), paymentType);
     Record* payment =
         context->insertRecord(s("Payments"), {{s("amount"), amount}, {s("date"), date.value_or(m_clock())}});
     payment->setRelated(s("payment"), type);
@@ -69,8 +54,7 @@ std::optional<predicate::RecordRef> DocumentPayments::addPayment(const predicate
 bool DocumentPayments::removePayment(const predicate::RecordRef& paymentRef)
 {
     std::unique_ptr<store::EditingContext> context = m_store.newContext();
-    Record* payment =
-        paymentRef.entity == QLatin1String("Payments") ? fetchBy(*context, paymentRef) : nullptr;
+    Record* payment = context->fetchRecord(s("Payments"), paymentRef);
     if (!payment)
         return false;
     const Record* document = payment->related(s("document"));
@@ -82,7 +66,7 @@ bool DocumentPayments::removePayment(const predicate::RecordRef& paymentRef)
 double DocumentPayments::remaining(const predicate::RecordRef& document)
 {
     std::unique_ptr<store::EditingContext> context = m_store.newContext();
-    const Record* owner = fetchDocument(*context, document);
+    const Record* owner = context->fetchRecord(s("Documents"), document);
     if (!owner)
         return 0.0;
     return owner->value(s("sum_total")).toDouble() -

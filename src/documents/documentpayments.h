@@ -45,7 +45,6 @@ Q_SIGNALS:
     void paymentsChanged(const corvanta::predicate::RecordRef& document);
 
 private:
-    store::Record* fetchDocument(store::EditingContext& context, const predicate::RecordRef& document) const;
     bool save(store::EditingContext& context, const predicate::RecordRef& document);
 
     store::Store& m_store;

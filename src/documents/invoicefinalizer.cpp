@@ -3,7 +3,6 @@
 #include "documentnumbering.h"
 #include "finalizequestion.h"
 #include "model/companycache.h"
-#include "predicate/literal.h"
 #include "savefailure.h"
 #include "stockcalculator.h"
 #include "store/editingcontext.h"
@@ -25,9 +24,7 @@ bool InvoiceFinalizer::finalizeInvoiceIfNeeded(const predicate::RecordRef& ref)
 {
     // A context of its own: a failed save leaves nothing behind in the program's records.
     std::unique_ptr<store::EditingContext> context = m_store.newContext();
-    Record* document = context->fetchFirst(
-        store::FetchRequest(QStringLiteral("Documents"),
-                            predicate::literal(QStringLiteral("self == %@"), {QVariant::fromValue(ref)})));
+    Record* document = context->fetchRecord(QStringLiteral("Documents"), ref);
     if (!document)
         return false;
     if (!document->value(QStringLiteral("draft")).toBool())

@@ -137,8 +137,7 @@ Record* DocumentController::newDocument(qint64 type)
 Record* DocumentController::openDocument(const RecordRef& document)
 {
     m_context->rollback();
-    m_document =
-        m_context->fetchFirst(request(s("Documents"), s("self == %@"), {QVariant::fromValue(document)}));
+    m_document = m_context->fetchRecord(s("Documents"), document);
     m_selectedRows.clear();
     m_itemsLeft.clear();
     setEdited(false);
@@ -393,7 +392,7 @@ Record* DocumentController::addItem(const RecordRef& item)
 {
     if (!m_document)
         return nullptr;
-    Record* own = m_context->fetchFirst(request(s("Items"), s("self == %@"), {QVariant::fromValue(item)}));
+    Record* own = m_context->fetchRecord(s("Items"), item);
     if (!own)
         return nullptr;
     Record* row = addRow();
@@ -405,8 +404,7 @@ bool DocumentController::setClient(const RecordRef& client)
 {
     if (!m_document)
         return false;
-    Record* own =
-        m_context->fetchFirst(request(s("Clients"), s("self == %@"), {QVariant::fromValue(client)}));
+    Record* own = m_context->fetchRecord(s("Clients"), client);
     if (!own)
         return false;
     m_document->setRelated(s("client"), own);
@@ -418,8 +416,7 @@ bool DocumentController::addClient(const RecordRef& client)
 {
     if (!m_document)
         return false;
-    Record* own =
-        m_context->fetchFirst(request(s("Clients"), s("self == %@"), {QVariant::fromValue(client)}));
+    Record* own = m_context->fetchRecord(s("Clients"), client);
     if (!own)
         return false;
     takeClient(own);

@@ -1,7 +1,6 @@
 #include "recordeditor.h"
 
 #include "documents/savefailure.h"
-#include "predicate/literal.h"
 #include "store/editingcontext.h"
 #include "store/store.h"
 #include "support/prompter.h"
@@ -42,8 +41,7 @@ store::Record* RecordEditor::editNew(const QVariantMap& values)
 store::Record* RecordEditor::editStored(const predicate::RecordRef& ref)
 {
     m_context->rollback();
-    m_record = m_context->fetchFirst(store::FetchRequest(
-        m_entity, predicate::literal(QStringLiteral("self == %@"), {QVariant::fromValue(ref)})));
+    m_record = m_context->fetchRecord(m_entity, ref);
     setEdited(false);
     return m_record;
 }

@@ -1,7 +1,6 @@
 #include "rownotelibrary.h"
 
 #include "documents/savefailure.h"
-#include "predicate/literal.h"
 #include "store/editingcontext.h"
 #include "store/store.h"
 
@@ -55,10 +54,8 @@ bool RowNoteLibrary::add(const QString& text)
 
 bool RowNoteLibrary::remove(const Entry& entry)
 {
-    const predicate::Predicate condition = predicate::literal(
-        "self == %@",
-        {QVariant::fromValue(predicate::RecordRef{QStringLiteral("DocumentRowNotes"), entry.pk})});
-    Record* note = m_context->fetchFirst(FetchRequest(QStringLiteral("DocumentRowNotes"), condition));
+    const QString entity = QStringLiteral("DocumentRowNotes");
+    Record* note = m_context->fetchRecord(entity, {entity, entry.pk});
     if (!note)
         return true;
     m_context->deleteRecord(note);

@@ -741,6 +741,16 @@ Record* EditingContext::fetchFirst(FetchRequest request, StoreError* error)
     return records.isEmpty() ? nullptr : records.first();
 }
 
+Record* EditingContext::fetchRecord(const QString& entity, const predicate::RecordRef& ref, StoreError* error)
+{
+    if (ref.isNull() || ref.entity != entity)
+        return nullptr;
+    return fetchFirst(
+        FetchRequest(entity, Predicate::compare(QStringLiteral("self"), Predicate::Operator::Equal,
+                                                QVariant::fromValue(ref))),
+        error);
+}
+
 int EditingContext::count(const FetchRequest& request, StoreError* error)
 {
     const EntityDescription* entity = m_store.model().entity(request.entity);

@@ -45,6 +45,10 @@ public:
     QList<Record*> fetch(const FetchRequest& request, StoreError* error = nullptr);
     // The first record of the fetch, or null.
     Record* fetchFirst(FetchRequest request, StoreError* error = nullptr);
+    // The record `ref` as a fetch sees it now: null when it is not one of `entity`, or is
+    // neither stored (and not deleted here) nor inserted here. Unlike record(), which gives a
+    // fault for any key, this tells whether the record exists.
+    Record* fetchRecord(const QString& entity, const predicate::RecordRef& ref, StoreError* error = nullptr);
     // The number of records the request selects; -1 on error.
     int count(const FetchRequest& request, StoreError* error = nullptr);
     // The total of `keyPath` over the records the request selects, missing values left out;
