@@ -27,22 +27,9 @@ void DatabaseNameWindow::addExistingDatabase()
 
 void DatabaseNameWindow::myCompaniesMenuRename(const QString& path)
 {
-    const std::optional<QList<companies::DatabaseEntry>> entries = m_manager.databases();
-    const companies::DatabaseEntry* entry = nullptr;
-    if (entries) {
-        for (const companies::DatabaseEntry& e : *entries) {
-            if (e.path == path) {
-                entry = &e;
-                break;
-            }
-        }
-    }
-    if (!entry) {
-        m_prompter.alert(tr("Database Not in the List"),
-                         tr("The database \"%1\" is no longer in the list of company databases.").arg(path),
-                         {tr("OK")});
+    const std::optional<companies::DatabaseEntry> entry = m_manager.listedEntry(path);
+    if (!entry)
         return;
-    }
     m_databaseURLToRenameMenu = path;
     showNameWindow(RenameDatabaseAction, entry->name);
 }

@@ -324,6 +324,16 @@ bool DatabaseManager::renameDatabase(const QString& path, const QString& name)
     return writeList(*entries);
 }
 
+std::optional<DatabaseEntry> DatabaseManager::listedEntry(const QString& path) const
+{
+    for (const DatabaseEntry& entry : databases().value_or(QList<DatabaseEntry>())) {
+        if (entry.path == path)
+            return entry;
+    }
+    notInList(path);
+    return std::nullopt;
+}
+
 void DatabaseManager::notInList(const QString& path) const
 {
     m_prompter.alert(tr("Database Not in the List"),

@@ -55,6 +55,9 @@ public:
     // Where the entry's file is on this machine: a database kept in a user's data folder is
     // looked for in this user's application files folder, wherever the list says it was.
     QString locate(const DatabaseEntry& entry) const;
+    // The entry of `path` in the list as it is now; nothing when it is not there any more (or
+    // the list cannot be read), which the user is told.
+    std::optional<DatabaseEntry> listedEntry(const QString& path) const;
     // The entries of the list as it is now; nothing when it cannot be read.
     std::optional<QList<DatabaseEntry>> databases() const;
 
