@@ -80,6 +80,17 @@ LayerTable LayerTable::parse(const QString& text)
     return table;
 }
 
+const LayerTable::Outside* LayerTable::outsideRule(const QString& include) const
+{
+    for (const Outside& rule : outside) {
+        for (const QString& pattern : rule.patterns) {
+            if (include.startsWith(pattern))
+                return &rule;
+        }
+    }
+    return nullptr;
+}
+
 IncludeChecker::IncludeChecker(const LayerTable& table, const QString& sourceRoot, const QString& testRoot)
     : m_table(table)
     , m_sourceRoot(QDir(sourceRoot).absolutePath())
@@ -90,7 +101,7 @@ QStringList IncludeChecker::libraries() const
 {
     QStringList names = QDir(m_sourceRoot).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
     names.removeIf([&](const QString& name) {
-        return !QFileInfo::exists(QDir(m_sourceRoot).filePath(name + QLatin1String("/CMakeLists.txt")));
+        return !QFileInfo::exists(m_sourceRoot + u'/' + name + QLatin1String("/CMakeLists.txt"));
     });
     return names;
 }
@@ -149,15 +160,12 @@ QStringList IncludeChecker::checkFile(const QString& library, const QString& roo
         }
         if (isTest)
             continue; // tests may read a database through Qt SQL to check what was stored
-        for (const LayerTable::Outside& outside : m_table.outside) {
-            const bool matches = std::any_of(outside.patterns.begin(), outside.patterns.end(),
-                                             [&](const QString& p) { return include.name.startsWith(p); });
-            if (matches && !outside.allowed.contains(library))
-                refuse(QStringLiteral("only %1 may include it")
-                           .arg(outside.allowed.isEmpty()
-                                    ? QStringLiteral("the windows")
-                                    : QStringList(outside.allowed.begin(), outside.allowed.end())
-                                          .join(QLatin1String(", "))));
+        const LayerTable::Outside* rule = m_table.outsideRule(include.name);
+        if (rule && !rule->allowed.contains(library)) {
+            const QStringList owners(rule->allowed.begin(), rule->allowed.end());
+            refuse(QStringLiteral("only %1 may include it")
+                       .arg(owners.isEmpty() ? QStringLiteral("the windows")
+                                             : owners.join(QLatin1String(", "))));
         }
     }
     return found;
@@ -183,12 +191,8 @@ QStringList IncludeChecker::outsideHeadersReachedFrom(const QString& header) con
                     visit(next, chain + QStringList{next});
                 continue;
             }
-            for (const LayerTable::Outside& outside : m_table.outside) {
-                for (const QString& pattern : outside.patterns) {
-                    if (include.name.startsWith(pattern))
-                        reached << (chain + QStringList{include.name}).join(QLatin1String(" -> "));
-                }
-            }
+            if (m_table.outsideRule(include.name))
+                reached << (chain + QStringList{include.name}).join(QLatin1String(" -> "));
         }
     };
     visit(header, {header});

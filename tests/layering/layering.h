@@ -23,6 +23,8 @@ struct LayerTable
     QStringList problems; // lines that could not be read
 
     static LayerTable parse(const QString& text);
+    // The rule an outside header falls under; null when any library may include it.
+    const Outside* outsideRule(const QString& include) const;
 };
 
 // Checks the includes of the files under `sourceRoot` (the src/ folder, one library per folder)

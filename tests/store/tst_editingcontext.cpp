@@ -16,8 +16,7 @@ private Q_SLOTS:
     void insertRecordSetsKnownKeysOnly();
     void toOneKeepsToManyInverse_data();
     void toOneKeepsToManyInverse();
-    void oneToOneMovesBetweenHolders();
-    void symmetricReferencePointsBothWays();
+    void toOnePairs();
     void manyToManyBothSides();
     void cascadeAndNullify();
     void denyRefusesDeleteInUse();
@@ -109,7 +108,9 @@ void tst_EditingContext::toOneKeepsToManyInverse()
     QCOMPARE(st.main().record({s("Orders"), bPk})->relatedList(s("lines")).size(), 0);
 }
 
-void tst_EditingContext::oneToOneMovesBetweenHolders()
+// A one-to-one moves between holders from either side; a to-one that is its own inverse points
+// both ways, and deleting one side clears the other.
+void tst_EditingContext::toOnePairs()
 {
     ScratchStore st;
     EditingContext& c = st.main();
@@ -118,35 +119,23 @@ void tst_EditingContext::oneToOneMovesBetweenHolders()
     Record* office = c.insertRecord(s("Addresses"), {{s("city"), s("Office")}});
     customer->setRelated(s("default_address"), home);
     QCOMPARE(home->related(s("default_of")), customer);
-    // Set from the column-less side: the customer now points at the office, home is no default.
-    office->setRelated(s("default_of"), customer);
+    office->setRelated(s("default_of"), customer); // from the column-less side
     QCOMPARE(customer->related(s("default_address")), office);
     QCOMPARE(home->related(s("default_of")), nullptr);
-    saveOrFail(c);
-    const qint64 officePk = office->pk();
-    st.reopen();
-    Record* stored = st.main().fetchFirst(FetchRequest(s("Customers")));
-    QCOMPARE(stored->valueForKeyPath(s("default_address.city")).toString(), s("Office"));
-    QCOMPARE(st.main().record({s("Addresses"), officePk})->related(s("default_of")), stored);
-}
-
-void tst_EditingContext::symmetricReferencePointsBothWays()
-{
-    ScratchStore st;
-    EditingContext& c = st.main();
     Record* invoice = c.insertRecord(s("Orders"), {{s("number"), s("INV-1")}});
     Record* twin = c.insertRecord(s("Orders"), {{s("number"), s("INV-2")}});
     twin->setRelated(s("cancel_reference"), invoice);
     QCOMPARE(invoice->related(s("cancel_reference")), twin);
     saveOrFail(c);
-
-    // Deleting one side clears the other's reference.
     c.deleteRecord(twin);
     QCOMPARE(invoice->related(s("cancel_reference")), nullptr);
     saveOrFail(c);
-    const qint64 pk = invoice->pk();
+    const RecordRef officeRef = office->ref(), invoiceRef = invoice->ref();
     st.reopen();
-    QCOMPARE(st.main().record({s("Orders"), pk})->value(s("cancel_reference")), QVariant());
+    Record* stored = st.main().fetchFirst(FetchRequest(s("Customers")));
+    QCOMPARE(stored->valueForKeyPath(s("default_address.city")).toString(), s("Office"));
+    QCOMPARE(st.main().record(officeRef)->related(s("default_of")), stored);
+    QCOMPARE(st.main().record(invoiceRef)->value(s("cancel_reference")), QVariant());
 }
 
 void tst_EditingContext::manyToManyBothSides()
@@ -390,7 +379,6 @@ void tst_EditingContext::keyPaths_data()
     QTest::addColumn<QString>("entity");
     QTest::addColumn<QString>("keyPath");
     QTest::addColumn<QVariant>("expected");
-    QTest::newRow("attribute") << s("Orders") << s("number") << QVariant(s("INV-7"));
     QTest::newRow("to-one chain") << s("Orders") << s("customer.default_address.street")
                                   << QVariant(s("Main St 1"));
     QTest::newRow("to-one chain through nothing")
@@ -398,7 +386,6 @@ void tst_EditingContext::keyPaths_data()
     QTest::newRow("to-many values") << s("Orders") << s("lines.name")
                                     << QVariant(QVariantList{s("a"), s("b"), s("c")});
     QTest::newRow("sum") << s("Orders") << s("payments.@sum.amount") << QVariant(70.0);
-    QTest::newRow("count") << s("Orders") << s("lines.@count") << QVariant(qint64(3));
     QTest::newRow("max") << s("Orders") << s("lines.@max.quantity") << QVariant(3.0);
     QTest::newRow("sum of empty is zero") << s("Products") << s("deliveries.@sum.quantity") << QVariant(0.0);
     QTest::newRow("through a to-many then to-one")
