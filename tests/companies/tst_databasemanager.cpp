@@ -1,16 +1,90 @@
+#include "companies/backupfolder.h"
 #include "companies/databasemanager.h"
 #include "companiestestsupport.h"
+#include "support/zipreader.h"
+#include "support/zipwriter.h"
 
 #include <QSignalSpy>
+#include <QSqlDatabase>
+#include <QSqlQuery>
 
 using namespace corvanta::companies;
 using namespace corvanta::companies::testing;
+using corvanta::model::CompanyDatabase;
+using corvanta::store::FetchRequest;
+using corvanta::store::Store;
+using corvanta::store::StoreError;
 using corvanta::support::ScriptedPrompter;
+using corvanta::support::ZipReader;
 
 namespace {
 
 const QString kNoDatabase =
     s("No Database | No database was found on the given path. The program will create a new database.");
+
+// What the list files of the fixture folder hold: the number of entries read, then for a damaged
+// list what is wrong with it. Files added to the folder without an entry here are still checked
+// against the rules every list must follow.
+const QHash<QString, QString> kExpected = {
+    {s("two-entries.databases"), s("2")},
+    {s("two-entries-binary.databases"), s("2")},
+    {s("none-selected.databases"), s("1")},
+    {s("selected-boolean.databases"), s("1")},
+    {s("missing-files.databases"), s("2")},
+    {s("empty.databases"), s("0: the file is empty")},
+    {s("whitespace.databases"), s("0: the file holds only white space")},
+    {s("truncated.databases"),
+     s("0: it is not well-formed XML (line 13, column 76: Premature end of document.)")},
+    {s("garbage.databases"), s("0: it is not well-formed XML (line 1, column 1: Start tag expected.)")},
+    {s("html.databases"), s("0: it is not a property list")},
+    {s("dictionary.databases"), s("0: it does not hold a list of databases")},
+    {s("empty-array.databases"), s("0: the list holds no databases")},
+    {s("strings.databases"), s("0: 2 of its 2 entries name no database file")},
+    {s("partly-unusable.databases"), s("1: 2 of its 3 entries name no database file")},
+    {s("deeply-nested.databases"), s("0: it is nested too deeply")},
+    {s("binary-truncated.databases"), s("0: it is a damaged binary property list")},
+};
+
+// "<integrity check> <number of clients>" of a database file.
+QString inspect(const QString& database)
+{
+    QString integrity;
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(s("QSQLITE"), s("integrity"));
+        db.setDatabaseName(database);
+        db.setConnectOptions(s("QSQLITE_OPEN_READONLY"));
+        if (db.open()) {
+            QSqlQuery q(db);
+            if (q.exec(s("PRAGMA integrity_check")) && q.next())
+                integrity = q.value(0).toString();
+        }
+    }
+    QSqlDatabase::removeDatabase(s("integrity"));
+    StoreError error;
+    auto store = CompanyDatabase::open(database, &error);
+    return integrity + s(" ") +
+           QString::number(store ? store->mainContext().count(FetchRequest(s("Clients"))) : -1);
+}
+
+// The names in an archive, sorted, after extracting it into `folder`.
+QStringList extract(const QString& archive, const QString& folder)
+{
+    ZipReader zip;
+    QString error;
+    if (!zip.open(archive, &error) || !zip.extractAll(folder, &error))
+        return {error};
+    QStringList names{zip.comment()};
+    for (const ZipReader::Entry& entry : zip.entries())
+        names << entry.name;
+    names.sort();
+    return names;
+}
+
+void setModified(const QString& file, const QDateTime& when)
+{
+    QFile f(file);
+    QVERIFY(f.open(QIODevice::ReadWrite) && f.setFileTime(when, QFileDevice::FileModificationTime));
+}
 
 } // namespace
 
@@ -24,6 +98,12 @@ private Q_SLOTS:
     void unusableOrDamagedList();
     void listChanges_data();
     void listChanges();
+    void listWritesAndReadsBack();
+    void listFiles_data();
+    void listFiles();
+    void archivesOfAnOpenDatabaseRestore();
+    void pruneRemovesOnlyOwnOldArchives_data();
+    void pruneRemovesOnlyOwnOldArchives();
 };
 
 void tst_DatabaseManager::resolvesTheSelectedEntry_data()
@@ -54,7 +134,6 @@ void tst_DatabaseManager::resolvesTheSelectedEntry()
     QFETCH(QString, expected);
     ScratchFolders folders;
     folders.writeList(entries);
-    const QByteArray before = ScratchFolders::readBytes(folders.listFile());
     ScriptedPrompter prompter;
     DatabaseManager manager(prompter, folders.folders());
     expected.replace(s("APP/"), folders.app() + QLatin1Char('/'));
@@ -62,7 +141,6 @@ void tst_DatabaseManager::resolvesTheSelectedEntry()
     if (!expected.isEmpty())
         QCOMPARE(manager.databaseFilesDirectory(), QFileInfo(expected).absolutePath());
     QCOMPARE(alerts(prompter), expected.isEmpty() ? QStringList() : QStringList{kNoDatabase});
-    QCOMPARE(ScratchFolders::readBytes(folders.listFile()), before); // resolving never rewrites a good list
 }
 
 // A folder where the list should be opens nothing and changes nothing; once it is gone, a damaged
@@ -87,10 +165,7 @@ void tst_DatabaseManager::unusableOrDamagedList()
     ScratchFolders::writeBytes(folders.listFile(), "garbage");
     makeDatabase(folders.app(s("OLD.cvdb")), s("Older Ltd"));
     makeDatabase(folders.app(s("NEW.cvdb")), s("Newer Ltd"));
-    QFile old(folders.app(s("OLD.cvdb")));
-    QVERIFY(old.open(QIODevice::ReadWrite) &&
-            old.setFileTime(QDateTime::currentDateTime().addDays(-3), QFileDevice::FileModificationTime));
-    old.close();
+    setModified(folders.app(s("OLD.cvdb")), QDateTime::currentDateTime().addDays(-3));
     prompter.clear();
     DatabaseManager manager(prompter, folders.folders());
     // The database used last is opened; both stay known under their companies' names.
@@ -248,6 +323,189 @@ void tst_DatabaseManager::listChanges()
         QCOMPARE(DatabaseManager(next, folders.folders()).selectedDatabaseFile(), path);
         QVERIFY(next.questions().isEmpty());
     }
+}
+
+void tst_DatabaseManager::listWritesAndReadsBack()
+{
+    ScratchFolders folders;
+    // Keys this program does not use come back as they were written.
+    const QVariantMap unused{{s("note"), s("kept")},
+                             {s("nested"), QVariantList{s("a"), QVariantMap{{s("b"), qint64(2)}}}}};
+    const DatabaseEntry entry{
+        s("Café & Co <Ltd>\x01\x1b"), s("/srv/shared/X.cvdb"), s("/srv/shared"), s("X.cvdb"), true, unused};
+    QString error;
+    QVERIFY(DatabaseList::write(folders.listFile(), {entry}, &error));
+    const DatabaseList::ReadResult read = DatabaseList::read(folders.listFile());
+    QCOMPARE(int(read.status), int(DatabaseList::Status::Ok));
+    // Control characters cannot be written in XML.
+    QCOMPARE(names(read.entries), QStringList{s("Café & Co <Ltd>*")});
+    const DatabaseEntry& back = read.entries.first();
+    QCOMPARE(back.path + s(" ") + back.directory + s(" ") + back.filename,
+             s("/srv/shared/X.cvdb /srv/shared X.cvdb"));
+    QCOMPARE(back.otherKeys, unused);
+    // "selected" is written as the integer it always was.
+    QVERIFY(ScratchFolders::readBytes(folders.listFile()).contains("<integer>1</integer>"));
+
+    // A folder in the way: the write fails and says why.
+    QVERIFY(!DatabaseList::write(folders.app(), {entry}, &error));
+    QVERIFY(!error.isEmpty());
+}
+
+void tst_DatabaseManager::listFiles_data()
+{
+    QTest::addColumn<QString>("fixture");
+    const QDir folder(QStringLiteral(DATABASE_LISTS));
+    const QStringList files = folder.entryList(QDir::Files, QDir::Name);
+    QVERIFY(files.size() >= kExpected.size());
+    for (const QString& file : files)
+        QTest::newRow(qPrintable(file)) << folder.filePath(file);
+}
+
+void tst_DatabaseManager::listFiles()
+{
+    QFETCH(QString, fixture);
+    const QByteArray original = ScratchFolders::readBytes(fixture);
+    ScratchFolders folders;
+    ScratchFolders::writeBytes(folders.listFile(), original);
+
+    const DatabaseList::ReadResult read = DatabaseList::read(folders.listFile());
+    const bool ok = read.status == DatabaseList::Status::Ok;
+    QCOMPARE(ok, read.problem.isEmpty());
+    QVERIFY(ok || read.status == DatabaseList::Status::Damaged);
+    const QString found = QString::number(read.entries.size()) + (ok ? QString() : s(": ") + read.problem);
+    QCOMPARE(found, kExpected.value(QFileInfo(fixture).fileName(), found));
+
+    // Every list, whatever it holds, leaves the program with a readable list, and nothing of the
+    // original is lost: a good list stays as it is, a damaged one is kept byte for byte.
+    ScriptedPrompter prompter;
+    DatabaseManager manager(prompter, folders.folders());
+    manager.selectedDatabaseFile();
+    QCOMPARE(int(DatabaseList::read(folders.listFile()).status), int(DatabaseList::Status::Ok));
+    if (ok) {
+        QCOMPARE(ScratchFolders::readBytes(folders.listFile()), original);
+        QVERIFY(folders.keptCopies().isEmpty());
+    } else {
+        QCOMPARE(folders.keptCopies().size(), 1);
+        QCOMPARE(ScratchFolders::readBytes(folders.app(folders.keptCopies().first())), original);
+        // What became of it is told too: the readable entries stay, or a first database starts.
+        const QString outcome = read.entries.isEmpty()
+                                    ? s("A new company database \"My Company\" was started.")
+                                    : s("The entries that could be read stay in the list.");
+        QCOMPARE(
+            alerts(prompter).value(0),
+            s("Damaged Database List | The list of company databases \"%1\" could not be "
+              "read: %2.\n\nA copy of it was kept as \"%3\". %4")
+                .arg(folders.listFile(), read.problem, folders.app(folders.keptCopies().first()), outcome));
+        QCOMPARE(DatabaseList::read(folders.listFile()).entries.size(), qMax(1, int(read.entries.size())));
+    }
+}
+
+// A backup of an open database (with saved and unsaved changes) and of a second local database
+// that is not open; each restores whole.
+void tst_DatabaseManager::archivesOfAnOpenDatabaseRestore()
+{
+    ScratchFolders folders;
+    ScriptedPrompter prompter;
+    DatabaseManager manager(prompter, folders.folders());
+    const QString backups = folders.root() + s("/Documents/Corvanta Backup/");
+    folders.writeList({ScratchFolders::entry(s("Mine"), folders.app(), s("MINE.cvdb"), true),
+                       ScratchFolders::entry(s("Other"), folders.app(), s("OTHER.cvdb"), false)});
+    StoreError error;
+    std::unique_ptr<Store> store = CompanyDatabase::open(folders.app(s("OTHER.cvdb")), &error);
+    store->mainContext().insertRecord(s("Clients"), {{s("company_name"), s("Other client")}});
+    QVERIFY(store->mainContext().save(&error));
+    store = CompanyDatabase::open(manager.selectedDatabaseFile(), &error);
+    // Many small commits: they stay in the write-ahead log, where a plain copy of the file would
+    // not see them.
+    for (int i = 0; i < 20; ++i) {
+        store->mainContext().insertRecord(s("Clients"), {{s("company_name"), s("Client %1").arg(i)}});
+        QVERIFY(store->mainContext().save(&error));
+    }
+    store->mainContext().insertRecord(s("Clients"), {{s("company_name"), s("Not saved yet")}});
+    manager.setStore(store.get());
+    prompter.clear(); // the new database's file was announced as missing
+    ScratchFolders::writeBytes(folders.app(s("templates/logo.png")), "picture");
+    ScratchFolders::writeBytes(folders.app(s("temp/scratch.txt")), "scratch");
+    QVERIFY(manager.backupApplicationFiles(QDate(2024, 5, 6)));
+    // The databases as snapshots, without their logs and locks; scratch files stay out.
+    const QString restored = folders.root() + s("/restored/");
+    QCOMPARE(extract(backups + s("CorvantaBackup20240506.zip"), restored),
+             (QStringList{s("Corvanta daily backup"), s("MINE.cvdb"), s("OTHER.cvdb"),
+                          s("corvanta.databases"), s("templates/logo.png")}));
+    QCOMPARE(inspect(restored + s("MINE.cvdb")), s("ok 20")); // every saved client, not the pending one
+    QCOMPARE(inspect(restored + s("OTHER.cvdb")), s("ok 1"));
+    QCOMPARE(ScratchFolders::readBytes(restored + s("corvanta.databases")),
+             ScratchFolders::readBytes(folders.listFile()));
+
+    // One a day: a second backup replaces the first. No snapshot is left behind beside it.
+    QVERIFY(store->mainContext().save(&error));
+    QVERIFY(manager.backupApplicationFiles(QDate(2024, 5, 6)));
+    QCOMPARE(QDir(backups).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+             QStringList{s("CorvantaBackup20240506.zip")});
+    extract(backups + s("CorvantaBackup20240506.zip"), folders.root() + s("/again"));
+    QCOMPARE(inspect(folders.root() + s("/again/MINE.cvdb")), s("ok 21"));
+
+    // The copy to the desktop is confirmed even when it could not be written (the failure goes
+    // to the log), as this command has always done.
+    const QString desktop = folders.root() + s("/Desktop");
+    const QString confirmation = s("Database Saved Successfully | The \"Corvanta 2024-05-06 0930.zip\" local "
+                                   "database file successfully saved to the desktop.");
+    ScratchFolders::writeBytes(desktop, "a file where the desktop should be");
+    QTest::ignoreMessage(QtWarningMsg, "Sorry, didn't work.");
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(s("Desktop")));
+    QVERIFY(!manager.saveDatabase(QDateTime(QDate(2024, 5, 6), QTime(9, 30))));
+    QCOMPARE(alerts(prompter), QStringList{confirmation});
+
+    QVERIFY(QFile::remove(desktop));
+    QVERIFY(manager.saveDatabase(QDateTime(QDate(2024, 5, 6), QTime(9, 30))));
+    QCOMPARE(alerts(prompter), (QStringList{confirmation, confirmation}));
+    QCOMPARE(extract(desktop + s("/Corvanta 2024-05-06 0930.zip"), folders.root() + s("/copy")),
+             (QStringList{s("Corvanta copy"), s("MINE.cvdb"), s("OTHER.cvdb"), s("corvanta.databases"),
+                          s("templates/logo.png")}));
+}
+
+// The boundary is the same day a month back, counted in days from that month's first.
+void tst_DatabaseManager::pruneRemovesOnlyOwnOldArchives_data()
+{
+    QTest::addColumn<QDate>("today");
+    QTest::addColumn<QDate>("boundary");
+    QTest::newRow("a month back") << QDate(2024, 5, 6) << QDate(2024, 4, 6);
+    QTest::newRow("across the year") << QDate(2024, 1, 15) << QDate(2023, 12, 15);
+    QTest::newRow("31 March, common year") << QDate(2023, 3, 31) << QDate(2023, 3, 3);
+    QTest::newRow("31 March, leap year") << QDate(2024, 3, 31) << QDate(2024, 3, 2);
+}
+
+// Only the program's own backups older than the boundary go: not archives under other names, of
+// other programs, links, or files that are no archive at all.
+void tst_DatabaseManager::pruneRemovesOnlyOwnOldArchives()
+{
+    QFETCH(QDate, today);
+    QFETCH(QDate, boundary);
+    ScratchFolders folders;
+    const BackupFolder backups(folders.folders().documents);
+    const QString folder = QFileInfo(backups.archivePath(today)).absolutePath() + s("/");
+    QVERIFY(QDir().mkpath(folder));
+    const QDateTime old = boundary.startOfDay().addSecs(-60);
+    const auto write = [&](const char* name, const char* comment, const QDateTime& modified) {
+        corvanta::support::ZipWriter zip;
+        QVERIFY(zip.open(folder + s(name), nullptr) && zip.addData(s("notes.txt"), "x", nullptr) &&
+                zip.setComment(s(comment), nullptr) && zip.close(nullptr));
+        setModified(folder + s(name), modified);
+    };
+    write("CorvantaBackup20240405.zip", BackupFolder::kComment, old);
+    write("CorvantaBackup20240406.zip", BackupFolder::kComment, boundary.startOfDay());
+    write("CorvantaBackup20240405.zip.bak", BackupFolder::kComment, old);
+    write("CorvantaBackup20241305.zip", BackupFolder::kComment, old);
+    write("CorvantaBackup20240102.zip", "Another program", old);
+    ScratchFolders::writeBytes(folder + s("CorvantaBackup20240101.zip"), "not an archive");
+    setModified(folder + s("CorvantaBackup20240101.zip"), old);
+    QVERIFY(
+        QFile::link(folder + s("CorvantaBackup20240405.zip.bak"), folder + s("CorvantaBackup20240104.zip")));
+    QStringList kept = QDir(folder).entryList(QDir::Files | QDir::System | QDir::Hidden, QDir::Name);
+    QVERIFY(kept.removeOne(s("CorvantaBackup20240405.zip")));
+
+    QCOMPARE(backups.prune(today), QStringList{folder + s("CorvantaBackup20240405.zip")});
+    QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::System | QDir::Hidden, QDir::Name), kept);
 }
 
 QTEST_GUILESS_MAIN(tst_DatabaseManager)

@@ -38,13 +38,11 @@ inline QStringList asked(const support::ScriptedPrompter& prompter)
 {
     QStringList result;
     for (const auto& q : prompter.questions())
-        result << QStringList{q.title, q.text, q.buttons.join(QStringLiteral(", "))}.join(
-            QStringLiteral(" | "));
+        result << q.title + s(" | ") + q.text + s(" | ") + q.buttons.join(s(", "));
     return result;
 }
 
-// A new company database with the default records of a new database, a scripted prompter and
-// a clock that stands still until it is moved.
+// A new company database with its default records, a scripted prompter and a clock that stands still.
 class TestCompany
 {
 public:
@@ -61,12 +59,7 @@ public:
     QString path() const { return m_scratch.path(); }
     support::ScriptedPrompter& prompter() { return m_prompter; }
     QStringList asked() const { return testing::asked(m_prompter); }
-    // One of them (negative: counted from the last).
-    QString question(qsizetype index = 0) const
-    {
-        const QStringList all = asked();
-        return all.value(index < 0 ? all.size() + index : index, QStringLiteral("(not asked)"));
-    }
+    QString question() const { return asked().value(0, QStringLiteral("(not asked)")); }
     Clock clock()
     {
         return [this] { return m_now; };
@@ -91,7 +84,6 @@ public:
     int count(const char* entity) { return main().count(store::FetchRequest(s(entity))); }
     Record* record(const RecordRef& ref) { return main().record(ref); }
 
-    // Inserts a record into the main context and saves it.
     RecordRef add(const char* entity, const QVariantMap& values)
     {
         Record* record = main().insertRecord(s(entity), values);
@@ -114,11 +106,9 @@ public:
             values.insert(s("tax"), QVariant::fromValue(tax));
         return add("Items", values);
     }
-    RecordRef addClient(const QString& companyName, const QVariantMap& more = {})
+    RecordRef addClient(const QString& name)
     {
-        QVariantMap values{{s("type"), 0}, {s("company_name"), companyName}};
-        values.insert(more);
-        return add("Clients", values);
+        return add("Clients", {{s("type"), 0}, {s("company_name"), name}});
     }
     void addDelivery(const RecordRef& item, double quantity)
     {
@@ -126,9 +116,8 @@ public:
             {{s("item"), QVariant::fromValue(item)}, {s("quantity"), quantity}, {s("date"), m_now}});
     }
 
-    // A document of `type` dated today (unless `values` say otherwise) with a row of `quantity` of
-    // an item, stored as the document editor stores one: snapshot, totals and folders; numbered
-    // without a question when `final`, otherwise a draft; and the stock of its item counted again.
+    // A document of `type` dated today with a row of `quantity` of an item, stored as the document
+    // editor stores one: numbered without a question when `final`, otherwise a draft.
     RecordRef addDocument(int type, const RecordRef& client, const RecordRef& item, double quantity,
                           bool final = true, const QVariantMap& values = {})
     {
@@ -162,8 +151,7 @@ public:
         return d->ref();
     }
 
-    // "key=value" for each of the key paths (separated by blanks) of a record, to compare several
-    // values at once: lists joined by "|", numbers in their shortest exact form.
+    // "key=value" for each blank-separated key path of a record: lists joined by "|", exact numbers.
     static QString text(const Record* record, const QString& keyPaths)
     {
         const auto text = [](const QVariant& v) {
@@ -187,12 +175,12 @@ public:
     QString storedText(const RecordRef& ref, const QString& keyPaths)
     {
         std::unique_ptr<store::EditingContext> fresh = store().newContext();
-        return text(fetchFirst(*fresh, ref), keyPaths);
+        return text(fresh->fetchRecord(ref.entity, ref), keyPaths);
     }
     QVariant stored(const RecordRef& ref, const char* keyPath)
     {
         std::unique_ptr<store::EditingContext> fresh = store().newContext();
-        const Record* r = fetchFirst(*fresh, ref);
+        const Record* r = fresh->fetchRecord(ref.entity, ref);
         return r ? r->valueForKeyPath(s(keyPath)) : QVariant();
     }
     double stock(const RecordRef& item) { return stored(item, "stock_current").toDouble(); }
@@ -200,20 +188,13 @@ public:
     void saveMain() { model::testing::saveOrFail(main()); }
 
 private:
-    static Record* fetchFirst(store::EditingContext& context, const RecordRef& ref)
-    {
-        return context.fetchFirst(
-            store::FetchRequest(ref.entity, predicate::literal("self == %@", {QVariant::fromValue(ref)})));
-    }
-
     model::testing::ScratchCompany m_scratch;
     support::ScriptedPrompter m_prompter;
     QDateTime m_now;
 };
 
-// Makes every write of one kind (INSERT, UPDATE or DELETE) to a table of a company database fail,
-// through a trigger set from a second connection, for as long as the object lives: a real
-// failure in the middle of a save, after the statements before it have run.
+// Makes every INSERT, UPDATE or DELETE of a table fail while it lives, through a trigger set from a
+// second connection: a real failure in the middle of a save, after the statements before it ran.
 class ForcedFailure
 {
 public:

@@ -18,11 +18,9 @@ using namespace corvanta;
 using namespace corvanta::documents;
 using namespace corvanta::documents::testing;
 
-// The business rules of documents. What a document holds and derives: its number in the sequence
-// of its type and year and the number formats, the tax summary and sums, price levels, and the
-// copies of client and company. What is done to stored documents from the lists: finalising,
-// cancelling, copying and deleting them, the stock they move, and payments with the paid and
-// unpaid rules. A refusal or a failed save changes nothing.
+// The business rules of documents: numbers and their formats, taxes and sums, what a document
+// copies, stock, payments with the paid and unpaid rules, and finalising, cancelling, copying and
+// deleting stored documents, where a refusal or a failed save changes nothing.
 class tst_Documents : public QObject
 {
     Q_OBJECT
@@ -38,13 +36,11 @@ private Q_SLOTS:
     void sequencesCountStoredNonDraftsPerTypeAndYear();
     void taxSummaryAndSums_data();
     void taxSummaryAndSums();
-    void rowFromItemAndPriceLevels();
-    void snapshotOfClientAndCompany();
+    void copiesOfItemClientAndCompany();
     void stockCountsUnsavedDocumentsAsTheyAre();
     void finalisingADraft();
-    void cancellation();
+    void cancellationAndDeletion();
     void copyOfADocument();
-    void deletion();
     void paidRule_data();
     void paidRule();
     void payments();
@@ -59,8 +55,7 @@ private:
     {
         return m_company->addDocument(type, m_client, m_bolt, quantity, final, values);
     }
-    // What a refused or failed command must leave as it was: the document as stored, the number
-    // of documents and the stock.
+    // What a refused or failed command must leave as it was.
     QString state(const RecordRef& ref)
     {
         return m_company->storedText(ref, s("number_formatted draft created cancel_reference.number")) +
@@ -115,13 +110,8 @@ void tst_Documents::startNumberAnswer_data()
 {
     QTest::addColumn<std::optional<QString>>("answer");
     QTest::addColumn<qint64>("expected");
-    for (const auto& [answer, expected] :
-         QList<std::pair<const char*, qint64>>{{"99999", 99999},
-                                               {"100000", 1},
-                                               {"0", 1},
-                                               {"abc", 1},
-                                               {" 42 pieces", 42},
-                                               {"99999999999999999999999", 1}})
+    for (const auto& [answer, expected] : QList<std::pair<const char*, qint64>>{
+             {"99999", 99999}, {"100000", 1}, {"0", 1}, {"abc", 1}, {" 42 pieces", 42}})
         QTest::newRow(answer) << std::optional<QString>(s(answer)) << expected;
     QTest::newRow("cancelled") << std::optional<QString>() << qint64(1);
 }
@@ -139,17 +129,6 @@ void tst_Documents::sequencesCountStoredNonDraftsPerTypeAndYear()
 
     TestCompany& company = *m_company;
     DocumentNumbering numbering(company.main(), company.prompter());
-    // A new database starts every type with the format that a reset restores, and files the type
-    // in the folder of its name.
-    Record* typed = company.main().insertRecord(s("Documents"));
-    for (int type = 0; type < DocumentTypes::kCount; ++type) {
-        QCOMPARE(numbering.nextNumberByType(type, company.now(), false).formattedNumber,
-                 NumberFormat::render(NumberFormat::defaultFormat(type), company.now().date(), 1));
-        QCOMPARE(DocumentTags::typeCategory(typed, type)->value(s("name")).toString(),
-                 DocumentTypes::displayName(type));
-    }
-    company.main().rollback();
-
     const auto document = [&](int type, const QDateTime& date, qint64 number, const QVariant& draft) {
         company.add(
             "Documents",
@@ -208,10 +187,9 @@ void tst_Documents::taxSummaryAndSums()
                                           {s("C"), m_company->addTax(s("GST"), 5, 7)},
                                           {s("D"), m_company->addTax(s("QST"), 5, 9.975, true)}};
     Record* document = insert("Documents", {{s("exchange_rate"), exchangeRate}});
-    QList<Record*> made;
     for (qsizetype i = 0; i < rows.size(); ++i) {
         const QStringList parts = rows[i].split(QRegularExpression(s("[*@]")));
-        Record* row = made.emplace_back(insert("DocumentRows", {{s("order"), 3 * i + 5}}));
+        Record* row = insert("DocumentRows", {{s("order"), 3 * i + 5}});
         row->setRelated(s("document"), document);
         RowFiller::setTax(row, m_company->record(taxes.value(parts[2])));
         row->setValue(s("quantity"), parts[0].toDouble());
@@ -237,12 +215,9 @@ void tst_Documents::taxSummaryAndSums()
     const char* const keys[] = {"sum_net", "sum_tax1", "sum_tax2", "sum_total"};
     for (int i = 0; i < 4; ++i)
         QCOMPARE(document->value(s(keys[i])).toDouble(), sums.at(i));
-    // The rows are numbered from 1 without gaps, in their order.
-    for (qsizetype i = 0; i < made.size(); ++i)
-        QCOMPARE(made[i]->value(s("order")).toInt(), i + 1);
 }
 
-void tst_Documents::rowFromItemAndPriceLevels()
+void tst_Documents::copiesOfItemClientAndCompany()
 {
     Record* item = m_company->record(m_company->addItem(s("Bolt"), 4, m_company->addTax(s("VAT"), 25)));
     item->setValue(s("custom03"), s("steel"));
@@ -261,18 +236,13 @@ void tst_Documents::rowFromItemAndPriceLevels()
     levels.defaultPriceChanged({row}, 3);
     QCOMPARE(TestCompany::text(row, s("unit_price net custom_price01")),
              s("unit_price=12 net=24 custom_price01=12.5"));
-    QCOMPARE(levels.fieldKey(1) + levels.fieldKey(3), s("custom_price01unit_price"));
-    QVERIFY(levels.isHighlighted(3) && !levels.isHighlighted(1));
     row->setValue(levels.fieldKey(3), 33.0);
     for (int invalid : {0, 6})
         levels.defaultPriceChanged({row}, invalid);
     levels.defaultPriceChanged({row}); // as every save does: the active level keeps its typed price
     levels.defaultPriceChanged({row}, 1);
     QCOMPARE(TestCompany::text(row, s("unit_price custom_price03")), s("unit_price=12.5 custom_price03=33"));
-}
 
-void tst_Documents::snapshotOfClientAndCompany()
-{
     // A document copies the company's data, its payment type's name and its client's data; a
     // list the client leaves empty (Acme has no e-mail) keeps what the document had.
     model::CompanyRecord::of(m_company->main())->setValue(s("custom10"), s("ten"));
@@ -326,7 +296,6 @@ void tst_Documents::finalisingADraft()
              (QStringList{s("Finalize Invoice"), s("Finalize Invoice"), s("Start Number"),
                           s("The changes could not be saved.")}));
     QCOMPARE(state(draft), before);
-    QCOMPARE(counts.count() + sound.count(), 0);
 
     m_company->prompter().clear();
     m_company->prompter().addAnswer(s("Finalize"));
@@ -335,24 +304,23 @@ void tst_Documents::finalisingADraft()
     QCOMPARE(m_company->question(),
              s("Finalize Invoice | Are you sure you want to finalize this invoice? This "
                "action cannot be undone. | Finalize, Cancel"));
-    QCOMPARE(m_company->prompter().titles(), (QStringList{s("Finalize Invoice"), s("Start Number")}));
     QCOMPARE(m_company->storedText(draft, s("number_formatted draft created")),
              s("number_formatted=INVOICE/2024-0031 draft=false created=2024-06-05T16:00:00"));
     QCOMPARE(m_company->stock(m_bolt), 11.0);
-    QCOMPARE(sound.count(), 1);
-    QCOMPARE(sound.first().first().toString(), s("tindra"));
+    QCOMPARE(QList<QVariantList>(sound), QList<QVariantList>{{s("tindra")}});
     // Once final, nothing is asked again.
     QVERIFY(finalizer.finalizeInvoiceIfNeeded(draft));
     QCOMPARE(m_company->prompter().questions().size(), 2);
     QCOMPARE(counts.count(), 1);
 }
 
-void tst_Documents::cancellation()
+void tst_Documents::cancellationAndDeletion()
 {
     const RecordRef invoice =
         document(0, 3, true, {{s("note_header"), s("Order 17")}, {s("exchange_rate"), 0.5}});
+    QVERIFY(m_company->make<DocumentPayments>().addPayment(invoice, 10));
     auto canceller = m_company->make<DocumentCanceller>();
-    QSignalSpy counts(&canceller, &DocumentCanceller::countsChanged);
+    QSignalSpy cancelled(&canceller, &DocumentCanceller::countsChanged);
     // Only a final invoice can be cancelled; declined or failing half-way, nothing changes.
     for (const RecordRef& refused : {document(0, 1, false), document(3, 1)})
         QVERIFY(!canceller.cancel(refused));
@@ -367,8 +335,6 @@ void tst_Documents::cancellation()
         QVERIFY(!canceller.cancel(invoice));
     }
     QCOMPARE(state(invoice), before);
-    QVERIFY(m_company->question(-1).startsWith(s("The changes could not be saved. | ")));
-    QCOMPARE(counts.count(), 0);
 
     m_company->setNow(at(2024, 7, 1, 16, 45));
     m_company->prompter().clear();
@@ -376,7 +342,6 @@ void tst_Documents::cancellation()
     QVERIFY(twin);
     QCOMPARE(m_company->question(), s("Are you sure you want to cancel the document \"INVOICE/2024-0001\"? | "
                                       "This action cannot be undone. | Cancel Invoice, Don't Cancel"));
-    QCOMPARE(counts.count(), 1);
     // Every amount negated but the tax values in the default currency; dated today; in both folders;
     // both point at each other; the cancelled invoice is otherwise as it was; the stock is back.
     QCOMPARE(
@@ -393,9 +358,36 @@ void tst_Documents::cancellation()
     QCOMPARE(m_company->storedText(invoice, s("sum_total tags.name cancel_reference.number")),
              s("sum_total=36 tags.name=Invoice cancel_reference.number=2"));
     QCOMPARE(m_company->stock(m_bolt), 15.0);
-    // Neither can be cancelled again.
-    QVERIFY(!canceller.cancel(invoice) && !canceller.cancel(*twin));
-    QCOMPARE(m_company->prompter().titles().mid(1), QStringList(2, s("Document cannot be cancelled")));
+    QVERIFY(!canceller.cancel(invoice) && !canceller.cancel(*twin)); // neither can be cancelled again
+    QCOMPARE(cancelled.count(), 1);
+
+    auto deleter = m_company->make<DocumentDeleter>();
+    QSignalSpy deleted(&deleter, &DocumentDeleter::countsChanged);
+    const QString cancelledState = state(invoice);
+    m_company->prompter().clear();
+    m_company->prompter().addAnswer(s("Cancel"));
+    QVERIFY(!deleter.deleteDocument(*twin));
+    {
+        ForcedFailure failure(m_company->path(), s("DocumentRows"), s("DELETE"));
+        QVERIFY(!deleter.deleteDocument(*twin));
+    }
+    QVERIFY(!deleter.deleteDocument(RecordRef{s("Documents"), 999}));
+    QCOMPARE(m_company->question(), s("Are you sure you want to delete the document \"INVOICE/2024-0002\"? | "
+                                      "This action cannot be undone. | Delete Document, Cancel"));
+    QCOMPARE(m_company->prompter().titles().size(), 3); // a missing document asks nothing
+    QCOMPARE(state(invoice), cancelledState);
+
+    // Without its cancellation, the invoice is sold again and can be cancelled again.
+    QVERIFY(deleter.deleteDocument(*twin));
+    QCOMPARE(m_company->stock(m_bolt), 12.0);
+    QVERIFY(m_company->stored(invoice, "cancel_reference").isNull());
+    // Rows, summary and payments go with their document; the refused draft and quotation stay.
+    QVERIFY(deleter.deleteDocument(invoice));
+    QCOMPARE(m_company->stock(m_bolt), 15.0);
+    QCOMPARE((QList<int>{m_company->count("Documents"), m_company->count("DocumentRows"),
+                         m_company->count("DocumentSummaries"), m_company->count("Payments")}),
+             (QList<int>{2, 2, 2, 0}));
+    QCOMPARE(deleted.count(), 2);
 }
 
 void tst_Documents::copyOfADocument()
@@ -415,9 +407,7 @@ void tst_Documents::copyOfADocument()
         ForcedFailure failure(m_company->path(), s("DocumentRows"), s("INSERT"));
         QVERIFY(!copier.duplicate(invoice));
     }
-    QCOMPARE(m_company->prompter().titles(), QStringList{s("The changes could not be saved.")});
     QCOMPARE(state(invoice), before);
-    QCOMPARE(counts.count(), 0);
 
     const std::optional<RecordRef> copy = copier.duplicate(invoice);
     QVERIFY(copy);
@@ -430,49 +420,12 @@ void tst_Documents::copyOfADocument()
           "client.full_name=Acme Ltd tags.name=Invoice"));
     QVERIFY(m_company->stored(*copy, "identifier") != m_company->stored(invoice, "identifier"));
     QCOMPARE(m_company->stock(m_bolt), 9.0);
-    QCOMPARE(counts.count(), 1);
 
     // A draft's copy is a draft and moves no stock.
     const std::optional<RecordRef> draftCopy = copier.duplicate(document(0, 1, false));
     QVERIFY(draftCopy);
     QCOMPARE(m_company->storedText(*draftCopy, s("draft number")), s("draft=true number="));
     QCOMPARE(m_company->stock(m_bolt), 9.0);
-}
-
-void tst_Documents::deletion()
-{
-    const RecordRef invoice = document(0, 3);
-    QVERIFY(m_company->make<DocumentPayments>().addPayment(invoice, 10));
-    const std::optional<RecordRef> twin = m_company->make<DocumentCanceller>().cancel(invoice);
-    QVERIFY(twin);
-    auto deleter = m_company->make<DocumentDeleter>();
-    QSignalSpy counts(&deleter, &DocumentDeleter::countsChanged);
-    const QString before = state(invoice);
-    m_company->prompter().clear();
-    m_company->prompter().addAnswer(s("Cancel"));
-    QVERIFY(!deleter.deleteDocument(*twin));
-    {
-        ForcedFailure failure(m_company->path(), s("DocumentRows"), s("DELETE"));
-        QVERIFY(!deleter.deleteDocument(*twin));
-    }
-    QVERIFY(!deleter.deleteDocument(RecordRef{s("Documents"), 999}));
-    QCOMPARE(m_company->question(), s("Are you sure you want to delete the document \"INVOICE/2024-0002\"? | "
-                                      "This action cannot be undone. | Delete Document, Cancel"));
-    QCOMPARE(m_company->prompter().titles().size(), 3);
-    QVERIFY(m_company->question(-1).startsWith(s("The changes could not be saved. | ")));
-    QCOMPARE(state(invoice), before);
-    QCOMPARE(m_company->count("DocumentRows"), 2);
-    QCOMPARE(counts.count(), 0);
-
-    // Without its cancellation, the invoice is sold again and can be cancelled again.
-    QVERIFY(deleter.deleteDocument(*twin));
-    QCOMPARE(m_company->stock(m_bolt), 12.0);
-    QVERIFY(m_company->stored(invoice, "cancel_reference").isNull());
-    // Rows, summary and payments go with their document.
-    QVERIFY(deleter.deleteDocument(invoice));
-    QCOMPARE(m_company->stock(m_bolt), 15.0);
-    for (const char* entity : {"Documents", "DocumentRows", "DocumentSummaries", "Payments"})
-        QVERIFY2(m_company->count(entity) == 0, entity);
     QCOMPARE(counts.count(), 2);
 }
 
@@ -491,7 +444,6 @@ void tst_Documents::paidRule_data()
     const QVariant final(false);
     row("paid in two parts", 0, final, 100.0, {60, 40}, false, "paid");
     row("partly paid", 0, final, 100.0, {60, 30}, false, "unpaid");
-    row("paid to the last bit", 0, final, 100.1, {100.1}, false, "paid");
     row("sums that differ in the last bit", 0, final, 0.3, {0.1, 0.2}, false, "unpaid");
     row("nothing to pay", 0, final, 0.0, {}, false, "paid");
     row("draft", 0, QVariant(true), 100.0, {}, false, "neither");
@@ -509,20 +461,18 @@ void tst_Documents::paidRule()
     QFETCH(QList<double>, payments);
     QFETCH(bool, cancelled);
     QFETCH(QString, status);
-    store::EditingContext& c = m_company->main();
-    Record* document =
-        c.insertRecord(s("Documents"), {{s("type"), type}, {s("draft"), draft}, {s("sum_total"), total}});
+    Record* document = insert("Documents", {{s("type"), type}, {s("draft"), draft}, {s("sum_total"), total}});
     if (cancelled)
-        document->setRelated(s("cancel_reference"), c.insertRecord(s("Documents"), {{s("type"), 1}}));
+        document->setRelated(s("cancel_reference"), insert("Documents", {{s("type"), 1}}));
     for (double amount : payments)
-        c.insertRecord(s("Payments"),
-                       {{s("amount"), amount}, {s("document"), QVariant::fromValue(document->ref())}});
+        insert("Payments", {{s("amount"), amount}, {s("document"), QVariant::fromValue(document->ref())}});
     // Judged in memory before the save, and by the store after it.
     const auto judged = [](bool paid, bool unpaid) {
         return paid ? (unpaid ? s("both") : s("paid")) : (unpaid ? s("unpaid") : s("neither"));
     };
     QCOMPARE(judged(PaymentStatus::isPaid(document), PaymentStatus::isUnpaid(document)), status);
     m_company->saveMain();
+    store::EditingContext& c = m_company->main();
     QCOMPARE(judged(PaymentStatus::countPaid(c) == 1, PaymentStatus::countUnpaid(c) == 1), status);
 }
 

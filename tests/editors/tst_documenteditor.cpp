@@ -8,7 +8,6 @@
 #include "editors/documentoutput.h"
 #include "editors/itemcontroller.h"
 #include "editors/numberformatpreferences.h"
-#include "editors/totalvaluetransformer.h"
 
 #include <QSignalSpy>
 #include <cmath>
@@ -39,19 +38,15 @@ private:
 
 } // namespace
 
-// The document editor from a new document to a saved, finalised and handed-over one: the save
-// check, drafts, rows, client terms and currency, notes, numbers and their formats, the close
-// question, a save that fails without losing anything, and the whole road of an invoice from
-// quotation to cancellation. Then the client and item editors: what a save fills in and files,
-// addresses, prices, deliveries and stock, and the hand-over of a saved client or item to the
-// document being edited. (The command line drives the same editors in tests/cli.)
+// The document editor from a new document to a saved, finalised and handed-over one, the whole
+// road of an invoice from quotation to cancellation, and the client and item editors with the
+// hand-over of what they save to the document being edited.
 class tst_DocumentEditor : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
     void init();
-    void cleanup();
     void saveNeedsAClientAndMakesADraft();
     void handingOverFinalisesFirst_data();
     void handingOverFinalisesFirst();
@@ -81,15 +76,6 @@ private:
         return *m_editor;
     }
 
-    QString tags(const RecordRef& ref)
-    {
-        QStringList names;
-        for (const QVariant& name : m_company->stored(ref, "tags.name").toList())
-            names << name.toString();
-        names.sort();
-        return names.join(QLatin1Char(' '));
-    }
-
     std::unique_ptr<TestCompany> m_company;
     std::unique_ptr<DocumentController> m_editor;
     RecordingOutput m_output;
@@ -99,17 +85,13 @@ private:
 
 void tst_DocumentEditor::init()
 {
+    // The editor goes before the store it works on.
+    m_editor.reset();
     m_company = std::make_unique<TestCompany>(at(2024, 3, 15, 10, 30)); // a Friday
     m_client = m_company->addClient(s("Acme Ltd"));
     m_bolt = m_company->addItem(s("Bolt"), 10, m_company->addTax(s("VAT"), 20));
     m_company->addDelivery(m_bolt, 100);
     m_output.calls.clear();
-}
-
-void tst_DocumentEditor::cleanup()
-{
-    m_editor.reset();
-    m_company.reset();
 }
 
 void tst_DocumentEditor::saveNeedsAClientAndMakesADraft()
@@ -129,8 +111,6 @@ void tst_DocumentEditor::saveNeedsAClientAndMakesADraft()
     QCOMPARE(m_output.calls, QStringList{s("preview ")});
     QCOMPARE(TestCompany::text(editor.document(), s("sum_total client_full_name")),
              s("sum_total=36 client_full_name=Acme Ltd"));
-    QCOMPARE(TotalValueTransformer().transformedValue(QVariant::fromValue(editor.document())),
-             QVariant(s("Total: $36")));
     QCOMPARE(m_company->count("Documents"), 0);
 
     // A new invoice saved by its command is a draft, named by when it was first saved.
@@ -141,7 +121,6 @@ void tst_DocumentEditor::saveNeedsAClientAndMakesADraft()
              DraftNumber::text(at(2024, 3, 15, 10, 30)));
     QCOMPARE(m_company->storedText(editor.document()->ref(), s("draft number created sum_total tags.name")),
              s("draft=true number= created=2024-03-15T10:30:00 sum_total=36 tags.name=Invoice"));
-    QCOMPARE(m_company->stock(m_bolt), 100.0); // a draft moves no stock
     QCOMPARE(closing.count(), 2);
     QVERIFY(!editor.isEdited() && m_company->prompter().questions().isEmpty());
 }
@@ -151,12 +130,9 @@ void tst_DocumentEditor::handingOverFinalisesFirst_data()
     QTest::addColumn<QString>("command");
     QTest::addColumn<bool>("draftBefore");
     QTest::addColumn<QString>("answer");
-    QTest::addColumn<QString>("handedOver"); // empty when nothing is
-    QTest::newRow("e-mail a new invoice")
-        << s("e-mail") << false << s("Finalize") << s("e-mail INVOICE/2024-0001");
-    QTest::newRow("export a draft") << s("save as") << true << s("Finalize")
-                                    << s("save as INVOICE/2024-0001");
-    QTest::newRow("print declined") << s("print") << true << s("Cancel") << QString();
+    QTest::newRow("e-mail a new invoice") << s("e-mail") << false << s("Finalize");
+    QTest::newRow("export a draft") << s("save as") << true << s("Finalize");
+    QTest::newRow("print declined") << s("print") << true << s("Cancel");
 }
 
 void tst_DocumentEditor::handingOverFinalisesFirst()
@@ -164,11 +140,9 @@ void tst_DocumentEditor::handingOverFinalisesFirst()
     QFETCH(QString, command);
     QFETCH(bool, draftBefore);
     QFETCH(QString, answer);
-    QFETCH(QString, handedOver);
     DocumentController& editor = newEditor();
     if (draftBefore)
         QVERIFY(editor.save(Sender::Control));
-    const QString numberBefore = editor.document()->value(s("number_formatted")).toString();
     QSignalSpy sound(&editor, &DocumentController::soundRequested);
     QSignalSpy closing(&editor, &DocumentController::closeRequested);
     m_company->prompter().addAnswer(answer);
@@ -176,16 +150,14 @@ void tst_DocumentEditor::handingOverFinalisesFirst()
     const bool done = command == QLatin1String("print")     ? editor.print()
                       : command == QLatin1String("save as") ? editor.saveAs()
                                                             : editor.sendEmail();
-    const bool finalised = !handedOver.isEmpty();
+    const bool finalised = answer == QLatin1String("Finalize");
     QCOMPARE(done, finalised);
-    QCOMPARE(m_output.calls, finalised ? QStringList{handedOver} : QStringList());
+    QCOMPARE(m_output.calls, finalised ? QStringList{command + s(" INVOICE/2024-0001")} : QStringList());
     // The first invoice of the year asks for its start number; unanswered, it starts at 1.
     QCOMPARE(m_company->prompter().titles().join(s(", ")),
              finalised ? s("Finalize Invoice, Start Number") : s("Finalize Invoice"));
     QCOMPARE(sound.count() + closing.count(), 2 * int(finalised));
     QCOMPARE(m_company->stored(editor.document()->ref(), "draft").toBool(), !finalised);
-    QCOMPARE(editor.document()->value(s("number_formatted")).toString(),
-             finalised ? s("INVOICE/2024-0001") : numberBefore);
     QCOMPARE(m_company->stock(m_bolt), finalised ? 97.0 : 100.0);
 }
 
@@ -233,9 +205,11 @@ void tst_DocumentEditor::clientTermsAndCurrency()
 {
     const auto tenDays =
         m_company->add("DueDays", {{s("name"), s("10 days")}, {s("days"), 10}, {s("type"), 1}});
-    m_company->addClient(
-        s("Own Terms"),
-        {{s("default_payment_type"), QVariant::fromValue(m_company->named("PaymentTypes", s("Cash"))->ref())},
+    m_company->add(
+        "Clients",
+        {{s("type"), 0},
+         {s("company_name"), s("Own Terms")},
+         {s("default_payment_type"), QVariant::fromValue(m_company->named("PaymentTypes", s("Cash"))->ref())},
          {s("default_bank"), QVariant::fromValue(m_company->add("Banks", {{s("line1"), s("Other Bank")}}))},
          {s("default_due_day"), QVariant::fromValue(tenDays)}});
     DocumentController& editor = newEditor(0, false);
@@ -250,7 +224,6 @@ void tst_DocumentEditor::clientTermsAndCurrency()
              s("payment_type.name=Bank Transfer bank.line1=My Bank date_due=2024-03-27T00:00:00"));
     const auto month =
         m_company->add("DueDays", {{s("name"), s("30 days")}, {s("days"), 30}, {s("type"), 0}});
-    QCOMPARE(editor.dueDays().size(), 3);
     editor.dueDaysChanged(editor.context().record(month));
     QCOMPARE(TestCompany::text(document, s("date_due")), s("date_due=2024-04-14T12:00:00"));
 
@@ -284,7 +257,6 @@ void tst_DocumentEditor::notes()
         ForcedFailure failure(m_company->path(), s("DocumentRowNotes"), s("INSERT"));
         QVERIFY(!editor.saveNote());
     }
-    QCOMPARE(m_company->prompter().titles(), QStringList{s("The changes could not be saved.")});
     const QString fifty(50, QLatin1Char('x'));
     for (const QString& note : {s("first\nsecond\r\nthird"), fifty + s("y")}) {
         row->setValue(s("note"), note);
@@ -309,20 +281,16 @@ void tst_DocumentEditor::notes()
 void tst_DocumentEditor::numbersOfNewDocuments()
 {
     // A new document takes the next number of its type, again when its type changes; a saved one
-    // keeps its number but moves to its new type's folder.
-    m_company->add("Documents", {{s("type"), 3},
-                                 {s("date_creation"), at(2024, 2, 1)},
-                                 {s("number"), 11},
-                                 {s("draft"), false},
-                                 {s("created"), at(2024, 2, 1)}});
+    // keeps its number but changes its folder.
+    m_company->addDocument(3, m_client, m_bolt, 1);
     DocumentController& editor = newEditor();
     editor.typeChanged(3);
-    QCOMPARE(editor.document()->value(s("number_formatted")).toString(), s("QUOTATION/2024-0012"));
+    QCOMPARE(editor.document()->value(s("number_formatted")).toString(), s("QUOTATION/2024-0002"));
     QVERIFY(editor.save(Sender::Control));
     editor.typeChanged(5);
     QVERIFY(editor.save(Sender::Control));
     QCOMPARE(m_company->storedText(editor.document()->ref(), s("number_formatted draft tags.name")),
-             s("number_formatted=QUOTATION/2024-0012 draft=false tags.name=Credit Note"));
+             s("number_formatted=QUOTATION/2024-0002 draft=false tags.name=Credit Note"));
     QVERIFY(m_company->prompter().questions().isEmpty());
 
     // The preferences replace a token only by one of its menu's entries; their sample shows the
@@ -336,7 +304,6 @@ void tst_DocumentEditor::numbersOfNewDocuments()
     QCOMPARE(numbering.nextNumberByType(0, m_company->now(), false).formattedNumber, s("INVOICE/24-000001"));
     QVERIFY(preferences.reset(0) && !preferences.setFormat(8, s("X")));
     QCOMPARE(preferences.format(0), s("INVOICE/,YYYY,-,NNNN"));
-    QCOMPARE(NumberFormatPreferences::listedTypes().mid(5), (QList<int>{5, 7, 6}));
 }
 
 void tst_DocumentEditor::closeQuestions()
@@ -345,13 +312,12 @@ void tst_DocumentEditor::closeQuestions()
     // left to ask about.
     DocumentController& editor = newEditor();
     auto clients = m_company->make<ClientController>();
-    QVERIFY(clients.windowShouldClose() == ClientController::CloseAnswer::Close);
     clients.newClient(0);
     clients.addAddress();
     auto items = m_company->make<ItemController>();
     items.newItem(1);
     QVERIFY(items.setPrice(1, 5));
-    for (const char* answer : {"Cancel", "Save", "Cancel", "Don't Save", "Save"})
+    for (const char* answer : {"Cancel", "Save", "Cancel", "Don't Save", "Save", "Don't Save"})
         m_company->prompter().addAnswer(s(answer));
     QVERIFY(editor.windowShouldClose() == DocumentController::CloseAnswer::KeepOpen);
     QVERIFY(editor.windowShouldClose() == DocumentController::CloseAnswer::Close);
@@ -360,20 +326,17 @@ void tst_DocumentEditor::closeQuestions()
     QVERIFY(items.windowShouldClose() == ItemController::CloseAnswer::Close);
     QVERIFY(editor.windowShouldClose() == DocumentController::CloseAnswer::Close);
     QVERIFY(clients.windowShouldClose() == ClientController::CloseAnswer::Close);
-    const QString unsaved =
-        s(" has not been saved and contains unsaved changes. Would you like to save now? | "
-          "Save, Don't Save, Cancel");
-    QCOMPARE(m_company->asked(), (QStringList{s("Save this document? | This document") + unsaved,
-                                              s("Save this document? | This document") + unsaved,
-                                              s("Save this client? | This client") + unsaved,
-                                              s("Save this client? | This client") + unsaved,
-                                              s("Save this item? | This item") + unsaved}));
     QCOMPARE(m_company->storedText(editor.document()->ref(), s("draft sum_total")),
              s("draft=true sum_total=36"));
-    m_company->prompter().addAnswer(s("Don't Save"));
-    QVERIFY(newEditor().windowShouldClose() == DocumentController::CloseAnswer::Close);
-    QVERIFY(m_editor->windowShouldClose() == DocumentController::CloseAnswer::Close);
-    QCOMPARE(m_company->asked().size(), 6);
+    QVERIFY(newEditor().windowShouldClose() == DocumentController::CloseAnswer::Close); // not saved
+    const auto question = [](const char* what) {
+        return s("Save this %1? | This %1 has not been saved and contains unsaved changes. Would you like to "
+                 "save now? | Save, Don't Save, Cancel")
+            .arg(s(what));
+    };
+    const QString document = question("document"), client = question("client");
+    QCOMPARE(m_company->asked(),
+             (QStringList{document, document, client, client, question("item"), document}));
     QCOMPARE(
         (QList<int>{m_company->count("Documents"), m_company->count("Clients"), m_company->count("Items")}),
         (QList<int>{1, 1, 2}));
@@ -392,12 +355,9 @@ void tst_DocumentEditor::failedSaveLosesNothing()
         QVERIFY(!editor.print());
     }
     QVERIFY(m_output.calls.isEmpty());
-    QVERIFY(m_company->question(-1).startsWith(s("The changes could not be saved. | ")));
-    // The store holds the draft as it was; the editor still holds the user's work, not a number
-    // it never got.
+    // The store holds the draft as it was; the editor, the user's work without a number.
     QCOMPARE(m_company->storedText(ref, s("number_formatted draft rows.@count sum_total")),
              draft + s(" rows.@count=1 sum_total=36"));
-    QCOMPARE(m_company->stock(m_bolt), 100.0);
     QCOMPARE(TestCompany::text(editor.document(), s("number_formatted draft")), draft);
     QVERIFY(editor.rows().size() == 2 && editor.isEdited());
 
@@ -405,8 +365,7 @@ void tst_DocumentEditor::failedSaveLosesNothing()
     m_company->prompter().clear();
     QVERIFY(editor.print());
     QCOMPARE(m_output.calls, QStringList{s("print INVOICE/2024-0001 x2")});
-    QCOMPARE(m_company->stored(ref, "sum_total").toDouble(), 96.0);
-    QCOMPARE(m_company->stock(m_bolt), 92.0);
+    QCOMPARE(m_company->stock(m_bolt), 92.0); // both rows sold
 }
 
 void tst_DocumentEditor::roadOfAnInvoice()
@@ -423,39 +382,31 @@ void tst_DocumentEditor::roadOfAnInvoice()
     quote.itemNameEntered(nuts, s("Nut"));
     quote.setQuantity(nuts, 200);
     QVERIFY(quote.save(Sender::Control));
-    QCOMPARE(m_company->storedText(quote.document()->ref(), s("number_formatted sum_total draft")),
-             s("number_formatted=QUOTATION/2024-0001 sum_total=367 draft=false"));
-    QCOMPARE(stock(), (QList<double>{100, 1000}));
+    QCOMPARE(m_company->storedText(quote.document()->ref(), s("number_formatted sum_total")),
+             s("number_formatted=QUOTATION/2024-0001 sum_total=367"));
 
     // Accepted: the invoice is written from the browser's "add to document" and saved as a draft.
-    m_company->setNow(at(2024, 5, 8, 15, 20));
     DocumentController& invoice = newEditor(0, false);
     QVERIFY(invoice.addClient(m_client));
     invoice.setQuantity(invoice.rows().first(), 20);
     invoice.setQuantity(invoice.addItem(nut), 200);
     QVERIFY(invoice.save(Sender::Control));
     const RecordRef ref = invoice.document()->ref();
-    QVERIFY(m_company->stored(ref, "draft").toBool());
 
     // Finalised from the list: the first invoice of the year starts at 31.
-    m_company->setNow(at(2024, 5, 9, 10, 0));
-    m_company->prompter().clear();
     m_company->prompter().addAnswer(s("Finalize"));
     m_company->prompter().addAnswer(s("31"));
     QVERIFY(m_company->make<InvoiceFinalizer>().finalizeInvoiceIfNeeded(ref));
-    QCOMPARE(m_company->storedText(ref, s("number_formatted created sum_total")),
-             s("number_formatted=INVOICE/2024-0031 created=2024-05-09T10:00:00 sum_total=367"));
+    QCOMPARE(m_company->storedText(ref, s("number_formatted sum_total")),
+             s("number_formatted=INVOICE/2024-0031 sum_total=367"));
     QCOMPARE(stock(), (QList<double>{80, 800}));
     QCOMPARE(PaymentStatus::countUnpaid(m_company->main()), 1);
 
     // Paid in parts; the rest is settled in one step.
     auto payments = m_company->make<DocumentPayments>();
     QVERIFY(payments.addPayment(ref, 200) && payments.addPayment(ref, 100.5));
-    QCOMPARE(payments.remaining(ref), 66.5);
     QVERIFY(payments.closeDocumentPayments(ref, true));
-    QCOMPARE((QList<int>{PaymentStatus::countPaid(m_company->main()),
-                         PaymentStatus::countUnpaid(m_company->main())}),
-             (QList<int>{1, 0}));
+    QCOMPARE(PaymentStatus::countPaid(m_company->main()), 1);
 
     // Printing the paid invoice asks nothing more.
     m_company->prompter().clear();
@@ -477,11 +428,12 @@ void tst_DocumentEditor::clientSave_data()
     QTest::addColumn<int>("type");
     QTest::addColumn<QString>("names");
     QTest::addColumn<QString>("tags");
-    QTest::newRow("company") << 0 << s("company_name=No Name first_name= last_name=") << s("Company VIP");
+    QTest::newRow("company") << 0 << s("company_name=No Name first_name= last_name=")
+                             << s("tags.name=Company|VIP");
     QTest::newRow("supplier is filed as a company too")
-        << 1 << s("company_name= first_name=No Name last_name=") << s("Company Supplier VIP");
+        << 1 << s("company_name= first_name=No Name last_name=") << s("tags.name=Company|Supplier|VIP");
     QTest::newRow("individual") << 2 << s("company_name=No Name first_name= last_name=")
-                                << s("Individual VIP");
+                                << s("tags.name=Individual|VIP");
 }
 
 void tst_DocumentEditor::clientSave()
@@ -503,7 +455,7 @@ void tst_DocumentEditor::clientSave()
     QCOMPARE(editor.nameFields().firstKey, type == 2 ? s("first_name") : s("company_name"));
     QVERIFY(editor.save(ClientController::Sender::Control));
     QTEST(m_company->storedText(client->ref(), s("company_name first_name last_name")), "names");
-    QTEST(tags(client->ref()), "tags");
+    QTEST(m_company->storedText(client->ref(), s("tags.name")), "tags");
     QVERIFY(!m_company->stored(client->ref(), "identifier").toString().isEmpty());
     QVERIFY(closing.count() == 1 && !editor.isEdited());
 }
@@ -525,10 +477,8 @@ void tst_DocumentEditor::savedRecordsReachTheOpenDocument()
     QCOMPARE(client->related(s("default_address")), office);
     clients.removeAddress(office);
     QVERIFY(clients.save(ClientController::Sender::Control, &document));
-    QCOMPARE(TestCompany::text(document.document(),
-                               s("client.full_name client_full_name client_city client_email")),
-             s("client.full_name=Ann Smith client_full_name=Ann Smith client_city=Szeged "
-               "client_email=ann@smith.test"));
+    QCOMPARE(TestCompany::text(document.document(), s("client_full_name client_city client_email")),
+             s("client_full_name=Ann Smith client_city=Szeged client_email=ann@smith.test"));
     // A saved item is filed under its kind, keeps the user's tags, and becomes a row at the active
     // price level. Only the first rate of its tax is taken out of its prices.
     auto items = m_company->make<ItemController>();
@@ -544,7 +494,7 @@ void tst_DocumentEditor::savedRecordsReachTheOpenDocument()
     QCOMPARE(TestCompany::text(item, s("custom_price01 custom_price02 custom_price03")),
              s("custom_price01=80 custom_price02=100 custom_price03="));
     QVERIFY(items.save(ItemController::Sender::Control, &document));
-    QCOMPARE(tags(item->ref()), s("Seasonal Service"));
+    QCOMPARE(m_company->storedText(item->ref(), s("tags.name")), s("tags.name=Service|Seasonal"));
     QCOMPARE(document.rows().size(), 1);
     QCOMPARE(TestCompany::text(document.rows().first(), s("name unit_price total item.name")),
              s("name=Consulting unit_price=100 total=125 item.name=Consulting"));
@@ -561,7 +511,6 @@ void tst_DocumentEditor::deliveriesAndMovements()
     Record* first = editor.addIncoming(editor.context().record(supplier), 10, at(2024, 3, 1));
     editor.removeIncoming(editor.addIncoming(nullptr, 7, at(2024, 3, 3)));
     QVERIFY(!editor.addIncoming(nullptr, 1e308, m_company->now()));
-    QCOMPARE(m_company->prompter().titles(), QStringList{s("Invalid number")});
     QVERIFY(editor.save(ItemController::Sender::None));
     QCOMPARE(m_company->stock(m_bolt), 110.0);
     QCOMPARE(editor.movementsIn().size(), 2);

@@ -8,15 +8,12 @@
 #include "editors/paymenttypevaluetransformer.h"
 #include "editors/totalvaluetransformer.h"
 
-#include <limits>
-
 using namespace corvanta;
 using namespace corvanta::editors;
 using model::testing::s;
 using store::Record;
 
-// What the lists and fields show for a stored value: each transformer on the values that take
-// its branches, against one small company.
+// What the lists and fields show for a stored value: each transformer's branches, in one company.
 class tst_ValueTransformers : public QObject
 {
     Q_OBJECT
@@ -72,7 +69,6 @@ void tst_ValueTransformers::shows_data()
     row("client available", "status", 2, s("ClientAvailable.png"));
     row("client status unknown", "status", 3, QVariant());
     row("no payment type", "payment", QVariant(), s("No Payment"));
-    row("empty payment type", "payment", s(""), s("No Payment"));
     row("payment type", "payment", s("Cash"), s("Cash"));
     row("total of a document with rows", "total", s("#document"), s("Total: 1,234.57 €"));
     row("total of a document without rows", "total", s("#empty"), s(""));
@@ -82,7 +78,6 @@ void tst_ValueTransformers::shows_data()
     row("default of no record", "default", 1, QVariant());
     row("amount in the company's currency", "currency", -1234.5, s("-1,234.50 €"));
     row("not a number", "currency", s("1"), QVariant());
-    row("not finite", "currency", std::numeric_limits<double>::infinity(), QVariant());
     row("document total in its currency", "sum total", s("#document"), s("1,234.57 €"));
     row("document without a total", "sum total", s("#no total"), QVariant());
     row("rate hidden for the company's currency", "rate hidden", s("#euro"), true);
@@ -113,7 +108,6 @@ void tst_ValueTransformers::customFieldNames_data()
 {
     QTest::addColumn<QString>("key");
     QTest::addColumn<QString>("name");
-    QTest::newRow("client field") << s("client_custom03") << s("Custom 3");
     QTest::newRow("item price") << s("item_custom_price02") << s("Custom Price 2");
     QTest::newRow("own company field") << s("my_custom10") << s("Custom 10");
 }

@@ -1,5 +1,6 @@
 #include "model/clientsrecord.h"
 #include "model/companysettings.h"
+#include "model/corvantamodel.h"
 #include "model/currenciesrecord.h"
 #include "model/documentrowsrecord.h"
 #include "modeltestsupport.h"
@@ -24,34 +25,79 @@ QVariantMap euro(bool fixed)
 
 } // namespace
 
-// The record classes that a company database opened the program's way gives its records, the
-// values they derive, and the company settings some of them follow.
+// The data model, the record classes that a company database opened the program's way gives its
+// records, the values they derive, and the company settings some of them follow.
 class tst_RecordClasses : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
+    void relationshipsPairUp();
+    void companyDefaultsAreNamedForTheirKind();
     void theOneOpenGivesEveryClass();
     void settingsReadAfreshAndSaveAtOnce();
     void storedClientNamesFollowTheSetting();
-    void contactListsJoin();
     void currencySample();
     void rowAmounts_data();
     void rowAmounts();
     void onlyQuantityPriceAndTaxRecomputeARow();
 };
 
+void tst_RecordClasses::relationshipsPairUp()
+{
+    const DataModel& model = corvantaDataModel();
+    for (const EntityDescription& entity : model.entities()) {
+        for (const RelationshipDescription& r : entity.relationships()) {
+            const QString name = entity.name() + QLatin1Char('.') + r.name;
+            const RelationshipDescription& inverse = model.inverseOf(r);
+            QVERIFY2(inverse.destination == entity.name() && inverse.inverse == r.name, qPrintable(name));
+            // Exactly one side of a to-one pair keeps the column, unless the relationship is its
+            // own inverse.
+            if (!r.toMany && !inverse.toMany && &inverse != &r)
+                QVERIFY2((r.storage == RelationshipStorage::ForeignKey) !=
+                             (inverse.storage == RelationshipStorage::ForeignKey),
+                         qPrintable(name));
+        }
+    }
+}
+
+// A record tells whether it is the company's default through its first relationship whose name
+// begins with "my_company_"; the rest of that name is the company's key.
+void tst_RecordClasses::companyDefaultsAreNamedForTheirKind()
+{
+    const DataModel& model = corvantaDataModel();
+    const EntityDescription* company = model.entity(s("MyCompany"));
+    for (const char* key : {"default_currency", "default_unit", "default_tax", "default_payment_type",
+                            "default_bank", "default_due_day", "default_email_template"}) {
+        const RelationshipDescription* r = company->relationship(s(key));
+        QVERIFY2(r, key);
+        QString first;
+        for (const RelationshipDescription& d : model.entity(r->destination)->relationships()) {
+            if (first.isEmpty() && d.name.startsWith(QLatin1String("my_company_")))
+                first = d.name.mid(11);
+        }
+        QCOMPARE(first, s(key));
+    }
+}
+
+// Records inserted, read from the file, and those of secondary contexts get their classes; a
+// client's contact lists are kept joined.
 void tst_RecordClasses::theOneOpenGivesEveryClass()
 {
     ScratchCompany company;
     EditingContext& c = company.main();
-    QVERIFY(dynamic_cast<ClientsRecord*>(c.insertRecord(s("Clients"))));
     QVERIFY(dynamic_cast<CurrenciesRecord*>(c.insertRecord(s("Currencies"))));
     QVERIFY(dynamic_cast<DocumentRowsRecord*>(c.insertRecord(s("DocumentRows"))));
+    Record* client = c.insertRecord(s("Clients"));
+    client->setValue(s("emails"), QStringList{s("a@x.hu"), s("b@x.hu")});
+    client->setValue(s("phones"), QVariantList{s("+36 1"), s("+36 2")});
     saveOrFail(c);
-    // Records read from the file, and those of secondary contexts, get them too.
     company.reopen();
-    QVERIFY(dynamic_cast<ClientsRecord*>(company.main().fetchFirst(FetchRequest(s("Clients")))));
+    client = company.main().fetchFirst(FetchRequest(s("Clients")));
+    QVERIFY(dynamic_cast<ClientsRecord*>(client));
+    QCOMPARE(valuesOf(client, {"emails", "phones"}), s("a@x.hu,b@x.hu | +36 1,+36 2"));
+    client->setValue(s("emails"), s("only@x.hu"));
+    QCOMPARE(client->value(s("emails")).toString(), s("only@x.hu"));
     QVERIFY(dynamic_cast<DocumentRowsRecord*>(
         company.store().newContext()->fetchFirst(FetchRequest(s("DocumentRows")))));
 }
@@ -117,18 +163,6 @@ void tst_RecordClasses::storedClientNamesFollowTheSetting()
     QCOMPARE(stored(), s("1 0 1 1 1"));
 }
 
-void tst_RecordClasses::contactListsJoin()
-{
-    ScratchCompany st;
-    Record* client = st.main().insertRecord(s("Clients"));
-    client->setValue(s("emails"), QStringList{s("a@x.hu"), s("b@x.hu")});
-    client->setValue(s("phones"), QVariantList{s("+36 1"), s("+36 2")});
-    QCOMPARE(client->value(s("emails")).toString(), s("a@x.hu,b@x.hu"));
-    QCOMPARE(client->value(s("phones")).toString(), s("+36 1,+36 2"));
-    client->setValue(s("emails"), s("only@x.hu"));
-    QCOMPARE(client->value(s("emails")).toString(), s("only@x.hu"));
-}
-
 // The sample is made on insert, again whenever an attribute that decides the format is set, and
 // when a stored one is read.
 void tst_RecordClasses::currencySample()
@@ -164,8 +198,8 @@ void tst_RecordClasses::rowAmounts_data()
     QTest::addColumn<double>("price");
     QTest::addColumn<double>("rate2");
     QTest::addColumn<bool>("cumulative");
-    QTest::addColumn<QString>(
-        "amounts"); // net | tax1 | tax2 | total | shown tax | tax1 in the company's currency
+    // net | tax1 | tax2 | total | shown tax | tax1 in the company's currency
+    QTest::addColumn<QString>("amounts");
     QTest::newRow("two rates") << 2.0 << 50.0 << 10.0 << false << s("100 | 20 | 10 | 130 | 20+10 | 10");
     QTest::newRow("second rate on net plus first")
         << 2.0 << 50.0 << 10.0 << true << s("100 | 20 | 12 | 132 | 20+12 | 10");
