@@ -400,11 +400,14 @@ Record* DocumentController::addItem(const RecordRef& item)
     return row;
 }
 
+Record* DocumentController::ownClient(const RecordRef& client) const
+{
+    return m_document ? m_context->fetchRecord(s("Clients"), client) : nullptr;
+}
+
 bool DocumentController::setClient(const RecordRef& client)
 {
-    if (!m_document)
-        return false;
-    Record* own = m_context->fetchRecord(s("Clients"), client);
+    Record* own = ownClient(client);
     if (!own)
         return false;
     m_document->setRelated(s("client"), own);
@@ -414,9 +417,7 @@ bool DocumentController::setClient(const RecordRef& client)
 
 bool DocumentController::addClient(const RecordRef& client)
 {
-    if (!m_document)
-        return false;
-    Record* own = m_context->fetchRecord(s("Clients"), client);
+    Record* own = ownClient(client);
     if (!own)
         return false;
     takeClient(own);

@@ -148,6 +148,8 @@ private:
     bool prepareOutput();
     // Saves and finalises as printing does, then gives the document to the output, if any.
     bool handOver(const std::function<void(DocumentOutput&)>& command);
+    // This context's copy of a client, or null without a document or with no such client.
+    store::Record* ownClient(const predicate::RecordRef& client) const;
     void takeClient(store::Record* client);
     QList<store::Record*> stockItems() const;
     void rememberItemOf(store::Record* row);
