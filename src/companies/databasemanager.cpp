@@ -3,8 +3,8 @@
 #include "backupfolder.h"
 #include "companieslog.h"
 #include "datafolderarchive.h"
-#include "readonlydatabase.h"
 #include "store/storeerror.h"
+#include "store/storefile.h"
 #include "support/prompter.h"
 #include "support/uuid.h"
 
@@ -201,7 +201,10 @@ std::optional<QList<DatabaseEntry>> DatabaseManager::repairList(const DatabaseLi
                 .entryInfoList({QStringLiteral("*.cvdb")}, QDir::Files | QDir::NoDotAndDotDot, QDir::Time);
         for (const QFileInfo& file : files) {
             DatabaseEntry entry;
-            entry.name = ReadOnlyDatabase(file.absoluteFilePath()).companyName();
+            entry.name = store::StoreFile(file.absoluteFilePath())
+                             .firstValue(QStringLiteral("MyCompany"), QStringLiteral("name"))
+                             .toString()
+                             .trimmed();
             if (entry.name.isEmpty())
                 entry.name = tr("My Company");
             entry.filename = file.fileName();

@@ -1,8 +1,8 @@
 #include "datafolderarchive.h"
 
 #include "companieslog.h"
-#include "readonlydatabase.h"
 #include "store/store.h"
+#include "store/storefile.h"
 #include "support/zipwriter.h"
 
 #include <QDir>
@@ -99,8 +99,7 @@ bool DataFolderArchive::write(const QString& destination, const QString& comment
             copied = m_openStore->writeSnapshot(copy, &storeError);
             why = storeError.message();
         } else {
-            ReadOnlyDatabase database(file);
-            copied = database.vacuumInto(copy, &why);
+            copied = store::StoreFile(file).writeCopy(copy, &why);
         }
         if (copied) {
             if (!zip.addFile(entry, copy, error))
