@@ -1,11 +1,11 @@
 #include "store.h"
 
+#include "databaselock.h"
 #include "editingcontext.h"
 #include "sqlite/sqlitedatabase.h"
 
 #include <QDir>
 #include <QFileInfo>
-#include <QLockFile>
 
 namespace corvanta::store {
 
@@ -33,8 +33,7 @@ Store::~Store()
 {
     m_mainContext.reset();
     m_database.reset();
-    if (m_lock)
-        m_lock->unlock();
+    m_lock.reset();
 }
 
 bool Store::openDatabase(StoreError* error)
@@ -83,28 +82,29 @@ bool Store::openDatabase(StoreError* error)
 
 bool Store::lock(StoreError* error)
 {
-    m_lock = std::make_unique<QLockFile>(m_path + QLatin1String(".lock"));
-    m_lock->setStaleLockTime(0); // a lock is stale only when its process is gone
-    if (!m_lock->tryLock(0)) {
-        if (m_lock->error() == QLockFile::LockFailedError) {
-            report(error,
-                   StoreError::make(
-                       StoreError::AlreadyOpen,
-                       tr("The company database \"%1\" is already open in another running instance of "
-                          "Corvanta.")
-                           .arg(m_path),
-                       tr("Quit the other instance first: a company database can be used by one instance "
-                          "at a time.")));
-        } else {
-            report(error, StoreError::make(
-                              StoreError::NotWritable,
-                              tr("The company database \"%1\" cannot be locked for writing.").arg(m_path),
-                              tr("Check that you may write in its folder.")));
-        }
-        m_lock.reset();
-        return false;
+    m_lock = std::make_unique<DatabaseLock>(m_path + QLatin1String(".lock"));
+    QString why;
+    switch (m_lock->acquire(&why)) {
+    case DatabaseLock::Result::Acquired:
+        return true;
+    case DatabaseLock::Result::HeldElsewhere:
+        report(error,
+               StoreError::make(
+                   StoreError::AlreadyOpen,
+                   tr("The company database \"%1\" is already open in another running instance of Corvanta.")
+                       .arg(m_path),
+                   tr("Quit the other instance first: a company database can be used by one instance at a "
+                      "time.")));
+        break;
+    case DatabaseLock::Result::Failed:
+        report(error,
+               StoreError::make(StoreError::NotWritable,
+                                tr("The company database \"%1\" cannot be locked for writing.").arg(m_path),
+                                tr("Check that you may write in its folder (%1).").arg(why)));
+        break;
     }
-    return true;
+    m_lock.reset();
+    return false;
 }
 
 EditingContext& Store::mainContext()

@@ -11,10 +11,9 @@
 #include <functional>
 #include <memory>
 
-class QLockFile;
-
 namespace corvanta::store {
 
+class DatabaseLock;
 class EditingContext;
 class SqliteDatabase;
 struct FetchRequest;
@@ -79,7 +78,7 @@ private:
     QString m_path;
     const DataModel& m_model;
     QString m_storedVersion;
-    std::unique_ptr<QLockFile> m_lock;
+    std::unique_ptr<DatabaseLock> m_lock;
     std::unique_ptr<SqliteDatabase> m_database;
     std::vector<qint64> m_lastPk;
     QHash<QString, RecordFactory> m_factories;

@@ -2,8 +2,10 @@
 #include "store/storefile.h"
 
 #include <QProcess>
+#include <QRandomGenerator>
 #include <QSqlDatabase>
 #include <QSqlQuery>
+#include <QThread>
 
 using namespace corvanta::store;
 using namespace corvanta::store::testing;
@@ -46,6 +48,9 @@ private Q_SLOTS:
     void refusesBadLocations_data();
     void refusesBadLocations();
     void refusesSecondRunningInstance();
+    void leftLockFileNeverBlocks_data();
+    void leftLockFileNeverBlocks();
+    void killedHolderNeverBlocks();
     void migratesOlderFile();
     void refusesNewerDataModel();
     void snapshotWhileOpen();
@@ -153,6 +158,61 @@ void tst_Store::refusesSecondRunningInstance()
     QCOMPARE(holder.exitCode(), 0);
     auto store = openOrderBook(path, &error);
     QVERIFY2(store, qPrintable(error.message()));
+}
+
+void tst_Store::leftLockFileNeverBlocks_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("empty, left by a kill while locking") << QByteArray();
+    QTest::newRow("naming a running process") << QByteArray("1\ncorvanta\nhost\n");
+    QTest::newRow("garbage") << QByteArray(300, '\xff');
+}
+
+void tst_Store::leftLockFileNeverBlocks()
+{
+    QFETCH(QByteArray, content);
+    QTemporaryDir dir;
+    const QString path = dir.filePath(s("orders.db"));
+    QFile lock(path + QLatin1String(".lock"));
+    QVERIFY(lock.open(QIODevice::WriteOnly));
+    lock.write(content);
+    lock.close();
+
+    StoreError error;
+    auto store = openOrderBook(path, &error);
+    QVERIFY2(store, qPrintable(error.message()));
+    store.reset();
+    QVERIFY(!QFile::exists(path + QLatin1String(".lock")));
+}
+
+// Holders killed at random moments, many of them while they take or give up the lock: the next
+// open always succeeds.
+void tst_Store::killedHolderNeverBlocks()
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(s("orders.db"));
+    QRandomGenerator random(20261123);
+    int refusedWhileAlive = 0;
+    for (int round = 0; round < 60; ++round) {
+        QProcess holder;
+        holder.start(s(STORE_HOLDER), {s("--churn"), path});
+        QVERIFY(holder.waitForStarted());
+        QThread::usleep(random.bounded(40000));
+        StoreError error;
+        if (!openOrderBook(path, &error)) {
+            QCOMPARE(error.code, int(StoreError::AlreadyOpen));
+            ++refusedWhileAlive;
+        }
+        QThread::usleep(random.bounded(20000));
+        holder.kill();
+        QVERIFY(holder.waitForFinished(10000));
+        QCOMPARE(holder.exitStatus(), QProcess::CrashExit);
+
+        auto store = openOrderBook(path, &error);
+        QVERIFY2(store, qPrintable(s("round %1: %2").arg(round).arg(error.message())));
+    }
+    // The live holder was met at least sometimes, so the kills did land on a holder at work.
+    QVERIFY(refusedWhileAlive > 0);
 }
 
 void tst_Store::migratesOlderFile()
