@@ -441,16 +441,14 @@ bool EditingContext::writeChanges(ChangeSet& changes, StoreError* error)
 {
     SqliteDatabase& database = m_store.database();
     auto fail = [&](const QString& what, const QString& why) {
+        const StoreError::Code failure = database.lastWriteFailure();
         database.rollback();
-        report(error, StoreError::make(StoreError::SaveFailed, tr("The changes could not be saved."),
-                                       tr("%1: %2").arg(what, why)));
+        report(error, saveError(failure, what.isEmpty() ? why : tr("%1: %2").arg(what, why)));
         return false;
     };
     QString why;
-    if (!database.begin(&why)) {
-        report(error, StoreError::make(StoreError::SaveFailed, tr("The changes could not be saved."), why));
-        return false;
-    }
+    if (!database.begin(&why))
+        return fail({}, why);
 
     // Lists of the destinations of these foreign keys are no longer current elsewhere.
     QSet<int> touched;
@@ -514,6 +512,28 @@ bool EditingContext::writeChanges(ChangeSet& changes, StoreError* error)
     if (!database.commit(&why))
         return fail(tr("Committing"), why);
     return true;
+}
+
+// The records keep their changes after a failed save, so the user may free space or fix the
+// disk and save the same changes again.
+StoreError EditingContext::saveError(StoreError::Code failure, const QString& detail) const
+{
+    const QString& file = m_store.path();
+    qCWarning(lcStore, "Saving %s failed: %s", qPrintable(file), qPrintable(detail));
+    switch (failure) {
+    case StoreError::DiskFull:
+        return StoreError::make(
+            StoreError::DiskFull,
+            tr("The disk is full: the company database \"%1\" could not be saved.").arg(file),
+            tr("Your changes are kept. Free some space on the disk, then save again."));
+    case StoreError::WriteFailed:
+        return StoreError::make(
+            StoreError::WriteFailed,
+            tr("Writing to the disk failed: the company database \"%1\" could not be saved.").arg(file),
+            tr("Your changes are kept. Check the disk, then save again. (%1)").arg(detail));
+    default:
+        return StoreError::make(StoreError::SaveFailed, tr("The changes could not be saved."), detail);
+    }
 }
 
 void EditingContext::finishSave(const ChangeSet& changes)

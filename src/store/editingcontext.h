@@ -119,6 +119,9 @@ private:
     void applyDeleteRules(Record* record);
     bool checkDenyRules(StoreError* error);
     bool writeChanges(ChangeSet& changes, StoreError* error);
+    // The error of a save whose write failed (`failure` tells why, `detail` is the database's
+    // own text).
+    StoreError saveError(StoreError::Code failure, const QString& detail) const;
     void finishSave(const ChangeSet& changes);
     void invalidateLists(const ChangeSet& changes);
 

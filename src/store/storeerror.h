@@ -15,6 +15,8 @@ struct StoreError
         FolderIsFile = 101,     // a file stands where the data folder should be
         NotFound = 260,         // the data folder does not exist
         NotWritable = 513,      // the location cannot be written
+        WriteFailed = 512,      // the disk failed to take a write; the save was rolled back
+        DiskFull = 640,         // the disk is full; the save was rolled back
         NotADatabase = 259,     // the file is not a company database
         AlreadyOpen = 9001,     // another running instance holds the database
         SaveFailed = 1560,      // a save was rolled back

@@ -12,6 +12,8 @@
 #include <QSqlError>
 #include <QVersionNumber>
 #include <atomic>
+#include <cerrno>
+#include <sqlite3.h>
 
 namespace corvanta::store {
 
@@ -195,9 +197,34 @@ bool SqliteDatabase::exec(QSqlQuery* query, QString* error)
 {
     const bool ok = query->exec();
     if (!ok)
-        *error = query->lastError().text();
+        writeFailed(query->lastError().text(), error);
     query->finish();
     return ok;
+}
+
+bool SqliteDatabase::writeFailed(const QString& text, QString* error)
+{
+    // Read before anything else runs on the connection: the next statement replaces them.
+    m_failedWriteCode = m_handle ? sqlite3_extended_errcode(m_handle) : SQLITE_ERROR;
+    m_failedWriteErrno = m_handle ? sqlite3_system_errno(m_handle) : 0;
+    *error = text;
+    return false;
+}
+
+StoreError::Code SqliteDatabase::lastWriteFailure() const
+{
+    if (m_failedWriteErrno == ENOSPC || m_failedWriteErrno == EDQUOT)
+        return StoreError::DiskFull;
+    switch (m_failedWriteCode & 0xff) {
+    case SQLITE_FULL:
+        return StoreError::DiskFull;
+    case SQLITE_IOERR:
+    case SQLITE_READONLY:
+    case SQLITE_CANTOPEN:
+        return StoreError::WriteFailed;
+    default:
+        return StoreError::SaveFailed;
+    }
 }
 
 bool SqliteDatabase::run(const QString& sql, const QVariantList& values, QString* error)
@@ -344,11 +371,11 @@ QueryPlan SqliteDatabase::explain(const FetchRequest& request, Aggregate functio
 
 bool SqliteDatabase::begin(QString* error)
 {
+    m_failedWriteCode = SQLITE_OK;
+    m_failedWriteErrno = 0;
     QSqlQuery control(connection());
-    if (!control.exec(QStringLiteral("BEGIN IMMEDIATE"))) {
-        *error = control.lastError().text();
-        return false;
-    }
+    if (!control.exec(QStringLiteral("BEGIN IMMEDIATE")))
+        return writeFailed(control.lastError().text(), error);
     // Records may be written before the records they point at, within one save.
     control.exec(QStringLiteral("PRAGMA defer_foreign_keys = ON"));
     return true;
@@ -359,12 +386,15 @@ bool SqliteDatabase::commit(QString* error)
     QSqlQuery control(connection());
     if (control.exec(QStringLiteral("COMMIT")))
         return true;
-    *error = control.lastError().text();
-    return false;
+    return writeFailed(control.lastError().text(), error);
 }
 
 void SqliteDatabase::rollback()
 {
+    // A full disk or an I/O error may have ended the transaction already; ROLLBACK then only
+    // reports that none is active.
+    if (m_handle && sqlite3_get_autocommit(m_handle))
+        return;
     QSqlQuery control(connection());
     control.exec(QStringLiteral("ROLLBACK"));
 }
@@ -382,13 +412,14 @@ bool SqliteDatabase::insertRecord(const EntityDescription& entity, qint64 pk,
             names << quoted(column);
             marks << QStringLiteral("?");
         }
+        QString why;
         insert = SqliteStatement::prepare(
             m_handle,
             QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
                 .arg(quoted(entity.name()), names.join(QLatin1String(", ")), marks.join(QLatin1String(", "))),
-            error);
+            &why);
         if (!insert)
-            return false;
+            return writeFailed(why, error);
     }
     insert->bind(0, pk);
     const QList<int>& slots = entity.columnSlots();
@@ -398,7 +429,10 @@ bool SqliteDatabase::insertRecord(const EntityDescription& entity, qint64 pk,
         if (!value.isNull())
             insert->bind(int(i) + 1, valueconversion::toSql(types.at(i), value));
     }
-    return insert->run(error);
+    QString why;
+    if (!insert->run(&why))
+        return writeFailed(why, error);
+    return true;
 }
 
 bool SqliteDatabase::updateRecord(const EntityDescription& entity, qint64 pk, const QList<int>& columns,

@@ -91,6 +91,10 @@ public:
     bool removePair(const QString& joinTable, qint64 source, qint64 target, QString* error);
     bool commit(QString* error);
     void rollback();
+    // What made the last failed write of a save fail: DiskFull when the disk (or the user's
+    // quota) is full, WriteFailed when the disk refused the write otherwise, SaveFailed when the
+    // statement itself failed (a constraint, a busy database).
+    StoreError::Code lastWriteFailure() const;
 
     // Writes a consistent copy of the database as committed so far to `path`, which must not
     // exist yet.
@@ -106,6 +110,9 @@ private:
     // Runs a prepared statement with its values bound in order.
     bool run(const QString& sql, const QVariantList& values, QString* error);
     bool exec(QSqlQuery* query, QString* error);
+    // Notes SQLite's result and the system's error of a failed write, sets `error` to `text`
+    // and returns false.
+    bool writeFailed(const QString& text, QString* error);
     std::optional<QVariant> scalar(const std::optional<SqlStatement>& statement, const QString& failure,
                                    StoreError* error);
     bool checkOwnership(const QString& path, QString* storedVersion, StoreError* error);
@@ -113,6 +120,8 @@ private:
     const DataModel* m_model;
     QString m_connectionName;
     sqlite3* m_handle = nullptr;
+    int m_failedWriteCode = 0;  // SQLite's extended result code of the last failed write
+    int m_failedWriteErrno = 0; // and the system's error number behind it, if any
     std::unordered_map<QString, std::unique_ptr<QSqlQuery>> m_statements;
     std::vector<std::unique_ptr<SqliteStatement>> m_insertStatements; // by entity
 };
