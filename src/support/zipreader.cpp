@@ -10,6 +10,19 @@
 
 namespace corvanta::support {
 
+namespace {
+
+QString zipErrorText(int code)
+{
+    zip_error_t zipError;
+    zip_error_init_with_code(&zipError, code);
+    const QString why = QString::fromUtf8(zip_error_strerror(&zipError));
+    zip_error_fini(&zipError);
+    return why;
+}
+
+} // namespace
+
 ZipReader::ZipReader(const Limits& limits)
     : m_limits(limits)
 {}
@@ -29,6 +42,7 @@ void ZipReader::close()
         zip_discard(m_archive);
     m_archive = nullptr;
     m_entries.clear();
+    m_data.clear();
 }
 
 bool ZipReader::isSafeName(const QString& name)
@@ -48,61 +62,82 @@ bool ZipReader::isSafeName(const QString& name)
     return !parts.first().contains(QLatin1Char(':'));
 }
 
+bool ZipReader::fail(const QString& why, QString* error)
+{
+    if (error)
+        *error = why;
+    close();
+    return false;
+}
+
 bool ZipReader::open(const QString& path, QString* error)
 {
     close();
-    const auto fail = [&](const QString& why) {
-        if (error)
-            *error = why;
-        close();
-        return false;
-    };
     if (!QFileInfo(path).isFile())
-        return fail(tr("\"%1\" is not a file.").arg(path));
+        return fail(tr("\"%1\" is not a file.").arg(path), error);
     int code = 0;
     m_archive = zip_open(QFile::encodeName(path).constData(), ZIP_RDONLY | ZIP_CHECKCONS, &code);
-    if (!m_archive) {
-        zip_error_t zipError;
-        zip_error_init_with_code(&zipError, code);
-        const QString why = QString::fromUtf8(zip_error_strerror(&zipError));
-        zip_error_fini(&zipError);
-        return fail(tr("\"%1\" is not a readable ZIP archive: %2").arg(path, why));
-    }
-    m_path = path;
+    if (!m_archive)
+        return fail(tr("\"%1\" is not a readable ZIP archive: %2").arg(path, zipErrorText(code)), error);
+    return readDirectory(path, error);
+}
 
+bool ZipReader::openData(const QByteArray& data, const QString& name, QString* error)
+{
+    close();
+    m_data = data;
+    zip_error_t zipError;
+    zip_error_init(&zipError);
+    zip_source_t* source =
+        zip_source_buffer_create(m_data.constData(), zip_uint64_t(m_data.size()), 0, &zipError);
+    if (source) {
+        m_archive = zip_open_from_source(source, ZIP_RDONLY | ZIP_CHECKCONS, &zipError);
+        if (!m_archive)
+            zip_source_free(source);
+    }
+    const QString why = QString::fromUtf8(zip_error_strerror(&zipError));
+    zip_error_fini(&zipError);
+    if (!m_archive)
+        return fail(tr("\"%1\" is not a readable ZIP archive: %2").arg(name, why), error);
+    return readDirectory(name, error);
+}
+
+bool ZipReader::readDirectory(const QString& path, QString* error)
+{
+    m_path = path;
     const zip_int64_t count = zip_get_num_entries(m_archive, 0);
     if (count < 0 || count > m_limits.maxEntries)
-        return fail(tr("The archive \"%1\" holds too many entries.").arg(path));
+        return fail(tr("The archive \"%1\" holds too many entries.").arg(path), error);
     qint64 total = 0;
     QSet<QString> seen;
     for (zip_int64_t i = 0; i < count; ++i) {
         zip_stat_t stat;
         zip_stat_init(&stat);
         if (zip_stat_index(m_archive, zip_uint64_t(i), 0, &stat) < 0 || !(stat.valid & ZIP_STAT_NAME))
-            return fail(tr("The archive \"%1\" is damaged.").arg(path));
+            return fail(tr("The archive \"%1\" is damaged.").arg(path), error);
         const QString name = QString::fromUtf8(stat.name);
         if (!isSafeName(name))
-            return fail(
-                tr("The archive \"%1\" holds an entry with an unsafe name (\"%2\").").arg(path, name));
+            return fail(tr("The archive \"%1\" holds an entry with an unsafe name (\"%2\").").arg(path, name),
+                        error);
         QString key = name;
         if (key.endsWith(QLatin1Char('/')))
             key.chop(1);
         if (seen.contains(key))
-            return fail(tr("The archive \"%1\" holds the entry \"%2\" twice.").arg(path, name));
+            return fail(tr("The archive \"%1\" holds the entry \"%2\" twice.").arg(path, name), error);
         seen.insert(key);
         if ((stat.valid & ZIP_STAT_ENCRYPTION_METHOD) && stat.encryption_method != ZIP_EM_NONE)
-            return fail(tr("The archive \"%1\" is encrypted.").arg(path));
+            return fail(tr("The archive \"%1\" is encrypted.").arg(path), error);
         zip_uint8_t system = 0;
         zip_uint32_t attributes = 0;
         if (zip_file_get_external_attributes(m_archive, zip_uint64_t(i), 0, &system, &attributes) == 0 &&
             system == ZIP_OPSYS_UNIX && ((attributes >> 16) & S_IFMT) == S_IFLNK)
-            return fail(tr("The archive \"%1\" holds a symbolic link (\"%2\").").arg(path, name));
+            return fail(tr("The archive \"%1\" holds a symbolic link (\"%2\").").arg(path, name), error);
         const qint64 size = (stat.valid & ZIP_STAT_SIZE) ? qint64(stat.size) : 0;
         if (size < 0 || size > m_limits.maxEntrySize)
-            return fail(tr("The entry \"%1\" of the archive \"%2\" is too large.").arg(name, path));
+            return fail(tr("The entry \"%1\" of the archive \"%2\" is too large.").arg(name, path), error);
         total += size;
         if (total > m_limits.maxTotalSize)
-            return fail(tr("The archive \"%1\" is too large when unpacked.").arg(path));
+            return fail(tr("The archive \"%1\" is too large when unpacked.").arg(path), error);
         m_entries.append({name, size, name.endsWith(QLatin1Char('/'))});
     }
     return true;

@@ -39,6 +39,8 @@ public:
     ZipReader& operator=(const ZipReader&) = delete;
 
     bool open(const QString& path, QString* error);
+    // Reads an archive held in memory; `name` stands for it in messages.
+    bool openData(const QByteArray& data, const QString& name, QString* error);
     void close();
 
     const QList<Entry>& entries() const { return m_entries; }
@@ -54,12 +56,15 @@ public:
     static bool isSafeName(const QString& name);
 
 private:
+    bool readDirectory(const QString& path, QString* error);
+    bool fail(const QString& why, QString* error);
     int indexOf(const QString& name) const;
     bool copyEntry(int index, QIODevice& out, qint64 limit, QString* error);
 
     Limits m_limits;
     zip* m_archive = nullptr;
     QString m_path;
+    QByteArray m_data; // the bytes of an archive opened from memory, which libzip reads in place
     QList<Entry> m_entries;
 };
 

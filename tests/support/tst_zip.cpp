@@ -81,6 +81,10 @@ void tst_Zip::unsafeArchivesAreRefused()
     QVERIFY(!zip.open(archive, &why));
     QCOMPARE(why, error.replace(s("ARCHIVE"), archive));
     QVERIFY(zip.entries().isEmpty());
+    // The same bytes read from memory are refused alike.
+    QVERIFY(!zip.openData(read(archive), s("in memory"), &why));
+    QCOMPARE(why, error.replace(archive, s("in memory")));
+    QVERIFY(zip.entries().isEmpty());
 }
 
 void tst_Zip::failedExtractionLeavesNothing()
