@@ -1,6 +1,7 @@
 #include "parser.h"
 
 #include <QDateTime>
+#include <algorithm>
 #include <cmath>
 
 namespace corvanta::predicate {
@@ -50,6 +51,8 @@ public:
         skipSpaces();
         if (m_pos < m_text.size())
             fail(Parser::tr("AND, OR or the end of the condition"));
+        if (depthOf(p) > kMaxDepth)
+            fail(tooDeep(), 0);
         return p;
     }
 
@@ -65,6 +68,44 @@ public:
     }
 
 private:
+    // How deeply a condition may nest: NOT, AND and OR inside each other at most kMaxDepth
+    // levels, values (lists, CAST) at most kMaxValueNesting. The reader recurses once per level
+    // of the text, and text nested thousands deep, which no person writes, would overflow the
+    // stack. The text may nest twice as deep as the tree, as NOT and parentheses: that is how
+    // the formatter writes a nested compound, and what it writes must read again.
+    static constexpr int kMaxDepth = 100;
+    static constexpr int kMaxTextNesting = 2 * kMaxDepth;
+    static constexpr int kMaxValueNesting = 100;
+
+    static QString tooDeep() { return Parser::tr("a condition that is nested less deeply"); }
+
+    // One level of nesting, held while the nested part is read.
+    class Level
+    {
+    public:
+        Level(const Reader& reader, int& nesting, int limit, int position)
+            : m_nesting(nesting)
+        {
+            if (m_nesting >= limit)
+                reader.fail(tooDeep(), position);
+            ++m_nesting;
+        }
+        ~Level() { --m_nesting; }
+        Level(const Level&) = delete;
+        Level& operator=(const Level&) = delete;
+
+    private:
+        int& m_nesting;
+    };
+
+    static int depthOf(const Predicate& predicate)
+    {
+        int deepest = 0;
+        for (const Predicate& child : predicate.children())
+            deepest = std::max(deepest, depthOf(child));
+        return predicate.children().empty() ? 0 : deepest + 1;
+    }
+
     [[noreturn]] void fail(const QString& expected, int position = -1) const
     {
         throw Failure{position >= 0 ? position : int(m_pos), expected};
@@ -132,11 +173,18 @@ private:
 
     Predicate parseNot()
     {
-        if (acceptKeyword(QLatin1String("NOT")))
+        skipSpaces();
+        const int start = int(m_pos);
+        if (acceptKeyword(QLatin1String("NOT"))) {
+            const Level level(*this, m_nesting, kMaxTextNesting, start);
             return Predicate::notOf(parseNot());
-        if (!lookingAt(QLatin1String("!=")) && acceptSymbol(QLatin1String("!")))
+        }
+        if (!lookingAt(QLatin1String("!=")) && acceptSymbol(QLatin1String("!"))) {
+            const Level level(*this, m_nesting, kMaxTextNesting, start);
             return Predicate::notOf(parseNot());
+        }
         if (acceptSymbol(QLatin1String("("))) {
+            const Level level(*this, m_nesting, kMaxTextNesting, start);
             Predicate inner = parseOr();
             if (!acceptSymbol(QLatin1String(")")))
                 fail(Parser::tr("\")\""));
@@ -249,8 +297,11 @@ private:
                 return Expression::self();
             m_pos = save; // SELF.name is the key path "self.name"
         }
-        if (acceptKeyword(QLatin1String("CAST")))
+        if (lookingAtKeyword(QLatin1String("CAST"))) {
+            const Level level(*this, m_valueNesting, kMaxValueNesting, int(m_pos));
+            acceptKeyword(QLatin1String("CAST"));
             return Expression::constant(parseCast());
+        }
         if (isIdentifierStart(c) || c == QLatin1Char('@') || c == QLatin1Char('%'))
             return Expression::keyPath(parseKeyPath());
         fail(Parser::tr("a key path or a value"));
@@ -328,6 +379,7 @@ private:
 
     QVariant parseList()
     {
+        const Level level(*this, m_valueNesting, kMaxValueNesting, int(m_pos));
         ++m_pos; // {
         QVariantList items;
         if (acceptSymbol(QLatin1String("}")))
@@ -456,6 +508,8 @@ private:
     const QVariantList& m_arguments;
     qsizetype m_pos = 0;
     qsizetype m_argument = 0;
+    int m_nesting = 0;
+    int m_valueNesting = 0;
 };
 
 } // namespace

@@ -78,6 +78,9 @@ void tst_Parser::roundTrip_data()
     row("TRUEPREDICATE");
     row("FALSEPREDICATE");
     row("key == 'version'", "key == \"version\"");
+    QTest::newRow("nested as deeply as allowed")
+        << s("NOT ").repeated(100) + s("a IN {{1}}")
+        << s("NOT (").repeated(99) + s("NOT a IN {{1}}") + QString(99, QLatin1Char(')'));
 }
 
 void tst_Parser::roundTrip()
@@ -204,6 +207,20 @@ void tst_Parser::errors_data()
         << s("type == 1; DROP TABLE Clients") << QVariantList{} << 9 << s("AND, OR");
     QTest::newRow("comment marker is no syntax")
         << s("type == 1 -- rest") << QVariantList{} << 10 << s("AND, OR");
+    // Nesting deep enough to overflow the stack of a recursive reader is refused: NOT, AND and
+    // OR a hundred levels inside each other, twice that many parentheses, a hundred values.
+    const QString tooDeep = s("a condition that is nested less deeply");
+    QTest::newRow("parentheses nested too deeply")
+        << QString(201, QLatin1Char('(')) + s("a == 1") + QString(201, QLatin1Char(')')) << QVariantList{}
+        << 200 << tooDeep;
+    QTest::newRow("NOT nested too deeply")
+        << s("NOT ").repeated(101) + s("a == 1") << QVariantList{} << 0 << tooDeep;
+    QTest::newRow("! nested too deeply")
+        << s("!").repeated(4000) + s("a == 1") << QVariantList{} << 200 << tooDeep;
+    QTest::newRow("lists nested too deeply")
+        << s("a IN ") + QString(101, QLatin1Char('{')) << QVariantList{} << 105 << tooDeep;
+    QTest::newRow("CAST nested too deeply")
+        << s("a == ") + s("CAST(").repeated(101) << QVariantList{} << 505 << tooDeep;
 }
 
 void tst_Parser::errors()
