@@ -3,6 +3,7 @@
 #include "format/relativedates.h"
 
 #include <QLocale>
+#include <cmath>
 
 namespace corvanta::cli {
 
@@ -12,7 +13,8 @@ std::optional<double> ValueText::number(const QString& text)
     c.setNumberOptions(QLocale::RejectGroupSeparator);
     bool ok = false;
     const double value = c.toDouble(text.trimmed(), &ok);
-    return ok ? std::optional<double>(value) : std::nullopt;
+    // QLocale reads "nan" and "inf" too; they are no quantity, price or rate.
+    return ok && std::isfinite(value) ? std::optional<double>(value) : std::nullopt;
 }
 
 std::optional<QDate> ValueText::date(const QString& text)

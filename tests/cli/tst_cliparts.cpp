@@ -1,5 +1,6 @@
 #include "cli/arguments.h"
 #include "cli/cliprompter.h"
+#include "cli/valuetext.h"
 
 #include <QTest>
 
@@ -27,6 +28,8 @@ class tst_CliParts : public QObject
 private Q_SLOTS:
     void arguments_data();
     void arguments();
+    void numbers_data();
+    void numbers();
     void prompter();
 };
 
@@ -67,6 +70,32 @@ void tst_CliParts::arguments()
                                 .join(QLatin1Char('|'));
     QCOMPARE(summary, parsed);
     QCOMPARE(result->has(s("help")), text == s("-h"));
+}
+
+void tst_CliParts::numbers_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QVariant>("number"); // null: refused
+    const auto row = [](const char* name, const char* text, QVariant number) {
+        QTest::newRow(name) << s(text) << number;
+    };
+    row("fraction after a point", " 1234.5 ", 1234.5);
+    row("negative zero", "-0", -0.0);
+    row("largest magnitude", "1e308", 1e308);
+    row("grouping refused", "1,234.50", QVariant());
+    row("too large refused", "1e309", QVariant());
+    row("nan refused", "nan", QVariant());
+    row("infinity refused", "-inf", QVariant());
+}
+
+void tst_CliParts::numbers()
+{
+    QFETCH(QString, text);
+    QFETCH(QVariant, number);
+    const std::optional<double> read = ValueText::number(text);
+    QCOMPARE(read.has_value(), !number.isNull());
+    if (read)
+        QCOMPARE(*read, number.toDouble());
 }
 
 void tst_CliParts::prompter()
