@@ -59,9 +59,11 @@ QVariant fromNode(plist_t node, int depth, bool* tooDeep)
         return value;
     }
     case PLIST_STRING: {
-        char* text = nullptr;
-        plist_get_string_val(node, &text);
-        return takeCString(text);
+        // Not plist_get_string_val: it asserts that the string holds no NUL, and a binary list's
+        // UTF-16 string may hold one. The NUL is kept; readers of names refuse it.
+        uint64_t length = 0;
+        const char* text = plist_get_string_ptr(node, &length);
+        return text ? QString::fromUtf8(text, qsizetype(length)) : QString();
     }
     case PLIST_KEY: {
         char* text = nullptr;

@@ -43,6 +43,7 @@ const QHash<QString, QString> kExpected = {
     {s("partly-unusable.databases"), s("1: 2 of its 3 entries name no database file")},
     {s("deeply-nested.databases"), s("0: it is nested too deeply")},
     {s("binary-truncated.databases"), s("0: it is a damaged binary property list")},
+    {s("nul-in-unicode-string.databases"), s("1: 1 of its 2 entries name no database file")},
 };
 
 // "<integrity check> <number of clients>" of a database file.
