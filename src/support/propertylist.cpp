@@ -4,6 +4,7 @@
 #include <QXmlStreamReader>
 #include <cstring>
 #include <memory>
+#include <optional>
 #include <plist/plist.h>
 
 namespace corvanta::support {
@@ -59,8 +60,7 @@ QVariant fromNode(plist_t node, int depth, bool* tooDeep)
         return value;
     }
     case PLIST_STRING: {
-        // Not plist_get_string_val: it asserts that the string holds no NUL, and a binary list's
-        // UTF-16 string may hold one. The NUL is kept; readers of names refuse it.
+        // Not plist_get_string_val, which asserts that the string holds no NUL (see holdsUtf16Nul).
         uint64_t length = 0;
         const char* text = plist_get_string_ptr(node, &length);
         return text ? QString::fromUtf8(text, qsizetype(length)) : QString();
@@ -212,6 +212,58 @@ bool checkXml(const QByteArray& data, QString* error)
     return true;
 }
 
+// A big-endian unsigned integer of `size` bytes at `at`, or nothing when it lies outside.
+std::optional<quint64> bigEndian(const QByteArray& data, quint64 at, quint64 size)
+{
+    if (size == 0 || size > 8 || at > quint64(data.size()) || size > quint64(data.size()) - at)
+        return std::nullopt;
+    quint64 value = 0;
+    for (quint64 i = 0; i < size; ++i)
+        value = (value << 8) | quint8(data.at(qsizetype(at + i)));
+    return value;
+}
+
+// Whether a UTF-16 string object of a binary list holds U+0000. libplist asserts that its
+// strings and keys hold no NUL, so such a list would end the program inside libplist; it is
+// refused as damaged before libplist reads it. Objects this cannot locate are left to libplist.
+bool holdsUtf16Nul(const QByteArray& data)
+{
+    constexpr quint64 kTrailer = 32;
+    const quint64 size = quint64(data.size());
+    if (size < 8 + kTrailer)
+        return false;
+    const quint64 trailer = size - kTrailer;
+    const quint64 offsetSize = quint8(data.at(qsizetype(trailer + 6)));
+    const std::optional<quint64> count = bigEndian(data, trailer + 8, 8);
+    const std::optional<quint64> table = bigEndian(data, trailer + 24, 8);
+    if (offsetSize == 0 || offsetSize > 8 || !count || !table || *table > trailer ||
+        *count > (trailer - *table) / offsetSize)
+        return false;
+    for (quint64 i = 0; i < *count; ++i) {
+        const std::optional<quint64> offset = bigEndian(data, *table + i * offsetSize, offsetSize);
+        if (!offset || *offset >= trailer)
+            continue;
+        const quint8 marker = quint8(data.at(qsizetype(*offset)));
+        if ((marker >> 4) != 0x6)
+            continue;
+        quint64 start = *offset + 1;
+        std::optional<quint64> length = marker & 0xF;
+        if (*length == 0xF) { // the length follows as an integer object
+            const quint8 lengthMarker = quint8(data.at(qsizetype(start)));
+            const quint64 lengthSize = quint64(1) << (lengthMarker & 0xF);
+            length = (lengthMarker >> 4) == 0x1 ? bigEndian(data, start + 1, lengthSize) : std::nullopt;
+            start += 1 + lengthSize;
+        }
+        if (!length || start > trailer || *length > (trailer - start) / 2)
+            continue;
+        for (quint64 c = 0; c < *length; ++c) {
+            if (data.at(qsizetype(start + 2 * c)) == 0 && data.at(qsizetype(start + 2 * c + 1)) == 0)
+                return true;
+        }
+    }
+    return false;
+}
+
 } // namespace
 
 QVariant PropertyList::parse(const QByteArray& data, QString* error)
@@ -230,6 +282,8 @@ QVariant PropertyList::parse(const QByteArray& data, QString* error)
     plist_t root = nullptr;
     const bool binary = data.startsWith("bplist");
     if (binary) {
+        if (holdsUtf16Nul(data))
+            return fail(tr("it is a damaged binary property list"));
         plist_from_bin(data.constData(), uint32_t(data.size()), &root);
     } else {
         if (data.trimmed().isEmpty())

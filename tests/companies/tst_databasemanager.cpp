@@ -7,6 +7,8 @@
 #include <QSignalSpy>
 #include <QSqlDatabase>
 #include <QSqlQuery>
+#include <fcntl.h>
+#include <sys/stat.h>
 
 using namespace corvanta::companies;
 using namespace corvanta::companies::testing;
@@ -43,7 +45,8 @@ const QHash<QString, QString> kExpected = {
     {s("partly-unusable.databases"), s("1: 2 of its 3 entries name no database file")},
     {s("deeply-nested.databases"), s("0: it is nested too deeply")},
     {s("binary-truncated.databases"), s("0: it is a damaged binary property list")},
-    {s("nul-in-unicode-string.databases"), s("1: 1 of its 2 entries name no database file")},
+    {s("nul-in-unicode-string.databases"), s("0: it is a damaged binary property list")},
+    {s("nul-in-unicode-key.databases"), s("0: it is a damaged binary property list")},
 };
 
 // "<integrity check> <number of clients>" of a database file.
@@ -85,6 +88,13 @@ void setModified(const QString& file, const QDateTime& when)
 {
     QFile f(file);
     QVERIFY(f.open(QIODevice::ReadWrite) && f.setFileTime(when, QFileDevice::FileModificationTime));
+}
+
+// Sets the modification time of a folder as well as of a file.
+void age(const QString& path, const QDateTime& when)
+{
+    const timespec times[2] = {{when.toSecsSinceEpoch(), 0}, {when.toSecsSinceEpoch(), 0}};
+    QVERIFY(::utimensat(AT_FDCWD, QFile::encodeName(path).constData(), times, 0) == 0);
 }
 
 } // namespace
@@ -502,11 +512,25 @@ void tst_DatabaseManager::pruneRemovesOnlyOwnOldArchives()
     setModified(folder + s("CorvantaBackup20240101.zip"), old);
     QVERIFY(
         QFile::link(folder + s("CorvantaBackup20240405.zip.bak"), folder + s("CorvantaBackup20240104.zip")));
+    // What backups that never finished left: a snapshot folder and a partial archive go once
+    // untouched for hours; those of a backup being written now stay.
+    const QDateTime hoursAgo = QDateTime::currentDateTime().addSecs(-2 * 3600);
+    for (const char* leftover :
+         {".corvanta-snapshot-AbC123/1.cvdb", ".CorvantaBackup20240405.zip.Xy12Zq.part"}) {
+        ScratchFolders::writeBytes(folder + s(leftover), "PK");
+        age(folder + s(leftover), hoursAgo);
+    }
+    age(folder + s(".corvanta-snapshot-AbC123"), hoursAgo);
+    ScratchFolders::writeBytes(folder + s(".corvanta-snapshot-Now123/1.cvdb"), "PK");
+    ScratchFolders::writeBytes(folder + s(".CorvantaBackup20240506.zip.Now123.part"), "PK");
     QStringList kept = QDir(folder).entryList(QDir::Files | QDir::System | QDir::Hidden, QDir::Name);
     QVERIFY(kept.removeOne(s("CorvantaBackup20240405.zip")));
+    QVERIFY(kept.removeOne(s(".CorvantaBackup20240405.zip.Xy12Zq.part")));
 
     QCOMPARE(backups.prune(today), QStringList{folder + s("CorvantaBackup20240405.zip")});
     QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::System | QDir::Hidden, QDir::Name), kept);
+    QCOMPARE(QDir(folder).entryList(QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot),
+             QStringList{s(".corvanta-snapshot-Now123")});
 }
 
 QTEST_GUILESS_MAIN(tst_DatabaseManager)
