@@ -1,6 +1,7 @@
 #include "backupfolder.h"
 
 #include "companieslog.h"
+#include "datafolderarchive.h"
 #include "support/zipreader.h"
 
 #include <QDir>
@@ -61,6 +62,8 @@ bool BackupFolder::isOwnArchive(const QString& file) const
 
 QStringList BackupFolder::prune(const QDate& today) const
 {
+    // Never taken for backups (their names are not a backup's), but they take space.
+    DataFolderArchive::removeLeftovers(m_path);
     const QDateTime boundary = pruneBoundary(today).startOfDay();
     QStringList removed;
     const QFileInfoList files =

@@ -28,7 +28,9 @@ public:
     static QDate pruneBoundary(const QDate& today);
     // Whether the file is an archive this program wrote here.
     bool isOwnArchive(const QString& file) const;
-    // Removes the own archives last modified before the boundary; returns their paths.
+    // Removes the own archives last modified before the boundary; returns their paths. What
+    // archives that were never finished left behind goes as well (see
+    // DataFolderArchive::removeLeftovers).
     QStringList prune(const QDate& today) const;
 
 private:

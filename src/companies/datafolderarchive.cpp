@@ -7,8 +7,11 @@
 
 #include <QDir>
 #include <QDirIterator>
+#include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QTemporaryDir>
+#include <algorithm>
 
 namespace corvanta::companies {
 
@@ -19,6 +22,10 @@ using support::ZipWriter;
 namespace {
 
 const QString kDatabaseSuffix = QStringLiteral(".cvdb");
+const QString kScratchPrefix = QStringLiteral(".corvanta-snapshot-");
+
+// A file or folder is left over once nothing in it has changed for this long.
+constexpr qint64 kLeftoverAgeSeconds = 60 * 60;
 
 bool isDatabaseFile(const QString& fileName)
 {
@@ -29,6 +36,28 @@ bool sameFile(const QString& a, const QString& b)
 {
     const QString ca = QFileInfo(a).canonicalFilePath();
     return !ca.isEmpty() && ca == QFileInfo(b).canonicalFilePath();
+}
+
+bool isScratchFolderName(const QString& fileName)
+{
+    static const QRegularExpression pattern(QRegularExpression::anchoredPattern(
+        QRegularExpression::escape(kScratchPrefix) + QStringLiteral("[A-Za-z0-9]{6}")));
+    return pattern.match(fileName).hasMatch();
+}
+
+// The latest modification of the file, or of a folder and anything in it.
+QDateTime lastTouched(const QFileInfo& info)
+{
+    QDateTime latest = info.lastModified();
+    if (!info.isDir())
+        return latest;
+    QDirIterator it(info.absoluteFilePath(), QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
+                    QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        it.next();
+        latest = std::max(latest, it.fileInfo().lastModified());
+    }
+    return latest;
 }
 
 } // namespace
@@ -47,6 +76,33 @@ bool DataFolderArchive::isDatabaseCompanion(const QString& fileName)
     return false;
 }
 
+QStringList DataFolderArchive::removeLeftovers(const QString& folder)
+{
+    const QDateTime staleBefore = QDateTime::currentDateTime().addSecs(-kLeftoverAgeSeconds);
+    QStringList removed;
+    const QFileInfoList entries = QDir(folder).entryInfoList(QDir::Dirs | QDir::Files | QDir::Hidden |
+                                                             QDir::NoDotAndDotDot | QDir::NoSymLinks);
+    for (const QFileInfo& info : entries) {
+        const bool scratch = info.isDir() && isScratchFolderName(info.fileName());
+        // A partial ".<name>.zip.Ab12Cd.part": the random part and ".part" are 12 characters.
+        const bool partial = info.isFile() && ZipWriter::isPartialArchive(info.fileName()) &&
+                             info.fileName().chopped(12).endsWith(QLatin1String(".zip"));
+        if ((!scratch && !partial) || lastTouched(info) >= staleBefore)
+            continue;
+        const bool gone = scratch ? QDir(info.absoluteFilePath()).removeRecursively()
+                                  : QFile::remove(info.absoluteFilePath());
+        if (gone) {
+            qCInfo(lcCompanies, "Removed %s, left by an archive that was never finished.",
+                   qPrintable(info.absoluteFilePath()));
+            removed << info.absoluteFilePath();
+        } else {
+            qCWarning(lcCompanies, "%s, left by an archive that was never finished, cannot be removed.",
+                      qPrintable(info.absoluteFilePath()));
+        }
+    }
+    return removed;
+}
+
 bool DataFolderArchive::write(const QString& destination, const QString& comment, QString* error) const
 {
     const QFileInfo target(destination);
@@ -60,8 +116,10 @@ bool DataFolderArchive::write(const QString& destination, const QString& comment
             *error = tr("The folder \"%1\" does not exist.").arg(m_folder);
         return false;
     }
-    // Snapshots are made beside the archive, on the same disk, and removed with the folder.
-    QTemporaryDir scratch(target.absoluteDir().filePath(QStringLiteral(".corvanta-snapshot-XXXXXX")));
+    removeLeftovers(target.absolutePath());
+    // Snapshots are made beside the archive, on the same disk, and removed with the folder
+    // whether or not the archive is written.
+    QTemporaryDir scratch(target.absoluteDir().filePath(kScratchPrefix + QStringLiteral("XXXXXX")));
     if (!scratch.isValid()) {
         if (error)
             *error =

@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QString>
+#include <QStringList>
 
 namespace corvanta::store {
 class Store;
@@ -26,6 +27,11 @@ public:
     // Whether a file of the folder is a database's companion (its log, shared memory or lock),
     // which the snapshot of the database replaces.
     static bool isDatabaseCompanion(const QString& fileName);
+
+    // Removes what a write that never finished left in `folder` (the process ended while
+    // writing): scratch folders of snapshots and partial archives. Only those untouched for an
+    // hour go, so that a write running right now keeps its files. Returns the removed paths.
+    static QStringList removeLeftovers(const QString& folder);
 
 private:
     QString m_folder;

@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QCoreApplication>
 #include <QString>
+#include <memory>
 #include <vector>
 
 struct zip;
@@ -11,14 +12,16 @@ struct zip_source;
 namespace corvanta::support {
 
 // Writes a ZIP archive with libzip. Nothing appears at the destination until close(): the
-// archive is written beside it and moved into place in one step, so an older archive of the
-// same name stays whole until the new one is complete.
+// archive is written to a partial file beside it (see isPartialArchive), flushed to the disk
+// and then renamed over the destination in one step. An older archive of the same name stays
+// whole until the new one is complete, and neither a failure nor a power cut leaves a
+// truncated archive under the destination's name.
 class ZipWriter
 {
     Q_DECLARE_TR_FUNCTIONS(ZipWriter)
 
 public:
-    ZipWriter() = default;
+    ZipWriter();
     ~ZipWriter();
     ZipWriter(const ZipWriter&) = delete;
     ZipWriter& operator=(const ZipWriter&) = delete;
@@ -35,12 +38,20 @@ public:
     // Gives up the archive unwritten.
     void discard();
 
+    // Whether `fileName` (without folder) is the name of a partial archive: hidden, the
+    // destination's name, a random part and ".part" (".copy.zip.Ab12Cd.part"). One that stays
+    // behind was left by a process that ended while writing it.
+    static bool isPartialArchive(const QString& fileName);
+
 private:
+    class Output;
+
     bool add(const QString& entryName, zip_source* source, QString* error);
     QString lastError() const;
 
     zip* m_archive = nullptr;
     QString m_path;
+    std::unique_ptr<Output> m_output;  // the partial file libzip writes into
     std::vector<QByteArray> m_buffers; // data added with addData, alive until close
 };
 

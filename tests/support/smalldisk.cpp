@@ -10,6 +10,7 @@
 #include <sched.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace corvanta::testing {
@@ -112,12 +113,12 @@ void SmallDisk::runChild(Kind kind)
             QStringLiteral("%1 failed in the child process (see its output above)").arg(function);
 }
 
-bool SmallDisk::fill()
+bool SmallDisk::fill(qint64 spare)
 {
     if (m_kind == Kind::FileSizeLimit) {
         rlimit limit{};
         ::getrlimit(RLIMIT_FSIZE, &limit);
-        limit.rlim_cur = 0;
+        limit.rlim_cur = rlim_t(spare);
         return ::setrlimit(RLIMIT_FSIZE, &limit) == 0;
     }
     const int fd = ::open(QFile::encodeName(filePath(kFiller)).constData(),
@@ -137,8 +138,15 @@ bool SmallDisk::fill()
             break;
         size /= 16;
     }
+    bool filled = lastError == ENOSPC;
+    if (filled && spare > 0) {
+        struct stat status
+        {};
+        filled = ::fstat(fd, &status) == 0 && status.st_size >= spare &&
+                 ::ftruncate(fd, status.st_size - spare) == 0;
+    }
     ::close(fd);
-    return lastError == ENOSPC;
+    return filled;
 }
 
 void SmallDisk::release()

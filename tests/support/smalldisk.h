@@ -37,9 +37,9 @@ public:
     QString path() const { return m_folder.path(); }
     QString filePath(const QString& name) const { return m_folder.filePath(name); }
 
-    // Takes the space that is left: a filler file takes every free byte of the tmpfs; under the
-    // file-size limit no file may grow any more.
-    bool fill();
+    // Takes the space that is left but `spare` bytes: a filler file takes the free space of the
+    // tmpfs; under the file-size limit no file may grow past `spare` bytes.
+    bool fill(qint64 spare = 0);
     // Gives the space back: the filler is deleted, the limit lifted.
     void release();
 
