@@ -12,6 +12,10 @@ echo "== build (warnings as errors)"
 "$root/scripts/build.sh" "$root/build-test" -DCMAKE_BUILD_TYPE=Debug -DCORVANTA_WERROR=ON
 echo "== tests"
 ctest --test-dir "$root/build-test" --output-on-failure -j "$(nproc)"
+echo "== crash soak"
+soak_dir="$(mktemp -d)"
+"$root/build-test/bin/crash_soak" --cli "$root/build-test/bin/corvanta-cli" --seconds 30 --workdir "$soak_dir"
+rm -rf "$soak_dir"
 
 echo "== build (address + undefined sanitizers)"
 "$root/scripts/build.sh" "$root/build-asan" -DCMAKE_BUILD_TYPE=Debug -DCORVANTA_WERROR=ON -DCORVANTA_SANITIZE=ON
