@@ -22,3 +22,6 @@ echo "== build (address + undefined sanitizers)"
 echo "== tests under sanitizers"
 ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
     ctest --test-dir "$root/build-asan" --output-on-failure -j "$(nproc)"
+
+echo "== fuzzing"
+"$root/scripts/fuzz.sh" 20
