@@ -66,11 +66,13 @@ std::optional<DatabaseEntry> DatabaseList::entryFromMap(const QVariantMap& map)
 
     if (entry.filename.isEmpty() && QDir::isAbsolutePath(entry.path))
         entry.filename = QFileInfo(entry.path).fileName();
-    if (!isPlainFileName(entry.filename))
+    // A file name or folder that the written list could not hold as it is would come back as
+    // another one.
+    if (!isPlainFileName(entry.filename) || !PropertyList::isXmlText(entry.filename))
         return std::nullopt;
     if (entry.directory.isEmpty() && QDir::isAbsolutePath(entry.path))
         entry.directory = QFileInfo(entry.path).absolutePath();
-    if (entry.directory.isEmpty())
+    if (entry.directory.isEmpty() || !PropertyList::isXmlText(entry.directory))
         return std::nullopt;
     if (entry.path.isEmpty())
         entry.path = QDir(entry.directory).filePath(entry.filename);

@@ -316,4 +316,9 @@ QByteArray PropertyList::toXml(const QVariant& value)
     return result;
 }
 
+bool PropertyList::isXmlText(const QString& text)
+{
+    return xmlText(text) == text.toUtf8();
+}
+
 } // namespace corvanta::support

@@ -24,6 +24,9 @@ public:
     static QVariant parse(const QByteArray& data, QString* error);
     // The XML form of `value`. Values of other types are written as their text.
     static QByteArray toXml(const QVariant& value);
+    // Whether toXml writes `text` as it is: XML cannot hold most control characters, which are
+    // left out.
+    static bool isXmlText(const QString& text);
 };
 
 } // namespace corvanta::support

@@ -47,6 +47,7 @@ const QHash<QString, QString> kExpected = {
     {s("binary-truncated.databases"), s("0: it is a damaged binary property list")},
     {s("nul-in-unicode-string.databases"), s("0: it is a damaged binary property list")},
     {s("nul-in-unicode-key.databases"), s("0: it is a damaged binary property list")},
+    {s("control-characters-binary.databases"), s("1: 2 of its 3 entries name no database file")},
 };
 
 // "<integrity check> <number of clients>" of a database file.
