@@ -1,5 +1,6 @@
 #include "applicationcore.h"
 
+#include "companies/backupfolder.h"
 #include "companies/databasemanager.h"
 #include "companiesmenu.h"
 #include "databasenamewindow.h"
@@ -11,11 +12,9 @@
 #include "templates/shippedtemplates.h"
 
 #include <QFileInfo>
-#include <algorithm>
 
 namespace corvanta::app {
 
-using companies::DatabaseEntry;
 using companies::DatabaseFolders;
 using companies::DatabaseManager;
 using store::EditingContext;
@@ -100,41 +99,33 @@ bool ApplicationCore::openStore()
         failToInitialize();
         return false;
     }
+    // A list that marks no database opens nothing; the list stays as it is.
     const QString file = m_databaseManager->selectedDatabaseFile();
     if (file.isEmpty()) {
-        // A list that marks no database: the first one is marked, and the next start opens it.
-        const std::optional<QList<DatabaseEntry>> entries = m_databaseManager->databases();
-        if (entries && !entries->isEmpty() &&
-            std::none_of(entries->cbegin(), entries->cend(),
-                         [](const DatabaseEntry& e) { return e.selected; })) {
-            const DatabaseEntry& first = entries->first();
-            m_prompter.alert(tr("No Database Selected"),
-                             tr("None of the company databases in the list is marked to be opened. Corvanta "
-                                "will start again and open \"%1\".")
-                                 .arg(first.name),
-                             {tr("OK")});
-            QString why;
-            if (m_databaseManager->selectDatabase(first.path, &why)) {
-                m_databaseManager->requestRestart();
-                return false;
-            }
-            m_prompter.alert(tr("Database List Not Saved"),
-                             tr("The list of company databases \"%1\" could not be written: %2")
-                                 .arg(m_databaseManager->databaseListFile(), why),
-                             {tr("OK")});
-        }
         failToInitialize();
         return false;
     }
     m_store = openCompanyDatabase(file, m_shippedTemplates, m_databaseManager->templateFilesDirectory(),
                                   &error, &m_insertedDefaults);
     if (!m_store) {
+        addRestoreAdvice(error, m_folders);
         m_prompter.alert(error.description, error.reason, {tr("OK")});
         failToInitialize();
         return false;
     }
     m_databaseManager->setStore(m_store.get());
     return true;
+}
+
+void ApplicationCore::addRestoreAdvice(StoreError& error, const DatabaseFolders& folders)
+{
+    if (error.code != StoreError::Damaged)
+        return;
+    const companies::BackupFolder backups(folders.documents);
+    const QString latest = backups.latestArchive();
+    const QString advice = latest.isEmpty() ? tr("No daily backup was found in \"%1\".").arg(backups.path())
+                                            : tr("The latest daily backup is \"%1\".").arg(latest);
+    error.reason = error.reason.isEmpty() ? advice : error.reason + QLatin1Char(' ') + advice;
 }
 
 void ApplicationCore::failToInitialize()

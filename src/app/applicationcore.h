@@ -50,6 +50,9 @@ public:
     openCompanyDatabase(const QString& file, const QString& shippedTemplates, const QString& templateFiles,
                         store::StoreError* error, bool* insertedDefaults = nullptr);
 
+    // Completes the error of a damaged database with where its latest daily backup is.
+    static void addRestoreAdvice(store::StoreError& error, const companies::DatabaseFolders& folders);
+
     // Runs the start-up. False when no database could be opened: the reason was shown, and the
     // program quits (or starts again when isRestartRequested()).
     bool start();

@@ -49,16 +49,10 @@ bool Session::restart()
 
 bool Session::startFromList()
 {
-    // A list that selects no database has its first entry selected and asks for a start
-    // again; the desktop program restarts then, this one starts once more at once.
-    for (int attempt = 0; attempt < 2; ++attempt) {
-        m_core = std::make_unique<app::ApplicationCore>(m_prompter, m_folders, m_shippedTemplates);
-        if (m_core->start()) {
-            m_store = m_core->store();
-            return true;
-        }
-        if (!m_core->isRestartRequested())
-            break;
+    m_core = std::make_unique<app::ApplicationCore>(m_prompter, m_folders, m_shippedTemplates);
+    if (m_core->start()) {
+        m_store = m_core->store();
+        return true;
     }
     m_core.reset();
     return false;
@@ -71,6 +65,7 @@ bool Session::openFile(const QString& file)
     const QString templateFiles = QDir(QFileInfo(file).absolutePath()).filePath(QStringLiteral("templates"));
     m_ownStore = app::ApplicationCore::openCompanyDatabase(file, m_shippedTemplates, templateFiles, &error);
     if (!m_ownStore) {
+        app::ApplicationCore::addRestoreAdvice(error, m_folders);
         m_prompter.alert(error.description, error.reason, {tr("OK")});
         return false;
     }

@@ -8,6 +8,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
+#include <algorithm>
 
 namespace corvanta::companies {
 
@@ -80,6 +81,17 @@ QStringList BackupFolder::prune(const QDate& today) const
                       qPrintable(info.absoluteFilePath()));
     }
     return removed;
+}
+
+QString BackupFolder::latestArchive() const
+{
+    QStringList names = QDir(m_path).entryList({QStringLiteral("CorvantaBackup*.zip")}, QDir::Files);
+    names.erase(std::remove_if(names.begin(), names.end(), [](const QString& n) { return !isBackupName(n); }),
+                names.end());
+    if (names.isEmpty())
+        return {};
+    // The day is written year first, so the largest name is the newest day.
+    return QDir(m_path).filePath(*std::max_element(names.cbegin(), names.cend()));
 }
 
 } // namespace corvanta::companies

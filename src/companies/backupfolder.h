@@ -32,6 +32,8 @@ public:
     // archives that were never finished left behind goes as well (see
     // DataFolderArchive::removeLeftovers).
     QStringList prune(const QDate& today) const;
+    // The newest archive of the folder by the day in its name; empty when there is none.
+    QString latestArchive() const;
 
 private:
     QString m_path;

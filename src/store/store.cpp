@@ -9,6 +9,21 @@
 
 namespace corvanta::store {
 
+namespace {
+
+// Files up to this size are read whole at every open (about a tenth of a second).
+constexpr qint64 kFullCheckSizeLimit = qint64(64) * 1024 * 1024;
+
+// Writable by this user, and not marked read-only for everybody: a superuser, who may write
+// anything, still leaves alone what was made read-only.
+bool isWritable(const QFileInfo& info)
+{
+    return info.isWritable() &&
+           (info.permissions() & (QFile::WriteOwner | QFile::WriteGroup | QFile::WriteOther)) != 0;
+}
+
+} // namespace
+
 Store::Store(const QString& path, const DataModel& model)
     : m_path(QFileInfo(path).absoluteFilePath())
     , m_model(model)
@@ -53,10 +68,13 @@ bool Store::openDatabase(StoreError* error)
                                        tr("Check that the location exists and that you may write there.")));
         return false;
     }
-    if (!QFileInfo(folder).isWritable()) {
-        report(error, StoreError::make(StoreError::NotWritable,
-                                       tr("The folder \"%1\" cannot be written.").arg(folder),
-                                       tr("A company database needs a folder that you may write in.")));
+    if (!isWritable(QFileInfo(folder))) {
+        report(error, StoreError::make(
+                          StoreError::NotWritable,
+                          tr("The company database \"%1\" is in a folder that cannot be written (%2).")
+                              .arg(m_path, folder),
+                          tr("Nothing in it was changed. Copy the file to a folder you may write in and "
+                             "open it from there, or make its folder writable.")));
         return false;
     }
     if (file.exists() && file.isDir()) {
@@ -64,15 +82,20 @@ bool Store::openDatabase(StoreError* error)
                                        tr("\"%1\" is a folder, not a company database file.").arg(m_path)));
         return false;
     }
-    if (file.exists() && (!file.isReadable() || !file.isWritable())) {
+    if (file.exists() && (!file.isReadable() || !isWritable(file))) {
         report(error,
                StoreError::make(StoreError::NotWritable,
                                 tr("The company database \"%1\" cannot be read and written.").arg(m_path),
-                                tr("Check the file's permissions.")));
+                                tr("Nothing in it was changed. Allow yourself to read and write the file, or "
+                                   "copy it to a folder of your own and open it from there.")));
         return false;
     }
 
-    if (!lock(error) || !m_database->open(m_path, &m_storedVersion, error))
+    // Every page is read at open when that is quick, and always after an instance holding the
+    // file ended without closing it (its lock file is still there).
+    const bool endedUncleanly = QFileInfo::exists(m_path + QLatin1String(".lock"));
+    const bool checkIntegrity = endedUncleanly || file.size() <= kFullCheckSizeLimit;
+    if (!lock(error) || !m_database->open(m_path, checkIntegrity, &m_storedVersion, error))
         return false;
     for (const EntityDescription& entity : m_model.entities())
         m_lastPk[size_t(entity.index())] = m_database->largestKey(entity);

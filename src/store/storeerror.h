@@ -19,6 +19,8 @@ struct StoreError
         DiskFull = 640,         // the disk is full; the save was rolled back
         NotADatabase = 259,     // the file is not a company database
         AlreadyOpen = 9001,     // another running instance holds the database
+        Damaged = 11,           // the file is a database of ours that SQLite finds malformed
+        NewerModel = 134100,    // the file was written by a newer data model
         SaveFailed = 1560,      // a save was rolled back
         DeleteDenied = 1600,    // a deleted record is still in use
         InvalidFetch = 1700,    // a fetch named an unknown key or could not be compiled

@@ -116,6 +116,7 @@ class tst_ApplicationCore : public QObject
 
 private Q_SLOTS:
     void firstAndSecondStart();
+    void failedStartsTellWhy_data();
     void failedStartsTellWhy();
     void quitting();
     void menuEntriesAndTheirCommands();
@@ -152,34 +153,54 @@ void tst_ApplicationCore::firstAndSecondStart()
     QCOMPARE(again.store()->mainContext().count(FetchRequest(s("Templates"))), 2);
 }
 
-// A list that marks no database: the first one is marked and the program starts again. That one
-// is not a company database: it is reported, and left as it is.
+// A start that opens nothing tells why, and leaves the list and every file as they were.
+void tst_ApplicationCore::failedStartsTellWhy_data()
+{
+    QTest::addColumn<bool>("selected");    // whether the list marks "A.cvdb"
+    QTest::addColumn<QByteArray>("bytes"); // what "A.cvdb" holds
+    QTest::addColumn<QString>("reported"); // the alert before "Failed to initialize the store"
+
+    const QByteArray damaged = QByteArray("SQLite format 3\0", 16) + QByteArray(8176, '\0');
+    QTest::newRow("no database marked") << false << damaged << QString();
+    QTest::newRow("marked file is a letter")
+        << true << QByteArray("Dear customer, this is a letter.")
+        << s("The file \"%1\" is not a Corvanta company database. | It is not a database file. Nothing in it "
+             "was changed; choose the company database's own file, whose name ends in \".cvdb\".");
+    QTest::newRow("marked database damaged")
+        << true << damaged
+        << s("The company database \"%1\" is damaged. | SQLite reports: file is not a database. Nothing in "
+             "it was changed; restore the company database from a backup. The latest daily backup is "
+             "\"%2/CorvantaBackup20240506.zip\".");
+}
+
 void tst_ApplicationCore::failedStartsTellWhy()
 {
+    QFETCH(bool, selected);
+    QFETCH(QByteArray, bytes);
+    QFETCH(QString, reported);
+
     ScratchFolders folders;
-    folders.writeList({ScratchFolders::entry(s("Acme"), folders.app(), s("A.cvdb"), false),
+    folders.writeList({ScratchFolders::entry(s("Acme"), folders.app(), s("A.cvdb"), selected),
                        ScratchFolders::entry(s("Beta"), folders.app(), s("B.cvdb"), false)});
-    ScratchFolders::writeBytes(folders.app(s("A.cvdb")), "Dear customer, this is a letter.");
+    const QByteArray list = ScratchFolders::readBytes(folders.listFile());
+    ScratchFolders::writeBytes(folders.app(s("A.cvdb")), bytes);
+    const QString backups = folders.root() + s("/Documents/Corvanta Backup");
+    for (const char* name :
+         {"CorvantaBackup20240401.zip", "CorvantaBackup20240506.zip", "CorvantaBackup2025.zip"})
+        ScratchFolders::writeBytes(backups + QLatin1Char('/') + QLatin1String(name), "PK");
+
     ScriptedPrompter prompter;
-    {
-        ApplicationCore core(prompter, folders.folders());
-        QVERIFY(!core.start());
-        QVERIFY(!core.store() && core.isRestartRequested());
-    }
-    ApplicationCore next(prompter, folders.folders());
-    QVERIFY(!next.start());
-    QVERIFY(!next.isRestartRequested());
-    const QStringList asked = alerts(prompter);
-    QCOMPARE(asked.size(), 3);
-    QCOMPARE(asked.at(0),
-             s("No Database Selected | None of the company databases in the list is marked to be "
-               "opened. Corvanta will start again and open \"Acme\"."));
-    QVERIFY(asked.at(1).startsWith(
-        s("The file \"%1\" is not a Corvanta company database. | ").arg(folders.app(s("A.cvdb")))));
-    QCOMPARE(asked.at(2),
-             s("Failed to initialize the store | There was an error building up the data file."));
-    QCOMPARE(ScratchFolders::readBytes(folders.app(s("A.cvdb"))),
-             QByteArray("Dear customer, this is a letter."));
+    ApplicationCore core(prompter, folders.folders());
+    QVERIFY(!core.start());
+    QVERIFY(!core.store() && !core.isRestartRequested());
+    QStringList expected;
+    if (!reported.isEmpty())
+        expected << reported.replace(s("%1"), folders.app(s("A.cvdb"))).replace(s("%2"), backups);
+    expected << s("Failed to initialize the store | There was an error building up the data file.");
+    QCOMPARE(alerts(prompter), expected);
+    QCOMPARE(ScratchFolders::readBytes(folders.listFile()), list);
+    QCOMPARE(ScratchFolders::readBytes(folders.app(s("A.cvdb"))), bytes);
+    QCOMPARE(QDir(folders.app()).entryList({s("*.cvdb*")}, QDir::Files), QStringList{s("A.cvdb")});
 }
 
 // Quitting saves the sidebar, backs up what was saved so far, then saves the pending changes;

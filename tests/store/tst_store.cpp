@@ -52,7 +52,6 @@ private Q_SLOTS:
     void leftLockFileNeverBlocks();
     void killedHolderNeverBlocks();
     void migratesOlderFile();
-    void refusesNewerDataModel();
     void snapshotWhileOpen();
     void closedFileIsReadBeside();
 };
@@ -73,12 +72,22 @@ void tst_Store::refusesBadLocations_data()
     QTest::addColumn<int>("code");
     QTest::addColumn<QString>("message");
 
-    QTest::newRow("garbage file") << "garbage" << int(StoreError::NotADatabase)
-                                  << "The file \"%1\" is not a Corvanta company database.";
-    QTest::newRow("empty-looking text file")
-        << "text" << int(StoreError::NotADatabase) << "The file \"%1\" is not a Corvanta company database.";
-    QTest::newRow("database of another program") << "foreign" << int(StoreError::NotADatabase)
-                                                 << "The file \"%1\" is not a Corvanta company database.";
+    const QString notOurs = s("The file \"%1\" is not a Corvanta company database.");
+    const QString damaged = s("The company database \"%1\" is damaged.");
+    QTest::newRow("garbage file") << "garbage" << int(StoreError::NotADatabase) << notOurs;
+    QTest::newRow("text file") << "text" << int(StoreError::NotADatabase) << notOurs;
+    QTest::newRow("database of another program") << "foreign" << int(StoreError::NotADatabase) << notOurs;
+    QTest::newRow("ours, a page overwritten") << "page" << int(StoreError::Damaged) << damaged;
+    QTest::newRow("ours, cut short") << "truncated" << int(StoreError::Damaged) << damaged;
+    QTest::newRow("ours, schema overwritten") << "schema" << int(StoreError::Damaged) << damaged;
+    QTest::newRow("ours, newer minor version")
+        << "newer" << int(StoreError::NewerModel)
+        << "The company database \"%1\" was made by a newer version of Corvanta.";
+    QTest::newRow("read-only file") << "readOnlyFile" << int(StoreError::NotWritable)
+                                    << "The company database \"%1\" cannot be read and written.";
+    QTest::newRow("read-only folder")
+        << "readOnlyFolder" << int(StoreError::NotWritable)
+        << "The company database \"%1\" is in a folder that cannot be written (%2).";
     QTest::newRow("folder in place of the file")
         << "folder" << int(StoreError::NotADatabase) << "\"%1\" is a folder, not a company database file.";
     QTest::newRow("file in place of the folder")
@@ -97,13 +106,17 @@ void tst_Store::refusesBadLocations()
     QTemporaryDir dir;
     QString folder = dir.path();
     QString path = dir.filePath(s("orders.db"));
-    QByteArray before;
+    const auto overwrite = [&](qint64 offset, const QByteArray& bytes) {
+        QFile f(path);
+        QVERIFY(f.open(QIODevice::ReadWrite));
+        QVERIFY(f.seek(offset));
+        f.write(bytes);
+    };
     if (setup == QLatin1String("garbage") || setup == QLatin1String("text")) {
         QFile f(path);
         QVERIFY(f.open(QIODevice::WriteOnly));
-        before = setup == QLatin1String("garbage") ? QByteArray(4096, '\xA5')
-                                                   : QByteArray("name;city\nAnn;Oslo\n");
-        f.write(before);
+        f.write(setup == QLatin1String("garbage") ? QByteArray(4096, '\xA5')
+                                                  : QByteArray("name;city\nAnn;Oslo\n"));
     } else if (setup == QLatin1String("foreign")) {
         runSql(path, {s("CREATE TABLE songs (title TEXT)"), s("INSERT INTO songs VALUES ('Blue')")});
     } else if (setup == QLatin1String("folder")) {
@@ -116,20 +129,54 @@ void tst_Store::refusesBadLocations()
     } else if (setup == QLatin1String("unwritable")) {
         folder = s("/proc/corvanta-test-%1").arg(QCoreApplication::applicationPid());
         path = folder + QLatin1String("/orders.db");
+    } else {
+        // A healthy order book of a few pages to spoil.
+        {
+            auto store = openOrderBook(path);
+            QVERIFY(store);
+            for (int i = 0; i < 400; ++i)
+                store->mainContext().insertRecord(s("Customers"), {{s("name"), s("Customer %1").arg(i)}});
+            saveOrFail(store->mainContext());
+        }
+        const qint64 size = QFileInfo(path).size();
+        if (setup == QLatin1String("page"))
+            overwrite(size / 2 / 4096 * 4096, QByteArray(4096, '\x5A'));
+        else if (setup == QLatin1String("truncated"))
+            QVERIFY(QFile::resize(path, size / 2));
+        else if (setup == QLatin1String("schema"))
+            overwrite(100, QByteArray(3000, '\0'));
+        else if (setup == QLatin1String("newer"))
+            runSql(path,
+                   {s("UPDATE \"Settings\" SET value = '1.1' WHERE key = 'version'"),
+                    s("INSERT INTO \"Settings\" (key, value) SELECT 'version', '1.1' WHERE changes() = 0")});
+        else if (setup == QLatin1String("readOnlyFile"))
+            QVERIFY(QFile::setPermissions(path, QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther));
+        else if (setup == QLatin1String("readOnlyFolder"))
+            QVERIFY(QFile::setPermissions(folder, QFile::ReadOwner | QFile::ExeOwner));
+    }
+    QByteArray before;
+    if (QFileInfo(path).isFile()) {
+        QFile f(path);
+        QVERIFY(f.open(QIODevice::ReadOnly));
+        before = f.readAll();
     }
 
     StoreError error;
     QVERIFY(!openOrderBook(path, &error));
+    QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     QCOMPARE(error.code, code);
     QCOMPARE(error.domain, s("YOUR_ERROR_DOMAIN"));
     QCOMPARE(error.description,
              message.replace(QLatin1String("%1"), path).replace(QLatin1String("%2"), folder));
+    QVERIFY(!error.reason.isEmpty() || code == StoreError::FolderIsFile || setup == QLatin1String("folder"));
 
-    // Nothing was written over what stood there, and no lock is left behind.
+    // Nothing was written over what stood there, nothing was added beside it, and no lock is
+    // left behind.
     if (!before.isEmpty()) {
         QFile f(path);
         QVERIFY(f.open(QIODevice::ReadOnly));
-        QCOMPARE(f.readAll(), before);
+        QVERIFY(f.readAll() == before);
+        QCOMPARE(QDir(folder).entryList(QDir::Files), QStringList{s("orders.db")});
     }
     if (setup == QLatin1String("foreign"))
         QCOMPARE(columnsOf(path, s("Settings")), QStringList());
@@ -268,19 +315,6 @@ void tst_Store::migratesOlderFile()
     Record* reread = store->mainContext().record({s("Customers"), 7});
     QCOMPARE(reread->value(s("tax_number")).toString(), s("HU123"));
     QCOMPARE(reread->relatedList(s("orders")).size(), 1);
-}
-
-void tst_Store::refusesNewerDataModel()
-{
-    QTemporaryDir dir;
-    const QString path = dir.filePath(s("newer.db"));
-    runSql(path, {s("CREATE TABLE \"Settings\" (pk INTEGER PRIMARY KEY, \"key\" TEXT, \"value\")"),
-                  s("INSERT INTO \"Settings\" VALUES (1, 'version', '2.0')")});
-    StoreError error;
-    QVERIFY(!openOrderBook(path, &error));
-    QCOMPARE(error.code, int(StoreError::StoreInitFailed));
-    QCOMPARE(error.reason, s("Its data model is 2.0; this version knows 1.0."));
-    QVERIFY(columnsOf(path, s("Customers")).isEmpty()); // nothing was added to it
 }
 
 void tst_Store::snapshotWhileOpen()

@@ -196,7 +196,12 @@ bool migrate(QSqlDatabase& db, const DataModel& model, QString* error)
         }
     }
     statements << recomputations << triggers;
-    statements << QStringLiteral("PRAGMA application_id = %1").arg(model.applicationId());
+    // Setting the id writes the file even when it is unchanged; a file opened only to be read
+    // stays as it was.
+    if (!q.exec(QStringLiteral("PRAGMA application_id")) || !q.next() ||
+        q.value(0).toInt() != model.applicationId())
+        statements << QStringLiteral("PRAGMA application_id = %1").arg(model.applicationId());
+    q.finish();
 
     if (!q.exec(QStringLiteral("BEGIN IMMEDIATE"))) {
         *error = q.lastError().text();

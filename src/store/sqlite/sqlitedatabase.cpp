@@ -30,7 +30,48 @@ QString quoted(const QString& name)
     return SqlCompiler::quoted(name);
 }
 
+enum class FileStart {
+    Empty,    // missing or empty: a database not begun yet
+    Database, // begins as every SQLite database does
+    Other,
+};
+
+FileStart fileStart(const QString& path)
+{
+    QFile in(path);
+    if (!in.open(QIODevice::ReadOnly))
+        return FileStart::Empty;
+    const QByteArray header = in.read(16);
+    if (header.isEmpty())
+        return FileStart::Empty;
+    return header == QByteArray("SQLite format 3\0", 16) ? FileStart::Database : FileStart::Other;
+}
+
+// SQLite's word for a file of its own that it cannot make sense of.
+bool isDamage(const QSqlError& error)
+{
+    const int code = error.nativeErrorCode().toInt() & 0xff;
+    return code == SQLITE_CORRUPT || code == SQLITE_NOTADB;
+}
+
 } // namespace
+
+StoreError SqliteDatabase::notOursError(const QString& path, const QString& what)
+{
+    return StoreError::make(StoreError::NotADatabase,
+                            tr("The file \"%1\" is not a Corvanta company database.").arg(path),
+                            tr("%1. Nothing in it was changed; choose the company database's own file, whose "
+                               "name ends in \".cvdb\".")
+                                .arg(what.endsWith(QLatin1Char('.')) ? what.chopped(1) : what));
+}
+
+StoreError SqliteDatabase::damagedError(const QString& path, const QString& problem)
+{
+    return StoreError::make(StoreError::Damaged, tr("The company database \"%1\" is damaged.").arg(path),
+                            tr("SQLite reports: %1. Nothing in it was changed; restore the company database "
+                               "from a backup.")
+                                .arg(problem));
+}
 
 SqliteDatabase::SqliteDatabase(const DataModel* model)
     : m_model(model)
@@ -77,8 +118,13 @@ bool SqliteDatabase::openReadOnly(const QString& path, QString* error)
     return openConnection(path, QStringLiteral("QSQLITE_OPEN_READONLY;QSQLITE_BUSY_TIMEOUT=5000"), error);
 }
 
-bool SqliteDatabase::open(const QString& path, QString* storedVersion, StoreError* error)
+bool SqliteDatabase::open(const QString& path, bool checkIntegrity, QString* storedVersion, StoreError* error)
 {
+    const FileStart start = fileStart(path);
+    if (start == FileStart::Other) {
+        report(error, notOursError(path, tr("It is not a database file.")));
+        return false;
+    }
     QString why;
     if (!openConnection(path, QStringLiteral("QSQLITE_BUSY_TIMEOUT=5000"), &why)) {
         report(error, StoreError::make(StoreError::NotWritable,
@@ -86,6 +132,8 @@ bool SqliteDatabase::open(const QString& path, QString* storedVersion, StoreErro
         return false;
     }
     if (!checkOwnership(path, storedVersion, error))
+        return false;
+    if (checkIntegrity && start == FileStart::Database && !this->checkIntegrity(path, error))
         return false;
 
     QSqlQuery q(connection());
@@ -117,56 +165,83 @@ bool SqliteDatabase::open(const QString& path, QString* storedVersion, StoreErro
 }
 
 // A file is ours when it carries the model's application id, or when it is new: no tables at
-// all, or those of a file written before the id was set. A data model of a newer major version
-// than ours is refused before anything is changed.
+// all, or those of a file written before the id was set. A file that SQLite cannot read is
+// damaged; one written by a newer data model than ours is refused before anything is changed.
 bool SqliteDatabase::checkOwnership(const QString& path, QString* storedVersion, StoreError* error)
 {
     QSqlQuery q(connection());
-    const auto notOurs = [&](const QString& reason) {
-        report(error,
-               StoreError::make(StoreError::NotADatabase,
-                                tr("The file \"%1\" is not a Corvanta company database.").arg(path), reason));
+    const auto unreadable = [&](const QSqlError& sqlError) {
+        report(error, isDamage(sqlError) ? damagedError(path, sqlError.databaseText())
+                                         : notOursError(path, sqlError.databaseText()));
         return false;
     };
     if (!q.exec(QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'table'")))
-        return notOurs(q.lastError().databaseText());
+        return unreadable(q.lastError());
     QStringList tables;
     while (q.next())
         tables << q.value(0).toString();
     if (!q.exec(QStringLiteral("PRAGMA application_id")) || !q.next())
-        return notOurs(q.lastError().databaseText());
+        return unreadable(q.lastError());
     const int applicationId = q.value(0).toInt();
-    if (applicationId != 0 && applicationId != m_model->applicationId())
-        return notOurs(tr("It belongs to another program."));
+    if (applicationId != 0 && applicationId != m_model->applicationId()) {
+        report(error, notOursError(path, tr("It belongs to another program.")));
+        return false;
+    }
     const bool holdsModelTables =
         std::any_of(m_model->entities().begin(), m_model->entities().end(),
                     [&](const EntityDescription& e) { return tables.contains(e.name()); });
-    if (applicationId == 0 && !tables.isEmpty() && !holdsModelTables)
-        return notOurs(tr("It holds tables of another program."));
+    if (applicationId == 0 && !tables.isEmpty() && !holdsModelTables) {
+        report(error, notOursError(path, tr("It holds the tables of another program.")));
+        return false;
+    }
 
     const DataModel::VersionSetting& setting = m_model->versionSetting();
     storedVersion->clear();
-    if (!setting.entity.isEmpty() && tables.contains(setting.entity) &&
-        q.prepare(
-            QStringLiteral("SELECT %1 FROM %2 WHERE %3 = ?")
-                .arg(quoted(setting.valueAttribute), quoted(setting.entity), quoted(setting.keyAttribute)))) {
+    if (!setting.entity.isEmpty() && tables.contains(setting.entity)) {
+        if (!q.prepare(QStringLiteral("SELECT %1 FROM %2 WHERE %3 = ?")
+                           .arg(quoted(setting.valueAttribute), quoted(setting.entity),
+                                quoted(setting.keyAttribute))))
+            return unreadable(q.lastError());
         q.addBindValue(setting.key);
-        if (q.exec() && q.next())
+        if (!q.exec())
+            return unreadable(q.lastError());
+        if (q.next())
             *storedVersion = q.value(0).toString();
     }
     q.finish();
     const QVersionNumber stored = QVersionNumber::fromString(*storedVersion);
     if (!storedVersion->isEmpty() &&
-        stored.majorVersion() > QVersionNumber::fromString(m_model->version()).majorVersion()) {
-        report(
-            error,
-            StoreError::make(
-                StoreError::StoreInitFailed,
-                tr("The company database \"%1\" was made by a newer version of Corvanta.").arg(path),
-                tr("Its data model is %1; this version knows %2.").arg(*storedVersion, m_model->version())));
+        QVersionNumber::compare(stored, QVersionNumber::fromString(m_model->version())) > 0) {
+        report(error,
+               StoreError::make(
+                   StoreError::NewerModel,
+                   tr("The company database \"%1\" was made by a newer version of Corvanta.").arg(path),
+                   tr("Its data model is %1; this version knows %2. Open it with the newer version "
+                      "of Corvanta; nothing in it was changed.")
+                       .arg(*storedVersion, m_model->version())));
         return false;
     }
     return true;
+}
+
+// Reads every page of the file: damage anywhere is found before the first write, not by the
+// save that happens to touch it.
+bool SqliteDatabase::checkIntegrity(const QString& path, StoreError* error)
+{
+    QSqlQuery q(connection());
+    if (!q.exec(QStringLiteral("PRAGMA quick_check"))) {
+        report(error, isDamage(q.lastError()) ? damagedError(path, q.lastError().databaseText())
+                                              : notOursError(path, q.lastError().databaseText()));
+        return false;
+    }
+    QStringList problems;
+    while (q.next() && problems.size() < 3)
+        problems << q.value(0).toString().simplified();
+    q.finish();
+    if (problems == QStringList{QStringLiteral("ok")})
+        return true;
+    report(error, damagedError(path, problems.join(QLatin1String("; "))));
+    return false;
 }
 
 qint64 SqliteDatabase::largestKey(const EntityDescription& entity)

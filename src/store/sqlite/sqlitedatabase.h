@@ -53,8 +53,10 @@ public:
     SqliteDatabase& operator=(const SqliteDatabase&) = delete;
 
     // Opens the file for reading and writing, checks that it belongs to the model (or is new),
-    // reads the model version it records, sets up the connection and migrates the schema.
-    bool open(const QString& path, QString* storedVersion, StoreError* error);
+    // that it is whole (with `checkIntegrity`, every page is read) and not of a newer model,
+    // reads the model version it records, sets up the connection and migrates the schema. A file
+    // that fails a check is left exactly as it was.
+    bool open(const QString& path, bool checkIntegrity, QString* storedVersion, StoreError* error);
     // Opens a file for reading only, beside any store that has it open; nothing is checked.
     bool openReadOnly(const QString& path, QString* error);
 
@@ -116,6 +118,9 @@ private:
     std::optional<QVariant> scalar(const std::optional<SqlStatement>& statement, const QString& failure,
                                    StoreError* error);
     bool checkOwnership(const QString& path, QString* storedVersion, StoreError* error);
+    bool checkIntegrity(const QString& path, StoreError* error);
+    static StoreError notOursError(const QString& path, const QString& what);
+    static StoreError damagedError(const QString& path, const QString& problem);
 
     const DataModel* m_model;
     QString m_connectionName;
