@@ -46,8 +46,6 @@ QList<RowNoteLibrary::Entry> RowNoteLibrary::entries()
 
 bool RowNoteLibrary::add(const QString& text)
 {
-    if (text.isEmpty())
-        return true;
     m_context->insertRecord(QStringLiteral("DocumentRowNotes"), {{QStringLiteral("note"), text}});
     return save();
 }

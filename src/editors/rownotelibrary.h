@@ -36,7 +36,7 @@ public:
     // A note's menu title: line breaks become spaces; 51 characters or more are cut to 50 and "...".
     static QString menuTitle(const QString& note);
 
-    // Stores `text` as a new note; an empty text stores nothing. False when the save failed.
+    // Stores `text` as a new note, an empty one too. False when the save failed.
     bool add(const QString& text);
     // Deletes the note of an entry. False when the save failed.
     bool remove(const Entry& entry);

@@ -257,20 +257,25 @@ void tst_DocumentEditor::notes()
         ForcedFailure failure(m_company->path(), s("DocumentRowNotes"), s("INSERT"));
         QVERIFY(!editor.saveNote());
     }
+    // Without a selected row nothing is stored; a selected row's empty note is stored all the same.
+    editor.setSelectedRows({});
+    QVERIFY(!editor.saveNote());
+    editor.setSelectedRows({row});
     const QString fifty(50, QLatin1Char('x'));
-    for (const QString& note : {s("first\nsecond\r\nthird"), fifty + s("y")}) {
+    for (const QString& note : {s("first\nsecond\r\nthird"), fifty + s("y"), QString()}) {
         row->setValue(s("note"), note);
         QVERIFY(editor.saveNote());
     }
     // The menu shows a note on one line, cut after 50 characters.
     const QList<RowNoteLibrary::Entry> entries = editor.noteLibrary().entries();
-    QCOMPARE(entries.size(), 2);
-    QCOMPARE(entries.at(0).title + s("|") + entries.at(1).title, s("first second third|") + fifty + s("..."));
-    editor.addNote(entries.at(0).note);
+    QCOMPARE(entries.size(), 3);
+    QCOMPARE(entries.at(0).title + s("|") + entries.at(1).title + s("|") + entries.at(2).title,
+             s("|first second third|") + fifty + s("..."));
+    editor.addNote(entries.at(1).note);
     QCOMPARE(row->value(s("note")).toString(), s("first\nsecond\r\nthird"));
-    QVERIFY(editor.removeNote(entries.at(1)));
+    QVERIFY(editor.removeNote(entries.at(2)));
     QCOMPARE((QList<int>{m_company->count("DocumentRowNotes"), m_company->count("Documents")}),
-             (QList<int>{1, 0}));
+             (QList<int>{2, 0}));
 
     // The company's default notes are stored at once too, and start every new document.
     editor.document()->setValue(s("note_footer"), s("Thank you."));
