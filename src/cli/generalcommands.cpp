@@ -1,6 +1,7 @@
 #include "cliprompter.h"
 #include "commandline.h"
 #include "commands.h"
+#include "model/companycache.h"
 #include "output.h"
 #include "session.h"
 #include "store/editingcontext.h"
@@ -20,19 +21,19 @@ QString s(const char* text)
 int info(Invocation& invocation)
 {
     store::Store& store = invocation.session.store();
+    // As the file holds it now: a database made by this run has just been given its version.
+    const QString version = model::CompanyCache::of(store).value(s("version")).toString();
     if (invocation.output.isJson()) {
         QJsonObject counts;
         for (const store::EntityDescription& entity : store.model().entities())
             counts.insert(entity.name(), store.mainContext().count(store::FetchRequest(entity.name())));
-        invocation.output.json(QJsonObject{
-            {s("path"), store.path()}, {s("version"), store.storedModelVersion()}, {s("records"), counts}});
+        invocation.output.json(
+            QJsonObject{{s("path"), store.path()}, {s("version"), version}, {s("records"), counts}});
         return Success;
     }
     QTextStream& out = invocation.output.text();
     out << CommandLine::tr("Database: %1").arg(store.path()) << '\n';
-    out << CommandLine::tr("Data model: %1")
-               .arg(store.storedModelVersion().isEmpty() ? CommandLine::tr("new")
-                                                         : store.storedModelVersion())
+    out << CommandLine::tr("Data model: %1").arg(version.isEmpty() ? CommandLine::tr("unknown") : version)
         << '\n';
     for (const store::EntityDescription& entity : store.model().entities()) {
         const int count = store.mainContext().count(store::FetchRequest(entity.name()));

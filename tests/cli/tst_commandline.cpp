@@ -110,7 +110,9 @@ void tst_CommandLine::databaseListAndBackup()
 {
     const Cli cli;
     const auto list = [&] { return cli.raw("--json databases").json().toArray(); };
-    // The first use makes the list and the company database it selects, with its defaults.
+    // The first use makes the list and the company database it selects, with its defaults, and
+    // tells the data-model version it has just written.
+    QCOMPARE(cli.raw("info").line(1), s("Data model: 1.0"));
     QJsonArray databases = list();
     QCOMPARE(databases.size(), 1);
     const QJsonObject first = databases.at(0).toObject();
@@ -146,6 +148,24 @@ void tst_CommandLine::databaseListAndBackup()
                               .toString();
     QVERIFY2(other.startsWith(cli.path("copies/today/Corvanta ")) && QFileInfo(other).size() > 0,
              qPrintable(other));
+
+    // A list that marks no database opens nothing and stays as it is.
+    QFile listFile(cli.path("data/corvanta/corvanta.databases"));
+    QVERIFY(listFile.open(QIODevice::ReadOnly));
+    QString unmarked = QString::fromUtf8(listFile.readAll());
+    listFile.close();
+    unmarked.replace(QRegularExpression(s("(<key>selected</key>\\s*)<integer>1</integer>")),
+                     s("\\1<integer>0</integer>"));
+    QVERIFY(listFile.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    listFile.write(unmarked.toUtf8());
+    listFile.close();
+    run = cli.raw("info");
+    QCOMPARE(run.exitCode, 1);
+    QVERIFY2(run.err.contains(s("Failed to initialize the store")), qPrintable(run.err));
+    QVERIFY(listFile.open(QIODevice::ReadOnly));
+    QCOMPARE(QString::fromUtf8(listFile.readAll()), unmarked);
+    for (const QJsonValue& database : list())
+        QVERIFY(!database.toObject().value(s("selected")).toBool());
 }
 
 void tst_CommandLine::demo()
