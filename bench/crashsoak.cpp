@@ -205,7 +205,8 @@ void CrashSoak::checkFiles()
     ++m_figures.databaseChecks;
     for (const QString& failure : m_database.run(m_databasePath))
         m_figures.fail(QStringLiteral("database check %1: %2").arg(m_figures.databaseChecks).arg(failure));
-    m_figures.documentsChecked = m_database.documentsChecked();
+    m_figures.documentsInDatabase = m_database.documentsChecked();
+    m_figures.documentsChecked += m_database.documentsChecked();
     ++m_figures.listChecks;
     for (const QString& failure : m_files.checkList(m_environment.listFile(), m_databasePath))
         m_figures.fail(failure);
@@ -236,7 +237,7 @@ bool CrashSoak::run()
             m_log << QStringLiteral("  %1 s: %2 kills, %3 documents, %4 failures\n")
                          .arg(double(clock.elapsed()) / 1000.0, 6, 'f', 1)
                          .arg(m_figures.kills, 5)
-                         .arg(m_figures.documentsChecked, 5)
+                         .arg(m_figures.documentsInDatabase, 5)
                          .arg(m_figures.failures.size());
             m_log.flush();
         }

@@ -171,6 +171,7 @@ QStringList DatabaseCheck::run(const QString& path)
     if (!connection.error().isEmpty())
         return {QStringLiteral("cannot open %1 read-only: %2").arg(path, connection.error())};
     QSqlDatabase db = connection.database();
+    m_documentsChecked = 0;
     QStringList failures = integrityOf(db);
     QList<StoredDocument> documents;
     if (const QString error = load(db, &documents); !error.isEmpty())
@@ -236,11 +237,12 @@ QStringList DatabaseCheck::checkNumbers(const QList<StoredDocument>& documents)
         for (const QString& key :
              {QStringLiteral("%1 %2 #%3").arg(document.type).arg(document.year).arg(document.number),
               QStringLiteral("%1 %2").arg(document.type).arg(document.numberFormatted)}) {
-            if (const StoredDocument* other = byNumber.value(key))
+            if (const StoredDocument* other = byNumber.value(key)) {
                 failures
                     << QStringLiteral("number given twice: %1 and %2").arg(other->label(), document.label());
-            else
-                byNumber.insert(key, &document);
+                break;
+            }
+            byNumber.insert(key, &document);
         }
     }
     return failures;

@@ -22,6 +22,7 @@ public:
 
     // The failures found in `path`, each a line of detail.
     QStringList run(const QString& path);
+    // Documents found and checked by the last run.
     int documentsChecked() const { return m_documentsChecked; }
 
     // Only `PRAGMA integrity_check` of `path`: empty when it says ok.

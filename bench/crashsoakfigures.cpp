@@ -30,7 +30,8 @@ void SoakFigures::print(QTextStream& out) const
     line(QStringLiteral("refused: database held by a live writer"), QString::number(refusedByLiveHolder));
     for (auto it = refusedByRule.cbegin(); it != refusedByRule.cend(); ++it)
         line(QStringLiteral("refused by a rule: %1").arg(it.key().left(60)), QString::number(it.value()));
-    line(QStringLiteral("documents checked (last check)"), QString::number(documentsChecked));
+    line(QStringLiteral("documents in the database at the end"), QString::number(documentsInDatabase));
+    line(QStringLiteral("documents checked over all checks"), QString::number(documentsChecked));
     line(QStringLiteral("database checks"), QString::number(databaseChecks));
     line(QStringLiteral("database list checks"), QString::number(listChecks));
     line(QStringLiteral("archives checked"), QString::number(archivesChecked));

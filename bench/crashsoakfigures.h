@@ -27,7 +27,8 @@ struct SoakFigures
     std::array<int, Operation::kKindCount> acknowledged{};
     int refusedByLiveHolder = 0;
     QMap<QString, int> refusedByRule; // a guard of the program, by message
-    int documentsChecked = 0;         // in the last database check
+    int documentsInDatabase = 0;      // found and checked by the last database check
+    int documentsChecked = 0;         // over all database checks
     int databaseChecks = 0;
     int listChecks = 0;
     int archivesChecked = 0;
