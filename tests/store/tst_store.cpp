@@ -77,6 +77,8 @@ void tst_Store::refusesBadLocations_data()
     QTest::newRow("garbage file") << "garbage" << int(StoreError::NotADatabase) << notOurs;
     QTest::newRow("text file") << "text" << int(StoreError::NotADatabase) << notOurs;
     QTest::newRow("database of another program") << "foreign" << int(StoreError::NotADatabase) << notOurs;
+    QTest::newRow("another program's, a table named as ours")
+        << "foreignSettings" << int(StoreError::NotADatabase) << notOurs;
     QTest::newRow("ours, a page overwritten") << "page" << int(StoreError::Damaged) << damaged;
     QTest::newRow("ours, cut short") << "truncated" << int(StoreError::Damaged) << damaged;
     QTest::newRow("ours, schema overwritten") << "schema" << int(StoreError::Damaged) << damaged;
@@ -119,6 +121,9 @@ void tst_Store::refusesBadLocations()
                                                   : QByteArray("name;city\nAnn;Oslo\n"));
     } else if (setup == QLatin1String("foreign")) {
         runSql(path, {s("CREATE TABLE songs (title TEXT)"), s("INSERT INTO songs VALUES ('Blue')")});
+    } else if (setup == QLatin1String("foreignSettings")) {
+        runSql(path, {s("CREATE TABLE Settings (key TEXT, value)"), s("CREATE TABLE songs (title TEXT)"),
+                      s("INSERT INTO Settings VALUES ('version', '1.0')")});
     } else if (setup == QLatin1String("folder")) {
         QVERIFY(QDir().mkpath(path));
     } else if (setup == QLatin1String("folderIsFile")) {
@@ -178,8 +183,8 @@ void tst_Store::refusesBadLocations()
         QVERIFY(f.readAll() == before);
         QCOMPARE(QDir(folder).entryList(QDir::Files), QStringList{s("orders.db")});
     }
-    if (setup == QLatin1String("foreign"))
-        QCOMPARE(columnsOf(path, s("Settings")), QStringList());
+    if (setup.startsWith(QLatin1String("foreign")))
+        QCOMPARE(columnsOf(path, s("Customers")), QStringList());
     QVERIFY(!QFile::exists(path + QLatin1String(".lock")));
 }
 

@@ -187,10 +187,16 @@ bool SqliteDatabase::checkOwnership(const QString& path, QString* storedVersion,
         report(error, notOursError(path, tr("It belongs to another program.")));
         return false;
     }
-    const bool holdsModelTables =
-        std::any_of(m_model->entities().begin(), m_model->entities().end(),
-                    [&](const EntityDescription& e) { return tables.contains(e.name()); });
-    if (applicationId == 0 && !tables.isEmpty() && !holdsModelTables) {
+    // A file without our id is one written before the id was set: only tables of the model, and
+    // the model version recorded (checked below). A table the model does not know is another
+    // program's, and our tables are never added beside it.
+    const bool unmarked = applicationId == 0 && !tables.isEmpty();
+    const QStringList joinTables = m_model->joinTables();
+    const bool onlyModelTables = std::all_of(tables.cbegin(), tables.cend(), [&](const QString& table) {
+        return table.startsWith(QLatin1String("sqlite_")) || joinTables.contains(table) ||
+               m_model->entity(table) != nullptr;
+    });
+    if (unmarked && !onlyModelTables) {
         report(error, notOursError(path, tr("It holds the tables of another program.")));
         return false;
     }
@@ -209,6 +215,10 @@ bool SqliteDatabase::checkOwnership(const QString& path, QString* storedVersion,
             *storedVersion = q.value(0).toString();
     }
     q.finish();
+    if (unmarked && storedVersion->isEmpty()) {
+        report(error, notOursError(path, tr("It records no data-model version.")));
+        return false;
+    }
     const QVersionNumber stored = QVersionNumber::fromString(*storedVersion);
     if (!storedVersion->isEmpty() &&
         QVersionNumber::compare(stored, QVersionNumber::fromString(m_model->version())) > 0) {
