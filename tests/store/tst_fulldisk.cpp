@@ -40,6 +40,7 @@ class tst_FullDisk : public QObject
 private Q_SLOTS:
     void failedSaveKeepsChangesForTheNextSave_data();
     void failedSaveKeepsChangesForTheNextSave();
+    void openOnFullDiskSaysSo();
 };
 
 void tst_FullDisk::failedSaveKeepsChangesForTheNextSave_data()
@@ -125,6 +126,42 @@ void tst_FullDisk::failedSaveKeepsChangesForTheNextSave()
     QCOMPARE(reopened.fetch(FetchRequest(s("Tags"))).size(), 1);
     QCOMPARE(valuesOf(reopened.fetchFirst(FetchRequest(s("Tags")))->relatedList(s("customers"))),
              QStringList{s("Ann")});
+}
+
+// With no room for the database's shared-memory file, opening fails as a full disk, not as a file
+// that is not ours, and the file stays as it was.
+void tst_FullDisk::openOnFullDiskSaysSo()
+{
+    SmallDisk disk(2 << 20);
+    SMALL_DISK_OR_RETURN(disk);
+    if (disk.kind() != SmallDisk::Kind::Tmpfs)
+        QSKIP("needs a disk that fills up");
+    const QString file = disk.filePath(s("orders.db"));
+    {
+        auto store = openOrderBook(file);
+        QVERIFY(store);
+        store->mainContext().insertRecord(s("Customers"), {{s("name"), s("Ann")}});
+        saveOrFail(store->mainContext());
+    }
+    QFile in(file);
+    QVERIFY(in.open(QIODevice::ReadOnly));
+    const QByteArray before = in.readAll();
+    in.close();
+
+    QVERIFY(disk.fill());
+    StoreError error;
+    QVERIFY(!openOrderBook(file, &error));
+    QCOMPARE(error.code, int(StoreError::DiskFull));
+    QCOMPARE(error.description,
+             s("The disk is full: the company database \"%1\" cannot be opened.").arg(file));
+    QVERIFY(in.open(QIODevice::ReadOnly));
+    QVERIFY(in.readAll() == before);
+    in.close();
+
+    disk.release();
+    auto store = openOrderBook(file, &error);
+    QVERIFY2(store, qPrintable(error.message()));
+    QCOMPARE(store->mainContext().count(FetchRequest(s("Customers"))), 1);
 }
 
 QTEST_GUILESS_MAIN(tst_FullDisk)

@@ -128,7 +128,7 @@ QString materializedSumDefinition(const MaterializedSum& sum)
 
 } // namespace
 
-bool migrate(QSqlDatabase& db, const DataModel& model, QString* error)
+bool migrate(QSqlDatabase& db, const DataModel& model, QSqlError* failure)
 {
     QSqlQuery q(db);
     QStringList statements;
@@ -204,18 +204,20 @@ bool migrate(QSqlDatabase& db, const DataModel& model, QString* error)
     q.finish();
 
     if (!q.exec(QStringLiteral("BEGIN IMMEDIATE"))) {
-        *error = q.lastError().text();
+        *failure = q.lastError();
         return false;
     }
     for (const QString& statement : statements) {
         if (!q.exec(statement)) {
-            *error = QStringLiteral("%1 (%2)").arg(q.lastError().text(), statement);
+            const QSqlError e = q.lastError();
+            *failure = QSqlError(e.driverText(), QStringLiteral("%1 (%2)").arg(e.databaseText(), statement),
+                                 e.type(), e.nativeErrorCode());
             q.exec(QStringLiteral("ROLLBACK"));
             return false;
         }
     }
     if (!q.exec(QStringLiteral("COMMIT"))) {
-        *error = q.lastError().text();
+        *failure = q.lastError();
         q.exec(QStringLiteral("ROLLBACK"));
         return false;
     }

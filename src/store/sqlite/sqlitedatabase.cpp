@@ -47,13 +47,6 @@ FileStart fileStart(const QString& path)
     return header == QByteArray("SQLite format 3\0", 16) ? FileStart::Database : FileStart::Other;
 }
 
-// SQLite's word for a file of its own that it cannot make sense of.
-bool isDamage(const QSqlError& error)
-{
-    const int code = error.nativeErrorCode().toInt() & 0xff;
-    return code == SQLITE_CORRUPT || code == SQLITE_NOTADB;
-}
-
 } // namespace
 
 StoreError SqliteDatabase::notOursError(const QString& path, const QString& what)
@@ -63,6 +56,29 @@ StoreError SqliteDatabase::notOursError(const QString& path, const QString& what
                             tr("%1. Nothing in it was changed; choose the company database's own file, whose "
                                "name ends in \".cvdb\".")
                                 .arg(what.endsWith(QLatin1Char('.')) ? what.chopped(1) : what));
+}
+
+// Why SQLite could not read or set up a file being opened: damage, a disk that is full or
+// failing, or a file that is not ours.
+StoreError SqliteDatabase::openError(const QString& path, const QSqlError& sqlError) const
+{
+    const int code = sqlError.nativeErrorCode().toInt() & 0xff;
+    const int systemError = m_handle ? sqlite3_system_errno(m_handle) : 0;
+    if (code == SQLITE_CORRUPT || code == SQLITE_NOTADB)
+        return damagedError(path, sqlError.databaseText());
+    if (code == SQLITE_FULL || systemError == ENOSPC || systemError == EDQUOT)
+        return StoreError::make(
+            StoreError::DiskFull,
+            tr("The disk is full: the company database \"%1\" cannot be opened.").arg(path),
+            tr("Nothing in it was changed. Free some space on the disk, then try again."));
+    if (code == SQLITE_IOERR || code == SQLITE_CANTOPEN || code == SQLITE_READONLY || code == SQLITE_PERM)
+        return StoreError::make(
+            StoreError::WriteFailed,
+            tr("The company database \"%1\" cannot be opened: the disk could not be read or written.")
+                .arg(path),
+            tr("Nothing in it was changed. Check the disk, then try again. (%1)")
+                .arg(sqlError.databaseText()));
+    return notOursError(path, sqlError.databaseText());
 }
 
 StoreError SqliteDatabase::damagedError(const QString& path, const QString& problem)
@@ -131,6 +147,9 @@ bool SqliteDatabase::open(const QString& path, bool checkIntegrity, QString* sto
                                        tr("The company database \"%1\" cannot be opened.").arg(path), why));
         return false;
     }
+    const QVariant handle = connection().driver()->handle();
+    if (handle.isValid() && qstrcmp(handle.typeName(), "sqlite3*") == 0)
+        m_handle = *static_cast<sqlite3* const*>(handle.data());
     if (!checkOwnership(path, storedVersion, error))
         return false;
     if (checkIntegrity && start == FileStart::Database && !this->checkIntegrity(path, error))
@@ -145,9 +164,6 @@ bool SqliteDatabase::open(const QString& path, bool checkIntegrity, QString* sto
     q.exec(QStringLiteral("PRAGMA cache_size = -32768"));
     q.finish();
 
-    const QVariant handle = connection().driver()->handle();
-    if (handle.isValid() && qstrcmp(handle.typeName(), "sqlite3*") == 0)
-        m_handle = *static_cast<sqlite3* const*>(handle.data());
     if (!m_handle || !sqlitefunctions::registerAll(m_handle)) {
         report(error, StoreError::make(StoreError::StoreInitFailed, tr("Failed to initialize the store"),
                                        tr("There was an error building up the data file.")));
@@ -155,10 +171,14 @@ bool SqliteDatabase::open(const QString& path, bool checkIntegrity, QString* sto
     }
 
     QSqlDatabase db = connection();
-    if (!schema::migrate(db, *m_model, &why)) {
-        report(error, StoreError::make(
-                          StoreError::StoreInitFailed,
-                          tr("The company database \"%1\" could not be brought up to date.").arg(path), why));
+    QSqlError failure;
+    if (!schema::migrate(db, *m_model, &failure)) {
+        StoreError e = openError(path, failure);
+        if (e.code == StoreError::NotADatabase)
+            e = StoreError::make(StoreError::StoreInitFailed,
+                                 tr("The company database \"%1\" could not be brought up to date.").arg(path),
+                                 failure.text());
+        report(error, e);
         return false;
     }
     return true;
@@ -171,8 +191,7 @@ bool SqliteDatabase::checkOwnership(const QString& path, QString* storedVersion,
 {
     QSqlQuery q(connection());
     const auto unreadable = [&](const QSqlError& sqlError) {
-        report(error, isDamage(sqlError) ? damagedError(path, sqlError.databaseText())
-                                         : notOursError(path, sqlError.databaseText()));
+        report(error, openError(path, sqlError));
         return false;
     };
     if (!q.exec(QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'table'")))
@@ -240,8 +259,7 @@ bool SqliteDatabase::checkIntegrity(const QString& path, StoreError* error)
 {
     QSqlQuery q(connection());
     if (!q.exec(QStringLiteral("PRAGMA quick_check"))) {
-        report(error, isDamage(q.lastError()) ? damagedError(path, q.lastError().databaseText())
-                                              : notOursError(path, q.lastError().databaseText()));
+        report(error, openError(path, q.lastError()));
         return false;
     }
     QStringList problems;

@@ -7,6 +7,7 @@
 
 #include <QCoreApplication>
 #include <QSqlDatabase>
+#include <QSqlError>
 #include <QSqlQuery>
 #include <functional>
 #include <memory>
@@ -121,6 +122,7 @@ private:
     bool checkIntegrity(const QString& path, StoreError* error);
     static StoreError notOursError(const QString& path, const QString& what);
     static StoreError damagedError(const QString& path, const QString& problem);
+    StoreError openError(const QString& path, const QSqlError& sqlError) const;
 
     const DataModel* m_model;
     QString m_connectionName;
