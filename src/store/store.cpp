@@ -83,6 +83,15 @@ bool Store::openDatabase(StoreError* error)
                                        tr("\"%1\" is a folder, not a company database file.").arg(m_path)));
         return false;
     }
+    if (file.exists() && !file.isFile()) {
+        // A pipe or a device: reading it could wait forever or never end.
+        report(error,
+               StoreError::make(StoreError::NotADatabase,
+                                tr("The file \"%1\" is not a Corvanta company database.").arg(m_path),
+                                tr("It is not a regular file. Nothing in it was changed; choose the company "
+                                   "database's own file, whose name ends in \".cvdb\".")));
+        return false;
+    }
     if (file.exists() && (!file.isReadable() || !isWritable(file))) {
         report(error,
                StoreError::make(StoreError::NotWritable,

@@ -6,6 +6,7 @@
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QThread>
+#include <sys/stat.h>
 
 using namespace corvanta::store;
 using namespace corvanta::store::testing;
@@ -90,6 +91,7 @@ void tst_Store::refusesBadLocations_data()
     QTest::newRow("read-only folder")
         << "readOnlyFolder" << int(StoreError::NotWritable)
         << "The company database \"%1\" is in a folder that cannot be written (%2).";
+    QTest::newRow("pipe in place of the file") << "pipe" << int(StoreError::NotADatabase) << notOurs;
     QTest::newRow("folder in place of the file")
         << "folder" << int(StoreError::NotADatabase) << "\"%1\" is a folder, not a company database file.";
     QTest::newRow("file in place of the folder")
@@ -126,6 +128,8 @@ void tst_Store::refusesBadLocations()
                       s("INSERT INTO Settings VALUES ('version', '1.0')")});
     } else if (setup == QLatin1String("folder")) {
         QVERIFY(QDir().mkpath(path));
+    } else if (setup == QLatin1String("pipe")) {
+        QCOMPARE(::mkfifo(QFile::encodeName(path).constData(), 0600), 0);
     } else if (setup == QLatin1String("folderIsFile")) {
         folder = dir.filePath(s("data"));
         QFile f(folder);
