@@ -111,6 +111,12 @@ DatabaseList::ReadResult DatabaseList::read(const QString& file)
         result.problem = tr("a folder stands where the file should be");
         return result;
     }
+    if (!info.isFile()) {
+        // A pipe or a device: reading it could wait forever.
+        result.status = Status::Unreadable;
+        result.problem = tr("it is not a regular file");
+        return result;
+    }
     if (info.size() > PropertyList::kMaxSize) {
         result.status = Status::Damaged;
         result.problem = tr("the file is too large (%1 bytes)").arg(info.size());

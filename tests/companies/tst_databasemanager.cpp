@@ -173,7 +173,13 @@ void tst_DatabaseManager::unusableOrDamagedList()
     QVERIFY(QFileInfo(folders.listFile()).isDir());
     QVERIFY(folders.keptCopies().isEmpty());
 
+    // A pipe is never read: reading it would wait for a writer.
     QVERIFY(QDir(folders.listFile()).removeRecursively());
+    QCOMPARE(::mkfifo(QFile::encodeName(folders.listFile()).constData(), 0600), 0);
+    prompter.clear();
+    QCOMPARE(DatabaseManager(prompter, folders.folders()).selectedDatabaseFile(), QString());
+    QVERIFY(alerts(prompter).value(0).contains(s("could not be read: it is not a regular file.")));
+    QVERIFY(QFile::remove(folders.listFile()));
     ScratchFolders::writeBytes(folders.listFile(), "garbage");
     makeDatabase(folders.app(s("OLD.cvdb")), s("Older Ltd"));
     makeDatabase(folders.app(s("NEW.cvdb")), s("Newer Ltd"));
