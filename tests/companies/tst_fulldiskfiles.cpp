@@ -1,16 +1,10 @@
 #include "../store/smalldisk.h"
 #include "companies/backupfolder.h"
-#include "companies/databaselist.h"
 #include "companies/datafolderarchive.h"
-#include "model/companydatabase.h"
-#include "store/editingcontext.h"
-#include "store/store.h"
+#include "companiestestsupport.h"
 #include "support/zipreader.h"
 
-#include <QDir>
-#include <QFile>
 #include <QRandomGenerator>
-#include <QTest>
 
 using namespace corvanta::companies;
 using corvanta::model::CompanyDatabase;
@@ -21,23 +15,8 @@ using corvanta::testing::SmallDisk;
 
 namespace {
 
-QString s(const char* text)
-{
-    return QString::fromUtf8(text);
-}
-
-QByteArray readBytes(const QString& path)
-{
-    QFile in(path);
-    return in.open(QIODevice::ReadOnly) ? in.readAll() : QByteArray();
-}
-
-bool writeBytes(const QString& path, const QByteArray& bytes)
-{
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    QFile out(path);
-    return out.open(QIODevice::WriteOnly) && out.write(bytes) == bytes.size() && out.flush();
-}
+using corvanta::companies::testing::s;
+using corvanta::companies::testing::ScratchFolders;
 
 QStringList everythingIn(const QString& folder)
 {
@@ -88,13 +67,13 @@ void tst_FullDiskFiles::databaseListKeepsTheOldList()
     QVERIFY(QDir().mkpath(folder));
     QString why;
     QVERIFY2(DatabaseList::write(list, {entry(folder, "First")}, &why), qPrintable(why));
-    const QByteArray before = readBytes(list);
+    const QByteArray before = ScratchFolders::readBytes(list);
 
     QVERIFY(disk.fill());
     QVERIFY(!DatabaseList::write(list, {entry(folder, "First"), entry(folder, "Second")}, &why));
     qInfo("Refused: %s", qPrintable(why));
     QVERIFY(!why.isEmpty());
-    QCOMPARE(readBytes(list), before);
+    QCOMPARE(ScratchFolders::readBytes(list), before);
     QCOMPARE(everythingIn(folder), QStringList{QString::fromLatin1(DatabaseList::kFileName)});
 
     disk.release();
@@ -134,21 +113,21 @@ void tst_FullDiskFiles::backupKeepsTheOlderArchive()
     const QString comment = QString::fromLatin1(BackupFolder::kComment);
     const DataFolderArchive folder(data, store.get());
     QVERIFY2(folder.write(archive, comment, &why), qPrintable(why));
-    const QByteArray older = readBytes(archive);
+    const QByteArray older = ScratchFolders::readBytes(archive);
     const QStringList olderContents{comment, s("MINE.cvdb"), s("corvanta.databases")};
     QCOMPARE(contentsOf(archive), olderContents);
 
     // Two MiB that do not compress make the next archive larger than the space left.
     QByteArray picture(2 << 20, Qt::Uninitialized);
     QRandomGenerator(7).fillRange(reinterpret_cast<quint32*>(picture.data()), picture.size() / 4);
-    QVERIFY(writeBytes(QDir(data).filePath(s("templates/logo.png")), picture));
+    ScratchFolders::writeBytes(QDir(data).filePath(s("templates/logo.png")), picture);
     QVERIFY(disk.fill(spare));
     QVERIFY(!folder.write(archive, comment, &why));
     qInfo("Refused: %s", qPrintable(why));
     if (disk.kind() == SmallDisk::Kind::Tmpfs && spare > 0)
         QCOMPARE(why, s("The disk is full: the archive \"%1\" could not be written.").arg(archive));
     QCOMPARE(everythingIn(backups.path()), QStringList{QFileInfo(archive).fileName()});
-    QCOMPARE(readBytes(archive), older);
+    QCOMPARE(ScratchFolders::readBytes(archive), older);
     QCOMPARE(contentsOf(archive), olderContents);
 
     disk.release();
