@@ -1,8 +1,22 @@
 #include "workingelements.h"
 
+#include "predicate/literal.h"
+#include "store/editingcontext.h"
+#include "store/fetchrequest.h"
 #include "store/record.h"
 
 namespace corvanta::templates {
+
+QList<store::Record*> templateElements(store::Record* templateRecord)
+{
+    if (!templateRecord || !templateRecord->context())
+        return {};
+    const store::FetchRequest request(
+        QStringLiteral("TemplateElements"),
+        predicate::literal(QStringLiteral("template == %@"), {QVariant::fromValue(templateRecord->ref())}),
+        {{QStringLiteral("zorder"), true}});
+    return templateRecord->context()->fetch(request);
+}
 
 WorkingElements resetReplaceElements(const QList<store::Record*>& elements)
 {

@@ -27,6 +27,9 @@ struct WorkingElement
 // A template's elements in drawing order (ascending `zorder`).
 using WorkingElements = QList<WorkingElement>;
 
+// The elements of `templateRecord` in drawing order: "template == %@" sorted by `zorder`.
+QList<store::Record*> templateElements(store::Record* templateRecord);
+
 // Fresh working values of `elements` (already in drawing order): each element's stored `format`
 // as the text to fill, so that no pass ever works on a text that an earlier pass replaced.
 WorkingElements resetReplaceElements(const QList<store::Record*>& elements);
