@@ -79,4 +79,22 @@ QString TemplateTypes::defaultTemplateKey(qint64 type)
     return info ? QString::fromLatin1(info->defaultKey) : QString();
 }
 
+QString TemplateTypes::typeKey(qint64 type)
+{
+    return defaultTemplateKey(type).mid(int(qstrlen("default_template_")));
+}
+
+qint64 TemplateTypes::typeFromText(const QString& text)
+{
+    bool isNumber = false;
+    const qint64 number = text.toLongLong(&isNumber);
+    if (isNumber)
+        return isValid(number) ? number : -1;
+    for (const TypeInfo& info : kTypes) {
+        if (typeKey(info.type) == text)
+            return info.type;
+    }
+    return -1;
+}
+
 } // namespace corvanta::templates

@@ -31,6 +31,11 @@ public:
     // ("default_template_invoice" ... "default_template_report_summary_item"); empty for an
     // unknown code.
     static QString defaultTemplateKey(qint64 type);
+    // The type key ("invoice" ... "purchase_order", "report_documents" ...
+    // "report_summary_item"): the default-template key without its "default_template_".
+    static QString typeKey(qint64 type);
+    // The type a key names, or its number written out ("3"); -1 for anything else.
+    static qint64 typeFromText(const QString& text);
 };
 
 } // namespace corvanta::templates
