@@ -34,12 +34,14 @@ std::optional<Arguments> Arguments::parse(const QStringList& arguments, const QL
             result.m_values[QStringLiteral("help")] << QString();
             continue;
         }
-        if (!argument.startsWith(QLatin1String("--"))) {
+        // A one-letter option is written "-o" as well as "--o".
+        const bool shortOption = !argument.startsWith(QLatin1String("--"));
+        if (shortOption && (argument.size() != 2 || !specOf(argument.mid(1)))) {
             *error = tr("Unknown option \"%1\".").arg(argument);
             return std::nullopt;
         }
-        const qsizetype equals = argument.indexOf(QLatin1Char('='));
-        const QString name = argument.mid(2, equals < 0 ? -1 : equals - 2);
+        const qsizetype equals = shortOption ? -1 : argument.indexOf(QLatin1Char('='));
+        const QString name = shortOption ? argument.mid(1) : argument.mid(2, equals < 0 ? -1 : equals - 2);
         const OptionSpec* spec = specOf(name);
         if (!spec) {
             *error = tr("Unknown option \"--%1\".").arg(name);

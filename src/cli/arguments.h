@@ -16,7 +16,8 @@ struct OptionSpec
     bool repeatable = false;
 };
 
-// The options and words after a command's name. Options are "--name", "--name VALUE" or
+// The options and words after a command's name. Options are "--name", "--name VALUE" (a one-letter
+// one also "-n VALUE") or
 // "--name=VALUE"; a value may begin with "-" (a negative amount); "--" ends the options.
 class Arguments
 {

@@ -35,6 +35,25 @@ companies::DatabaseManager* Session::databaseManager() const
     return m_core ? m_core->databaseManager() : nullptr;
 }
 
+QString Session::templateFilesDirectory() const
+{
+    if (const companies::DatabaseManager* manager = databaseManager())
+        return manager->templateFilesDirectory();
+    const QString folder =
+        QDir(QFileInfo(m_store->path()).absolutePath()).filePath(QStringLiteral("templates"));
+    QDir().mkpath(folder);
+    return folder;
+}
+
+QString Session::tempFilesDirectory() const
+{
+    if (const companies::DatabaseManager* manager = databaseManager())
+        return manager->databaseTempFilesDirectory();
+    const QString folder = QDir(QFileInfo(m_store->path()).absolutePath()).filePath(QStringLiteral("temp"));
+    QDir().mkpath(folder);
+    return folder;
+}
+
 bool Session::open(const QString& databaseFile)
 {
     return databaseFile.isEmpty() ? startFromList() : openFile(QFileInfo(databaseFile).absoluteFilePath());

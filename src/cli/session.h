@@ -53,6 +53,10 @@ public:
     // The application as it started on the list's database; null when a file was named.
     app::ApplicationCore* core() const { return m_core.get(); }
     CliPrompter& prompter() const { return m_prompter; }
+    // The open database's template files folder (pictures of image elements) and its folder of
+    // temporary files (PDFs for preview and e-mail), beside the database file; made when asked for.
+    QString templateFilesDirectory() const;
+    QString tempFilesDirectory() const;
     const companies::DatabaseFolders& folders() const { return m_folders; }
 
 private:
