@@ -1,0 +1,52 @@
+#include "pdffilenames.h"
+
+#include "store/record.h"
+
+namespace corvanta::templates {
+
+namespace {
+
+// Bytes of a file name, ".pdf" included, that every common file system takes.
+constexpr qsizetype kMaximumBytes = 255;
+
+} // namespace
+
+QString PdfFileNames::clearedPDFFileName(const QString& name)
+{
+    QString cleared;
+    cleared.reserve(name.size());
+    for (const QChar c : name) {
+        if (c == QLatin1Char('/'))
+            cleared += QLatin1Char('-');
+        else if (c.category() != QChar::Other_Control && c != QChar::LineSeparator &&
+                 c != QChar::ParagraphSeparator)
+            cleared += c;
+    }
+    cleared = cleared.trimmed();
+    while (cleared.startsWith(QLatin1Char('.')))
+        cleared.remove(0, 1);
+    cleared = cleared.trimmed();
+    if (cleared.isEmpty())
+        cleared = QStringLiteral("Untitled");
+
+    const QString suffix = QStringLiteral(".pdf");
+    while (cleared.toUtf8().size() + suffix.size() > kMaximumBytes) {
+        cleared.chop(1);
+        if (!cleared.isEmpty() && cleared.back().isHighSurrogate())
+            cleared.chop(1);
+    }
+    return cleared + suffix;
+}
+
+QString PdfFileNames::documentFileName(const store::Record& document)
+{
+    return clearedPDFFileName(document.value(QStringLiteral("number_formatted")).toString());
+}
+
+QString PdfFileNames::reportFileName(const QDateTime& now)
+{
+    return clearedPDFFileName(
+        QStringLiteral("Corvanta %1").arg(now.toString(QStringLiteral("yyyy-MM-dd HHss"))));
+}
+
+} // namespace corvanta::templates

@@ -1,0 +1,115 @@
+#include "styledtext.h"
+
+#include <QPainter>
+#include <QRegularExpression>
+#include <QTextLayout>
+
+namespace corvanta::templates {
+
+struct StyledText::Paragraph
+{
+    std::unique_ptr<QTextLayout> layout;
+    double top = 0;
+};
+
+namespace {
+
+Qt::Alignment horizontalAlignment(int alignment)
+{
+    switch (alignment) {
+    case 1:
+        return Qt::AlignRight;
+    case 2:
+        return Qt::AlignHCenter;
+    case 3:
+        return Qt::AlignJustify;
+    case 4:
+        return Qt::AlignLeading; // natural: the start of the writing direction
+    default:
+        return Qt::AlignLeft;
+    }
+}
+
+QStringList paragraphsOf(const QString& text)
+{
+    static const QRegularExpression breaks(QStringLiteral("\r\n|[\r\n\u2029]"));
+    if (!text.contains(QLatin1Char('\n')) && !text.contains(QLatin1Char('\r')) &&
+        !text.contains(QChar::ParagraphSeparator))
+        return {text};
+    return text.split(breaks);
+}
+
+} // namespace
+
+StyledText::StyledText(const TextStyle& style, const QString& text)
+    : m_style(&style)
+    , m_text(text)
+{}
+
+StyledText::~StyledText() = default;
+StyledText::StyledText(StyledText&&) noexcept = default;
+StyledText& StyledText::operator=(StyledText&&) noexcept = default;
+
+const std::vector<StyledText::Paragraph>& StyledText::laidOut(double width) const
+{
+    if (width == m_width)
+        return m_paragraphs;
+    m_width = width;
+    m_paragraphs.clear();
+    m_height = 0;
+    if (m_text.isEmpty())
+        return m_paragraphs;
+
+    QTextOption option(horizontalAlignment(m_style->alignment));
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    option.setUseDesignMetrics(true);
+    const double lineWidth = qMax(0.0, width);
+    for (const QString& text : paragraphsOf(m_text)) {
+        Paragraph paragraph;
+        paragraph.top = m_height;
+        paragraph.layout = std::make_unique<QTextLayout>(text, m_style->font);
+        paragraph.layout->setTextOption(option);
+        paragraph.layout->setCacheEnabled(true);
+        double y = 0;
+        paragraph.layout->beginLayout();
+        for (QTextLine line = paragraph.layout->createLine(); line.isValid();
+             line = paragraph.layout->createLine()) {
+            line.setLeadingIncluded(true);
+            line.setLineWidth(lineWidth);
+            line.setPosition(QPointF(0, y));
+            y += line.height();
+        }
+        paragraph.layout->endLayout();
+        m_height += y;
+        m_paragraphs.push_back(std::move(paragraph));
+    }
+    return m_paragraphs;
+}
+
+double StyledText::height(double width) const
+{
+    laidOut(width);
+    return m_height;
+}
+
+void StyledText::draw(QPainter& painter, const QRectF& rect) const
+{
+    const std::vector<Paragraph>& paragraphs = laidOut(rect.width());
+    if (paragraphs.empty())
+        return;
+    const bool shaded = m_style->background.isValid() && m_style->background.alpha() > 0;
+    painter.setPen(m_style->color);
+    for (const Paragraph& paragraph : paragraphs) {
+        const QPointF origin = rect.topLeft() + QPointF(0, paragraph.top);
+        if (shaded) {
+            for (int i = 0; i < paragraph.layout->lineCount(); ++i) {
+                const QTextLine line = paragraph.layout->lineAt(i);
+                if (line.textLength() > 0)
+                    painter.fillRect(line.naturalTextRect().translated(origin), m_style->background);
+            }
+        }
+        paragraph.layout->draw(&painter, origin);
+    }
+}
+
+} // namespace corvanta::templates
