@@ -11,6 +11,8 @@
 #include "support/prompter.h"
 #include "templates/shippedtemplates.h"
 
+#include <QCoreApplication>
+#include <QDir>
 #include <QFileInfo>
 
 namespace corvanta::app {
@@ -43,7 +45,15 @@ ApplicationCore::~ApplicationCore()
 
 QString ApplicationCore::defaultShippedTemplatesFolder()
 {
-    return QStringLiteral(CORVANTA_RESOURCES_DIR "/templates");
+    // An installed program finds them beside its data; one run from the build, where the build
+    // packed them.
+    if (QCoreApplication::instance()) {
+        const QString installed = QDir(QCoreApplication::applicationDirPath())
+                                      .filePath(QStringLiteral(CORVANTA_INSTALLED_TEMPLATES_DIR));
+        if (QFileInfo(installed).isDir())
+            return QDir::cleanPath(installed);
+    }
+    return QStringLiteral(CORVANTA_SHIPPED_TEMPLATES_DIR);
 }
 
 bool ApplicationCore::isRestartRequested() const
