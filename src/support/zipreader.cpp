@@ -138,7 +138,8 @@ bool ZipReader::readDirectory(const QString& path, QString* error)
         total += size;
         if (total > m_limits.maxTotalSize)
             return fail(tr("The archive \"%1\" is too large when unpacked.").arg(path), error);
-        m_entries.append({name, size, name.endsWith(QLatin1Char('/'))});
+        const qint64 compressed = (stat.valid & ZIP_STAT_COMP_SIZE) ? qint64(stat.comp_size) : 0;
+        m_entries.append({name, size, name.endsWith(QLatin1Char('/')), compressed});
     }
     return true;
 }

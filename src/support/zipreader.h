@@ -30,6 +30,7 @@ public:
         QString name; // relative, "/"-separated; folders end with "/"
         qint64 size = 0;
         bool isFolder = false;
+        qint64 compressedSize = 0; // as stored in the archive, for judging the compression ratio
     };
 
     explicit ZipReader(const Limits& limits);

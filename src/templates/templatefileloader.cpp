@@ -6,6 +6,7 @@
 #include "support/propertylist.h"
 #include "support/uuid.h"
 #include "support/zipreader.h"
+#include "templatefilecheck.h"
 
 #include <QColor>
 #include <QDir>
@@ -84,6 +85,9 @@ Record* TemplateFileLoader::load(const QString& file, QString* error)
     for (const support::ZipReader::Entry& entry : zip.entries()) {
         if (entry.isFolder)
             continue;
+        const QString packing = TemplateFileCheck::compression(entry.name, entry.size, entry.compressedSize);
+        if (!packing.isEmpty())
+            return fail(wrongFormat + QLatin1Char(' ') + packing);
         const QStringList parts = entry.name.split(QLatin1Char('/'));
         if (parts.last() != kElementsEntry || parts.size() > 2)
             continue;
@@ -98,6 +102,9 @@ Record* TemplateFileLoader::load(const QString& file, QString* error)
     const std::optional<QByteArray> data = zip.read(elementsEntry, &why);
     if (!data)
         return fail(wrongFormat + QLatin1Char(' ') + why);
+    const QString documentType = TemplateFileCheck::documentType(*data);
+    if (!documentType.isEmpty())
+        return fail(wrongFormat + QLatin1Char(' ') + documentType);
     const QVariant root = support::PropertyList::parse(*data, &why);
     if (!root.isValid())
         return fail(wrongFormat + QLatin1Char(' ') +
@@ -110,11 +117,23 @@ Record* TemplateFileLoader::load(const QString& file, QString* error)
         return fail(wrongFormat + QLatin1Char(' ') + tr("Its elements are not a list."));
 
     // Everything is checked before anything is inserted.
+    const store::DataModel& model = m_context.store().model();
+    QString problem =
+        TemplateFileCheck::valueTypes(*model.entity(QStringLiteral("Templates")), templateValues);
+    if (problem.isEmpty())
+        problem = TemplateFileCheck::templateValues(templateValues);
+    if (!problem.isEmpty())
+        return fail(wrongFormat + QLatin1Char(' ') + problem);
     QList<QVariantMap> elements;
     for (const QVariant& element : elementsValue.toList()) {
         if (element.typeId() != QMetaType::QVariantMap)
             return fail(wrongFormat + QLatin1Char(' ') + tr("One of its elements is not a dictionary."));
         const QVariantMap values = element.toMap();
+        problem = TemplateFileCheck::valueTypes(*model.entity(QStringLiteral("TemplateElements")), values);
+        if (problem.isEmpty())
+            problem = TemplateFileCheck::elementValues(values);
+        if (!problem.isEmpty())
+            return fail(wrongFormat + QLatin1Char(' ') + problem);
         if (values.value(QStringLiteral("type")).toString() == kImageType) {
             const QString picture = values.value(QStringLiteral("format")).toString();
             if (picture.isEmpty())
@@ -128,6 +147,12 @@ Record* TemplateFileLoader::load(const QString& file, QString* error)
             if (!present)
                 return fail(wrongFormat + QLatin1Char(' ') +
                             tr("The picture \"%1\" is missing.").arg(picture));
+            const std::optional<QByteArray> pictureData = zip.read(folder + picture, &why);
+            if (!pictureData)
+                return fail(wrongFormat + QLatin1Char(' ') + why);
+            problem = TemplateFileCheck::picture(picture, *pictureData);
+            if (!problem.isEmpty())
+                return fail(wrongFormat + QLatin1Char(' ') + problem);
         }
         elements.append(values);
     }

@@ -14,8 +14,9 @@ namespace corvanta::templates {
 // "template_elements" and the pictures of its image elements) into a new `Templates` record
 // with its `TemplateElements`. Each gets a fresh `identifier`; colours are read from the same
 // RGBA text the store keeps them in; pictures are copied into the template files folder under
-// names formed with the new element's identifier. The archive is read defensively and a file
-// that fails leaves nothing behind, neither records nor pictures.
+// names formed with the new element's identifier. The archive is read defensively (see
+// TemplateFileCheck: packing, document type, value kinds, pictures) and a file that fails leaves
+// nothing behind, neither records nor pictures; nothing is unpacked anywhere else.
 class TemplateFileLoader
 {
     Q_DECLARE_TR_FUNCTIONS(TemplateFileLoader)
