@@ -16,10 +16,10 @@ FieldReplacer::FieldReplacer(const store::EntityDescription& entity, const QStri
 {
     for (const store::AttributeDescription& attribute : entity.attributes()) {
         if (!skippedKeys.contains(attribute.name))
-            m_keys.append(attribute.name);
+            m_keys.append({attribute.name, QLatin1Char('@') + attribute.name});
     }
     std::stable_sort(m_keys.begin(), m_keys.end(),
-                     [](const QString& a, const QString& b) { return a.size() > b.size(); });
+                     [](const Key& a, const Key& b) { return a.name.size() > b.name.size(); });
 }
 
 QString FieldReplacer::replaced(const QString& text, const store::Record& record,
@@ -28,9 +28,9 @@ QString FieldReplacer::replaced(const QString& text, const store::Record& record
     if (!text.contains(QLatin1Char('@')))
         return text;
     QString result = text;
-    for (const QString& key : m_keys) {
-        if (result.contains(QLatin1Char('@') + key))
-            result = replacedText(m_entity, key, result, record.value(key), currency);
+    for (const Key& key : m_keys) {
+        if (result.contains(key.token))
+            result = replacedText(m_entity, key.name, result, record.value(key.name), currency);
     }
     return result;
 }

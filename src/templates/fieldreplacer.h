@@ -37,8 +37,14 @@ public:
     static QString shortDate(const QVariant& value);
 
 private:
+    struct Key
+    {
+        QString name;
+        QString token; // "@" + name
+    };
+
     const store::EntityDescription& m_entity;
-    QStringList m_keys; // longest first
+    QList<Key> m_keys; // longest first
 };
 
 } // namespace corvanta::templates
