@@ -85,7 +85,7 @@ FilledTemplate DocumentFiller::fill(const QList<store::Record*>& elements, store
     // The page sections. A text that shows the exchange rate is dropped whole for a document in
     // the default currency; it is judged by the element's own text, before the rate is put in.
     filled.page = fresh;
-    const FieldReplacer documentFields(document->entity());
+    const FieldReplacer documentFields(document->entity(), currency);
     filling::replaceTexts(
         filled.page,
         [](const WorkingElement& e) {
@@ -94,7 +94,7 @@ FilledTemplate DocumentFiller::fill(const QList<store::Record*>& elements, store
         [&](const QString& text) {
             if (defaultCurrencyRate && text.contains(QLatin1String("exchange_rate")))
                 return QString();
-            return documentFields.replaced(text, *document, currency);
+            return documentFields.replaced(text, *document);
         });
 
     // One details set per row.
@@ -104,14 +104,14 @@ FilledTemplate DocumentFiller::fill(const QList<store::Record*>& elements, store
     });
     const WorkingElements details = filling::ofSection(fresh, s("details"));
     if (!rows.isEmpty()) {
-        const FieldReplacer rowFields(rows.first()->entity());
+        const FieldReplacer rowFields(rows.first()->entity(), currency);
         filled.rows.reserve(rows.size());
         for (const store::Record* row : std::as_const(rows)) {
             TableEntry entry;
             entry.values = details;
             filling::replaceTexts(
                 entry.values, [](const WorkingElement&) { return true; },
-                [&](const QString& text) { return rowFields.replaced(text, *row, currency); });
+                [&](const QString& text) { return rowFields.replaced(text, *row); });
             filled.rows.append(entry);
         }
     }

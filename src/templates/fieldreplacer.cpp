@@ -1,6 +1,6 @@
 #include "fieldreplacer.h"
 
-#include "format/formattedcurrency.h"
+#include "format/currencyformatter.h"
 #include "format/nodigitlimitnumberformatter.h"
 #include "store/entitydescription.h"
 #include "store/record.h"
@@ -11,27 +11,61 @@
 
 namespace corvanta::templates {
 
-FieldReplacer::FieldReplacer(const store::EntityDescription& entity, const QStringList& skippedKeys)
-    : m_entity(entity)
+struct FieldReplacer::Writers
+{
+    explicit Writers(const store::Record* currency)
+        : amount(currency)
+        , quantity(currency)
+    {}
+
+    format::CurrencyFormatter amount;
+    format::NoDigitLimitNumberFormatter quantity;
+};
+
+FieldReplacer::FieldReplacer(const store::EntityDescription& entity, const store::Record* currency,
+                             const QStringList& skippedKeys)
+    : m_writers(std::make_unique<Writers>(currency))
 {
     for (const store::AttributeDescription& attribute : entity.attributes()) {
         if (!skippedKeys.contains(attribute.name))
-            m_keys.append({attribute.name, QLatin1Char('@') + attribute.name});
+            m_keys.append(&attribute);
     }
     std::stable_sort(m_keys.begin(), m_keys.end(),
-                     [](const Key& a, const Key& b) { return a.name.size() > b.name.size(); });
+                     [](const auto* a, const auto* b) { return a->name.size() > b->name.size(); });
 }
 
-QString FieldReplacer::replaced(const QString& text, const store::Record& record,
-                                const store::Record* currency) const
+FieldReplacer::~FieldReplacer() = default;
+
+QString FieldReplacer::replaced(const QString& text, const store::Record& record) const
 {
-    if (!text.contains(QLatin1Char('@')))
+    qsizetype at = text.indexOf(QLatin1Char('@'));
+    if (at < 0)
         return text;
-    QString result = text;
-    for (const Key& key : m_keys) {
-        if (result.contains(key.token))
-            result = replacedText(m_entity, key.name, result, record.value(key.name), currency);
+    QString result;
+    qsizetype from = 0;
+    for (; at >= 0; at = text.indexOf(QLatin1Char('@'), from)) {
+        result += QStringView(text).mid(from, at - from);
+        const QStringView rest = QStringView(text).mid(at + 1);
+        std::optional<QString> value;
+        qsizetype length = 0;
+        for (const store::AttributeDescription* key : m_keys) {
+            if (!rest.startsWith(key->name))
+                continue;
+            value = formattedValue(*key, record.value(key->name), *m_writers);
+            if (value) {
+                length = key->name.size();
+                break;
+            }
+        }
+        if (value) {
+            result += *value;
+            from = at + 1 + length;
+        } else {
+            result += QLatin1Char('@');
+            from = at + 1;
+        }
     }
+    result += QStringView(text).mid(from);
     return result;
 }
 
@@ -42,32 +76,33 @@ QString FieldReplacer::replacedText(const store::EntityDescription& entity, cons
     if (!text.contains(token))
         return text;
     const store::AttributeDescription* attribute = entity.attribute(key);
-    if (!attribute)
+    const std::optional<QString> replacement =
+        attribute ? formattedValue(*attribute, value, Writers(currency)) : std::nullopt;
+    if (!replacement)
         return text;
+    QString result = text;
+    return result.replace(token, *replacement);
+}
 
-    QString replacement;
-    switch (attribute->type) {
+std::optional<QString> FieldReplacer::formattedValue(const store::AttributeDescription& attribute,
+                                                     const QVariant& value, const Writers& writers)
+{
+    switch (attribute.type) {
     case store::AttributeType::String:
-        replacement = value.isNull() ? QString() : value.toString();
-        break;
+        return value.isNull() ? QString() : value.toString();
     case store::AttributeType::Decimal:
         if (value.isNull())
-            return text;
-        if (key == QLatin1String("quantity") || key == QLatin1String("stock"))
-            replacement = formattedNumber(value.toDouble(), currency);
-        else
-            replacement = format::formattedCurrency(value.toDouble(), currency);
-        break;
+            return std::nullopt;
+        if (attribute.name == QLatin1String("quantity") || attribute.name == QLatin1String("stock"))
+            return writers.quantity.stringFromNumber(value.toDouble());
+        return writers.amount.stringFromNumber(value.toDouble());
     case store::AttributeType::Date:
         if (value.isNull())
-            return text;
-        replacement = shortDate(value);
-        break;
+            return std::nullopt;
+        return shortDate(value);
     default:
-        return text;
+        return std::nullopt;
     }
-    QString result = text;
-    return result.replace(token, replacement);
 }
 
 QString FieldReplacer::formattedNumber(double number, const store::Record* currency)

@@ -3,8 +3,11 @@
 #include <QString>
 #include <QStringList>
 #include <QVariant>
+#include <memory>
+#include <optional>
 
 namespace corvanta::store {
+struct AttributeDescription;
 class EntityDescription;
 class Record;
 } // namespace corvanta::store
@@ -16,13 +19,18 @@ namespace corvanta::templates {
 class FieldReplacer
 {
 public:
-    // Walks every attribute of `entity` except `skippedKeys`.
-    explicit FieldReplacer(const store::EntityDescription& entity, const QStringList& skippedKeys = {});
+    // Walks every attribute of `entity` except `skippedKeys`, writing amounts in `currency`.
+    FieldReplacer(const store::EntityDescription& entity, const store::Record* currency,
+                  const QStringList& skippedKeys = {});
+    ~FieldReplacer();
+    FieldReplacer(const FieldReplacer&) = delete;
+    FieldReplacer& operator=(const FieldReplacer&) = delete;
 
-    // Every attribute reference of `text` replaced by `record`'s value, amounts in `currency`.
-    // Longer keys are replaced first, so that a key which begins another (`note` and
-    // `note_header`) never cuts the longer reference apart.
-    QString replaced(const QString& text, const store::Record& record, const store::Record* currency) const;
+    // Every attribute reference of `text` replaced by `record`'s value, as replacedText does key
+    // by key with the longer keys first: a key that begins another (`note` of `note_header`)
+    // never cuts the longer reference apart. The values put in are not searched again, so a
+    // value holding an "@" stays as it is.
+    QString replaced(const QString& text, const store::Record& record) const;
 
     // Every "@" + `key` of `text` replaced by `value` formatted by the attribute's type:
     // a string as it stands ("" for none); a decimal with `formattedNumber` for "quantity" and
@@ -37,14 +45,14 @@ public:
     static QString shortDate(const QVariant& value);
 
 private:
-    struct Key
-    {
-        QString name;
-        QString token; // "@" + name
-    };
+    struct Writers; // the formatters of one currency
 
-    const store::EntityDescription& m_entity;
-    QList<Key> m_keys; // longest first
+    // The value as the attribute's type writes it; nothing when the reference is to stay.
+    static std::optional<QString> formattedValue(const store::AttributeDescription& attribute,
+                                                 const QVariant& value, const Writers& writers);
+
+    QList<const store::AttributeDescription*> m_keys; // longest name first
+    std::unique_ptr<Writers> m_writers;
 };
 
 } // namespace corvanta::templates

@@ -113,7 +113,7 @@ private:
     {
         std::unique_ptr<FieldReplacer>& replacer = m_replacers[record.entityName()];
         if (!replacer)
-            replacer = std::make_unique<FieldReplacer>(record.entity(), skipped);
+            replacer = std::make_unique<FieldReplacer>(record.entity(), m_currency, skipped);
         return *replacer;
     }
 
@@ -126,7 +126,7 @@ private:
             return summaryLines(text, record);
         if (m_type == TemplateTypes::ClientReport || m_type == TemplateTypes::ItemReport)
             return summaryRow(text, row);
-        return replacerFor(record).replaced(text, record, m_currency);
+        return replacerFor(record).replaced(text, record);
     }
 
     // A client or item with its sums; the relationships' fields and a client's first phone
@@ -154,7 +154,7 @@ private:
         for (const char* key : kDocumentSums)
             text = FieldReplacer::replacedText(record.entity(), s(key), text, documentSum(row, s(key)),
                                                m_currency);
-        text = replacerFor(record, skipped).replaced(text, record, m_currency);
+        text = replacerFor(record, skipped).replaced(text, record);
         if (m_type == TemplateTypes::ItemReport && text.contains(QLatin1String("@stock"))) {
             const QVariant stock = record.value(s("stock_current"));
             if (!stock.isNull())

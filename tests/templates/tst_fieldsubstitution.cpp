@@ -3,7 +3,6 @@
 #include "model/companyrecord.h"
 #include "model/defaultrecords.h"
 #include "model/documentrowsrecord.h"
-#include "predicate/literal.h"
 #include "store/fetchrequest.h"
 #include "templates/demorecords.h"
 #include "templates/documentfiller.h"
@@ -311,10 +310,13 @@ void tst_FieldSubstitution::longerKeysReplacedFirst()
     Record* document = company.main().insertRecord(
         s("Documents"),
         {{s("note"), s("N")}, {s("note_header"), s("H")}, {s("client_full_name"), s("Acme")}});
-    const FieldReplacer replacer(document->entity());
+    const FieldReplacer replacer(document->entity(), company.euro());
     QCOMPARE(replacer.replaced(s("@note_header|@note|@client_full_name|@client_full|@page_number_total"),
-                               *document, company.euro()),
+                               *document),
              s("H|N|Acme|@client_full|@page_number_total"));
+    // A value is put in as it stands, never searched for references itself.
+    document->setValue(s("client_full_name"), s("Acme @note"));
+    QCOMPARE(replacer.replaced(s("@client_full_name@note"), *document), s("Acme @noteN"));
 }
 
 void tst_FieldSubstitution::document_data()
