@@ -132,6 +132,7 @@ private Q_SLOTS:
     void initTestCase();
     void conversions_data();
     void conversions();
+    void everyFieldRoundTrips();
     void customFieldDefinitions();
     void fieldMenu();
     void replacement_data();
@@ -196,6 +197,27 @@ void tst_FieldSubstitution::conversions()
     QCOMPARE(lists.formatToUserFriendly(stored), friendly);
     QCOMPARE(lists.formatToDatabase(friendly, element), stored);
     QCOMPARE(element->value(s("format")).toString(), stored);
+}
+
+// With the default custom fields no name of a type's lists hides another: every field converts
+// to its friendly name and back by itself and within a text of all of them.
+void tst_FieldSubstitution::everyFieldRoundTrips()
+{
+    Company company;
+    for (const qint64 type : TemplateTypes::all()) {
+        const FieldLists lists(company.main(), int(type));
+        QStringList tokens;
+        QStringList friendly;
+        for (const auto& field : lists.all()) {
+            QCOMPARE(lists.formatToUserFriendly(field.token), QLatin1Char('@') + field.friendlyName);
+            QCOMPARE(lists.formatToDatabase(QLatin1Char('@') + field.friendlyName, nullptr), field.token);
+            tokens << field.token;
+            friendly << QLatin1Char('@') + field.friendlyName;
+        }
+        QCOMPARE(lists.formatToUserFriendly(tokens.join(QLatin1Char(' '))), friendly.join(QLatin1Char(' ')));
+        QCOMPARE(lists.formatToDatabase(friendly.join(QLatin1Char(' ')), nullptr),
+                 tokens.join(QLatin1Char(' ')));
+    }
 }
 
 void tst_FieldSubstitution::customFieldDefinitions()
