@@ -22,10 +22,11 @@ QString PdfFileNames::clearedPDFFileName(const QString& name)
                  c != QChar::ParagraphSeparator)
             cleared += c;
     }
-    cleared = cleared.trimmed();
-    while (cleared.startsWith(QLatin1Char('.')))
-        cleared.remove(0, 1);
-    cleared = cleared.trimmed();
+    // A leading dot hides a file; blanks before it would only hide the dot.
+    qsizetype start = 0;
+    while (start < cleared.size() && (cleared.at(start) == QLatin1Char('.') || cleared.at(start).isSpace()))
+        ++start;
+    cleared = cleared.mid(start).trimmed();
     if (cleared.isEmpty())
         cleared = QStringLiteral("Untitled");
 
