@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QCoreApplication>
 #include <QList>
 #include <QString>
 
@@ -17,8 +16,6 @@ namespace corvanta::templates {
 // and the field menu walk them.
 class FieldLists
 {
-    Q_DECLARE_TR_FUNCTIONS(FieldLists)
-
 public:
     struct Field
     {
@@ -44,7 +41,9 @@ public:
     // header (grouped), details, details footer (grouped), table footer, document footer.
     QList<Field> all() const;
 
-    // Tokens become "@" + friendly name.
+    // Tokens become "@" + friendly name. Where several names start at one "@", the longest is
+    // taken ("@page_number_total", not "@page_number" and "_total"); of equally long ones the
+    // first in the lists (a custom field labelled like a built-in one gives the built-in field).
     QString formatToUserFriendly(const QString& text) const;
     // "@" + friendly name becomes the token; the result is also stored in `element`'s
     // `format` when an element is given.
