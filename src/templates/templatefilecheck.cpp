@@ -143,7 +143,12 @@ QString TemplateFileCheck::picture(const QString& name, const QByteArray& data)
     QImageReader reader(&buffer);
     reader.setDecideFormatFromContent(true);
     const QByteArray format = reader.canRead() ? reader.format().toLower() : QByteArray();
-    if (format.isEmpty() || format.startsWith("svg") || reader.read().isNull())
+    if (format.isEmpty() || format.startsWith("svg"))
+        return tr("The picture \"%1\" is not a picture.").arg(name);
+    const QSize size = reader.size();
+    if (size.isValid() && qint64(size.width()) * size.height() > kMaxPicturePixels)
+        return tr("The picture \"%1\" is too large.").arg(name);
+    if (reader.read().isNull())
         return tr("The picture \"%1\" is not a picture.").arg(name);
     return {};
 }

@@ -39,8 +39,11 @@ public:
     // An element's `type` must be a known kind and its `page_side` one of the three.
     static QString elementValues(const QVariantMap& values);
 
-    // A picture must be of a raster format Qt reads, and decode. Vector pictures are refused:
-    // they may refer to other files.
+    // More pixels than this are refused undecoded: far more than any logo needs.
+    static constexpr qint64 kMaxPicturePixels = 40'000'000;
+
+    // A picture must be of a raster format Qt reads, of a sensible size, and decode. Vector
+    // pictures are refused: they may refer to other files.
     static QString picture(const QString& name, const QByteArray& data);
 };
 

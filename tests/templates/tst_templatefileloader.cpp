@@ -33,19 +33,21 @@ void writeArchive(const QString& path, const Entries& entries)
     QVERIFY2(zip.close(&error), qPrintable(error));
 }
 
+quint32 crc32(const QByteArray& data)
+{
+    quint32 crc = 0xffffffff;
+    for (const char byte : data) {
+        crc ^= quint8(byte);
+        for (int bit = 0; bit < 8; ++bit)
+            crc = (crc >> 1) ^ (0xedb88320 & (0u - (crc & 1)));
+    }
+    return ~crc;
+}
+
 // An archive of stored entries written byte by byte, for what the writer never makes: each
 // entry with its Unix file mode.
 QByteArray rawArchive(const QList<std::tuple<QString, QByteArray, quint32>>& entries)
 {
-    const auto crc32 = [](const QByteArray& data) {
-        quint32 crc = 0xffffffff;
-        for (const char byte : data) {
-            crc ^= quint8(byte);
-            for (int bit = 0; bit < 8; ++bit)
-                crc = (crc >> 1) ^ (0xedb88320 & (0u - (crc & 1)));
-        }
-        return ~crc;
-    };
     QByteArray archive, directory;
     QDataStream out(&archive, QIODevice::WriteOnly), dir(&directory, QIODevice::WriteOnly);
     out.setByteOrder(QDataStream::LittleEndian);
@@ -79,6 +81,19 @@ QByteArray pngPicture()
     buffer.open(QIODevice::WriteOnly);
     image.save(&buffer, "PNG");
     return data;
+}
+
+// The picture with a header that claims `side` × `side` pixels.
+QByteArray pngClaiming(quint32 side)
+{
+    QByteArray png = pngPicture();
+    QByteArray header;
+    QDataStream out(&header, QIODevice::WriteOnly);
+    out << side << side;
+    png.replace(16, 8, header); // width and height of the IHDR chunk
+    QByteArray crc;
+    QDataStream(&crc, QIODevice::WriteOnly) << crc32(png.mid(12, 17));
+    return png.replace(29, 4, crc);
 }
 
 const QByteArray kPlistDocumentType = "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
@@ -279,6 +294,8 @@ void tst_TemplateFileLoader::badFilesLeaveNothing_data()
     row("text as a picture", withPicture("Dear Sir,"), "The picture \"logo.png\" is not a picture.");
     row("a cut-off picture", withPicture(pngPicture().left(40)),
         "The picture \"logo.png\" is not a picture.");
+    row("a picture of a billion pixels", withPicture(pngClaiming(32000)),
+        "The picture \"logo.png\" is too large.");
     row("a vector picture",
         withPicture("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"4\" height=\"4\"/>"),
         "The picture \"logo.png\" is not a picture.");
