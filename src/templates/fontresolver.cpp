@@ -23,6 +23,7 @@ QString standIn(const QString& squeezedFamily)
     static const QHash<QString, QString> standIns{
         {QStringLiteral("helvetica"), QStringLiteral("Liberation Sans")},
         {QStringLiteral("arial"), QStringLiteral("Liberation Sans")},
+        {QStringLiteral("helveticaneue"), QStringLiteral("Liberation Sans")},
         {QStringLiteral("times"), QStringLiteral("Liberation Serif")},
         {QStringLiteral("timesnewroman"), QStringLiteral("Liberation Serif")},
         {QStringLiteral("courier"), QStringLiteral("Liberation Mono")},

@@ -1,8 +1,10 @@
 #include "styledtext.h"
 
+#include <QFontMetricsF>
 #include <QPainter>
 #include <QRegularExpression>
 #include <QTextLayout>
+#include <optional>
 
 namespace corvanta::templates {
 
@@ -86,8 +88,44 @@ const std::vector<StyledText::Paragraph>& StyledText::laidOut(double width) cons
     return m_paragraphs;
 }
 
+bool StyledText::plainlyFitsOneLine(double width) const
+{
+    // Shaping never makes a line of these characters much wider than their advances added up
+    // (kerning mostly narrows it); a text well inside the width keeps to one line.
+    constexpr double kShapingAllowance = 0.97;
+    std::optional<QFontMetricsF> metrics;
+    double advance = 0;
+    for (const QChar c : m_text) {
+        if (c.isSurrogate() || c.category() == QChar::Mark_NonSpacing ||
+            c.category() == QChar::Other_Control || c == QChar::LineSeparator ||
+            c == QChar::ParagraphSeparator)
+            return false;
+        auto found = m_style->advances.constFind(c.unicode());
+        if (found == m_style->advances.constEnd()) {
+            if (!metrics)
+                metrics.emplace(m_style->font);
+            found = m_style->advances.insert(c.unicode(),
+                                             metrics->inFont(c) ? metrics->horizontalAdvance(c) : -1);
+        }
+        if (*found < 0)
+            return false;
+        advance += *found;
+        if (advance > width * kShapingAllowance)
+            return false;
+    }
+    return true;
+}
+
 double StyledText::height(double width) const
 {
+    if (m_width != width && !m_text.isEmpty() && plainlyFitsOneLine(width)) {
+        if (m_style->lineHeight < 0) {
+            const StyledText sample(*m_style, QStringLiteral("X"));
+            sample.laidOut(width);
+            m_style->lineHeight = sample.m_height;
+        }
+        return m_style->lineHeight;
+    }
     laidOut(width);
     return m_height;
 }

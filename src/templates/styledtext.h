@@ -2,6 +2,7 @@
 
 #include <QColor>
 #include <QFont>
+#include <QHash>
 #include <QRectF>
 #include <QString>
 #include <memory>
@@ -21,6 +22,12 @@ struct TextStyle
     QColor color = Qt::black;
     QColor background; // invalid or transparent: nothing behind the glyphs
     int alignment = 0;
+
+    // Measured once per style, so that a text that plainly fits on one line is measured without
+    // being laid out: the height of one line, and the advance of every character met so far
+    // (negative for one the font lacks).
+    mutable double lineHeight = -1;
+    mutable QHash<char16_t, double> advances;
 };
 
 // A text in its element's style, broken into lines by word wrap at a given width (a word wider
@@ -41,6 +48,7 @@ public:
 
 private:
     struct Paragraph;
+    bool plainlyFitsOneLine(double width) const;
     const std::vector<Paragraph>& laidOut(double width) const;
 
     const TextStyle* m_style;
