@@ -107,6 +107,9 @@ Record* DemoRecords::testDocument(store::EditingContext& scratch, const QDateTim
                        {s("note_footer"), s("Document Footer Text")},
                        {s("number_formatted"), s("2014/001234")},
                        {s("payment_type_name"), s("Bank Transfer")},
+                       // In the default currency, as its currencies say: a rate text vanishes
+                       // as it does on such a document.
+                       {s("exchange_rate"), 1.0},
                        {s("sum_net"), 10000.0},
                        {s("sum_total"), 11000.0},
                        {s("client_full_name"), s("Demo Client Company Name")},

@@ -18,7 +18,8 @@ class DemoRecords
 {
 public:
     // The demo document: 15 rows, a client, the own company and one tax summary per tax of the
-    // rows, dated around `now`.
+    // rows (with the rows' amounts), dated around `now`, in the company's default currency at
+    // the rate 1.
     static store::Record* testDocument(store::EditingContext& scratch,
                                        const QDateTime& now = QDateTime::currentDateTime());
 

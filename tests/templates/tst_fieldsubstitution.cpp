@@ -535,8 +535,9 @@ void tst_FieldSubstitution::demoDocument()
           "Custom 5|50.00 €|Tax Name|Unit"));
     QCOMPARE(texts(filled.tableFooter, "table_footer"),
              model::CompanyRecord::defaultRecord(*scratch, s("default_tax"))->value(s("name")).toString());
-    QCOMPARE(valuesOf(document, {"sum_net", "sum_total", "currency.code", "summaries.@count"}),
-             s("10000 | 11000 | EUR | 1"));
+    QCOMPARE(
+        valuesOf(document, {"sum_net", "sum_total", "currency.code", "exchange_rate", "summaries.@count"}),
+        s("10000 | 11000 | EUR | 1 | 1"));
     // Nothing of it reaches the company's database.
     QCOMPARE(company.main().count(store::FetchRequest(s("Documents"))), 0);
 }
