@@ -104,6 +104,7 @@ private Q_SLOTS:
     void defaultIsPerType();
     void exportThenImportGivesEqualValues();
     void importStopsAtTheFirstBadFile();
+    void failedSaveLeavesNoCopy();
 };
 
 void tst_TemplateLibrary::addRowStartsWithTheTypesSections_data()
@@ -312,6 +313,24 @@ void tst_TemplateLibrary::importStopsAtTheFirstBadFile()
     QCOMPARE(alerts(f.prompter), QStringList{s("Unsuccessful Import | The file format is wrong. | OK")});
     f.st.reopen();
     QCOMPARE(f.count("Templates"), 2);
+}
+
+void tst_TemplateLibrary::failedSaveLeavesNoCopy()
+{
+    Fixture f;
+    Record* source = f.addTemplate(0, s("Invoice"), s("logo.png"));
+    Record* cheque = f.st.main().insertRecord(s("PaymentTypes"), {{s("name"), s("Cheque")}});
+    f.st.main().insertRecord(s("Documents"), {{s("type"), 0}})->setRelated(s("payment_type"), cheque);
+    saveOrFail(f.st.main());
+    f.st.main().deleteRecord(cheque); // refused by the save: a document uses it
+
+    QVERIFY(!f.library.duplicateRow(source, TemplateLibrary::kPlainCopy));
+    QCOMPARE(alerts(f.prompter),
+             QStringList{s("The changes could not be saved. | A record of PaymentTypes cannot be "
+                           "deleted while 1 record(s) of Documents use it. | OK")});
+    QCOMPARE(f.count("Templates"), 1);
+    QCOMPARE(f.count("PaymentTypes"), 1);
+    QCOMPARE(QDir(f.folder.path()).entryList(QDir::Files), QStringList{s("logo.png")});
 }
 
 QTEST_GUILESS_MAIN(tst_TemplateLibrary)
