@@ -8,7 +8,7 @@
 #include "templatetypes.h"
 
 #include <QBuffer>
-#include <QFileInfo>
+#include <QGuiApplication>
 #include <QPainter>
 #include <QPdfWriter>
 #include <QSaveFile>
@@ -107,6 +107,13 @@ QList<DocumentPDFPage> DesignManager::createPages(const FilledTemplate& filled)
 
 bool DesignManager::writePdf(const FilledTemplate& filled, QIODevice* device, int* pageCount, QString* error)
 {
+    // Fonts are known only to a graphical application object (offscreen will do); without one
+    // Qt would abort at the first text.
+    if (!qobject_cast<QGuiApplication*>(QCoreApplication::instance())) {
+        if (error)
+            *error = tr("PDF files can only be made by a program started as a graphical application.");
+        return false;
+    }
     const QList<DocumentPDFPage> pages = createPages(filled);
     QPdfWriter writer(device);
     setUpPage(writer);

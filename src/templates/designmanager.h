@@ -20,7 +20,8 @@ namespace corvanta::templates {
 
 // Renders a filled template into a PDF: measures its sections, distributes the table entries
 // over pages and draws every page. Text is measured on a PDF device of the same resolution as
-// the one that draws it, one point to a device unit.
+// the one that draws it, one point to a device unit. Measuring and drawing text need a
+// QGuiApplication (the offscreen platform serves a program without a display).
 class DesignManager
 {
     Q_DECLARE_TR_FUNCTIONS(DesignManager)
