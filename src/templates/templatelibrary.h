@@ -53,7 +53,8 @@ public:
     bool defaultChanged(store::Record* templ);
     bool isDefault(store::Record* templ) const;
 
-    // Writes "<folder>/<name>.corvanta" and reports it; the path written, or empty on failure.
+    // Writes "<folder>/<name>.corvanta" and reports it; the path written, or empty when it cannot
+    // be written (a picture missing, the folder not writable), which is reported too.
     // The message names the desktop when `folder` is the desktop, and the folder otherwise: on
     // this system the user chooses where the file goes.
     QString exportTemplate(store::Record* templ, const QString& folder);
