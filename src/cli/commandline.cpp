@@ -53,7 +53,7 @@ const QList<Command>& CommandLine::commands()
 {
     static const QList<Command> all = generalCommands() + databasesCommands() + clientsCommands() +
                                       itemsCommands() + documentsCommands() + documentActionsCommands() +
-                                      demoCommands();
+                                      printCommands() + templatesCommands() + demoCommands();
     return all;
 }
 

@@ -16,9 +16,14 @@ QList<Command> itemsCommands();
 QList<Command> documentsCommands();       // new, list, show
 QList<Command> documentActionsCommands(); // finalize, cancel, duplicate, pay, settle, delete
 QList<Command> demoCommands();
+QList<Command> templatesCommands(); // list, new, rename, duplicate, delete, default, export, import, preview
+QList<Command> printCommands();     // documents pdf, reports pdf
 
 // What a command that made or changed a document prints: its number (or draft text) and its
 // identifier, or the whole document with --json.
 void printDocumentMade(Invocation& invocation, const store::Record* document);
+
+// What a command that wrote a PDF prints: its path and page count.
+void printPdfWritten(Invocation& invocation, const QString& path, int pages);
 
 } // namespace corvanta::cli

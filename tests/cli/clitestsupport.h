@@ -81,8 +81,13 @@ public:
     {
         return exec(QStringList{s("--database"), database()} + words(line));
     }
+    Run run(const QStringList& arguments) const
+    {
+        return exec(QStringList{s("--database"), database()} + arguments);
+    }
     // The same with --json: the value it printed.
     QJsonValue json(QAnyStringView line) const { return run(s("--json ") + line.toString()).json(); }
+    QJsonValue json(const QStringList& arguments) const { return run(QStringList{s("--json")} + arguments).json(); }
     QJsonObject document(const QString& number) const
     {
         return json(s("documents show ") + number).toObject();

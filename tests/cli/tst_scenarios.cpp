@@ -12,6 +12,7 @@ private Q_SLOTS:
     void init();
     void invoiceToCancelledAndForeignQuotation();
     void numberingWithStartNumberAndDrafts();
+    void templatesAndPdf();
 
 private:
     std::unique_ptr<Cli> m_cli;
@@ -78,6 +79,79 @@ void tst_Scenarios::numberingWithStartNumberAndDrafts()
     run = m_cli->run(s("documents finalize ") + draft);
     QCOMPARE(run.exitCode, 0);
     QVERIFY2(run.err.contains(s("INVOICE/2024-0502 is final already.")), qPrintable(run.err));
+}
+
+void tst_Scenarios::templatesAndPdf()
+{
+    // A new company has the shipped templates, one default per type; the later invoice design is
+    // the default invoice template.
+    const QJsonArray shipped = m_cli->json("templates list").toArray();
+    QCOMPARE(shipped.size(), 13);
+    QString defaultInvoice;
+    QString invoiceTemplate;
+    QString reportTemplate;
+    int defaults = 0;
+    for (const QJsonValue& entry : shipped) {
+        defaults += entry[s("default")].toBool() ? 1 : 0;
+        if (entry[s("type")].toString() == s("invoice") && entry[s("default")].toBool()) {
+            defaultInvoice = entry[s("name")].toString();
+            invoiceTemplate = entry[s("identifier")].toString();
+        }
+        if (entry[s("type")].toString() == s("report_documents"))
+            reportTemplate = entry[s("identifier")].toString();
+    }
+    QCOMPARE(defaults, 12);
+    QVERIFY(!defaultInvoice.isEmpty());
+
+    // A document prints with its template; without -o into the temporary files folder.
+    const QString number =
+        m_cli->json(invoice("--row Bolt;3 --row Labour;1")).toObject()[s("number_formatted")].toString();
+    QJsonObject pdf = m_cli->json(s("documents pdf %1 -o invoice.pdf").arg(number)).toObject();
+    QCOMPARE(pdf[s("path")].toString(), m_cli->path("invoice.pdf"));
+    QCOMPARE(pdf[s("pages")].toInt(), 1);
+    QVERIFY(QFile(m_cli->path("invoice.pdf")).size() > 1000);
+    pdf = m_cli->json(s("documents pdf ") + number).toObject();
+    QVERIFY2(pdf[s("path")].toString().startsWith(m_cli->path("temp/")),
+             qPrintable(pdf[s("path")].toString()));
+    QVERIFY(QFileInfo::exists(pdf[s("path")].toString()));
+
+    // Copied into another type, exported, imported back and previewed.
+    const QJsonObject copy =
+        m_cli->json(s("templates duplicate ") + invoiceTemplate + s(" --as-type quotation")).toObject();
+    QCOMPARE(copy[s("name")].toString(), defaultInvoice + s(" Copy"));
+    QCOMPARE(copy[s("type")].toString(), s("quotation"));
+    const QString exported =
+        m_cli->json(s("templates export %1 --to %2").arg(copy[s("identifier")].toString(), m_cli->home()))
+            .toObject()[s("path")]
+            .toString();
+    QCOMPARE(exported, m_cli->path(defaultInvoice + s(" Copy.corvanta")));
+    const QJsonArray imported = m_cli->json(QStringList{s("templates"), s("import"), exported}).toArray();
+    QCOMPARE(imported.size(), 1);
+    QCOMPARE(imported[0][s("name")].toString(), s("Import ") + defaultInvoice + s(" Copy"));
+    QCOMPARE(imported[0][s("elements")].toInt(), copy[s("elements")].toInt());
+    pdf = m_cli->json(s("templates preview %1 -o report.pdf").arg(reportTemplate)).toObject();
+    QVERIFY(pdf[s("pages")].toInt() >= 1);
+
+    // Refusals change nothing: a report template into a document type, the default template,
+    // a file that is no template.
+    Run run = m_cli->run(s("templates duplicate %1 --as-type invoice").arg(reportTemplate));
+    QCOMPARE(run.exitCode, 1);
+    QVERIFY2(run.err.contains(s("Report templates cannot be duplicated")), qPrintable(run.err));
+    run = m_cli->run(s("templates delete ") + invoiceTemplate);
+    QCOMPARE(run.exitCode, 1);
+    QVERIFY2(run.err.contains(s("because it is in use in 1 document(s).")), qPrintable(run.err));
+    run = m_cli->run(s("templates delete ") + reportTemplate);
+    QCOMPARE(run.exitCode, 1);
+    QVERIFY2(run.err.contains(s("At least one design template is required from this type.")),
+             qPrintable(run.err));
+    QFile bogus(m_cli->path("bogus.corvanta"));
+    QVERIFY(bogus.open(QIODevice::WriteOnly) && bogus.write("not a zip") > 0);
+    bogus.close();
+    run = m_cli->run(QStringList{s("templates"), s("import"), bogus.fileName()});
+    QCOMPARE(run.exitCode, 1);
+    QVERIFY2(run.err.contains(s("The file format is wrong.")), qPrintable(run.err));
+    QCOMPARE(m_cli->json("templates list").toArray().size(), 15);
+    QCOMPARE(m_cli->run(s("templates new --type cheque")).exitCode, 2);
 }
 
 QTEST_GUILESS_MAIN(tst_Scenarios)

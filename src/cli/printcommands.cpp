@@ -1,0 +1,301 @@
+#include "cliprompter.h"
+#include "commandline.h"
+#include "commands.h"
+#include "documents/documenttypes.h"
+#include "model/companyrecord.h"
+#include "output.h"
+#include "predicate/literal.h"
+#include "recordlookup.h"
+#include "session.h"
+#include "store/editingcontext.h"
+#include "store/record.h"
+#include "templates/pdffilenames.h"
+#include "templates/printedoutput.h"
+#include "templates/reportinput.h"
+#include "templates/templatetypes.h"
+#include "valuetext.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFileInfo>
+
+namespace corvanta::cli {
+
+using store::FetchRequest;
+using store::Record;
+using templates::TemplateTypes;
+
+namespace {
+
+QString s(const char* text)
+{
+    return QString::fromLatin1(text);
+}
+
+// The one template that `key` names, by identifier first, then by name; null after reporting.
+Record* templateNamed(Invocation& invocation, const QString& key)
+{
+    store::EditingContext& context = invocation.session.context();
+    for (const char* attribute : {"identifier == %@", "name == %@"}) {
+        const QList<Record*> found =
+            context.fetch(FetchRequest(s("Templates"), predicate::literal(attribute, {key})));
+        if (found.size() == 1)
+            return found.first();
+        if (found.size() > 1) {
+            invocation.refuse(
+                CommandLine::tr("%1 templates are named \"%2\"; name one by its identifier (templates list).")
+                    .arg(found.size())
+                    .arg(key));
+            return nullptr;
+        }
+    }
+    invocation.refuse(CommandLine::tr("There is no template named \"%1\".").arg(key));
+    return nullptr;
+}
+
+Record* company(Invocation& invocation)
+{
+    return model::CompanyRecord::of(invocation.session.context());
+}
+
+int documentPdf(Invocation& invocation)
+{
+    QString error;
+    Record* document =
+        RecordLookup(invocation.session.context()).document(invocation.arguments.words().first(), &error);
+    if (!document)
+        return invocation.refuse(error);
+
+    Record* templateRecord = nullptr;
+    if (invocation.arguments.has(s("template"))) {
+        templateRecord = templateNamed(invocation, invocation.arguments.value(s("template")));
+        if (!templateRecord)
+            return Refused;
+        if (TemplateTypes::isReportTemplate(templateRecord->value(s("type")).toLongLong()))
+            return invocation.refuse(CommandLine::tr("\"%1\" is a report template; a document prints with a "
+                                                     "document template.")
+                                         .arg(templateRecord->value(s("name")).toString()));
+    } else {
+        templateRecord = templates::PrintedOutput::templateOf(document);
+        if (!templateRecord)
+            return invocation.refuse(
+                CommandLine::tr("%1 has no design template, and the company has no default template for "
+                                "its type.")
+                    .arg(document->value(s("number_formatted")).toString()));
+    }
+
+    const QString path = invocation.arguments.has(s("o"))
+                             ? QFileInfo(invocation.arguments.value(s("o"))).absoluteFilePath()
+                             : QDir(invocation.session.tempFilesDirectory())
+                                   .filePath(templates::PdfFileNames::clearedPDFFileName(
+                                       templates::PdfFileNames::documentFileName(*document)));
+    templates::PrintedOutput output(invocation.session.templateFilesDirectory());
+    int pages = 0;
+    if (!output.writeDocument(document, templateRecord, path, &pages, &error))
+        return invocation.refuse(error);
+    printPdfWritten(invocation, path, pages);
+    return Success;
+}
+
+// The documents of the period as the report lists them: by creation date, then number.
+QList<Record*> reportDocuments(Invocation& invocation, const QDate& from, const QDate& to,
+                               qint64 documentType)
+{
+    QStringList conditions;
+    QVariantList arguments;
+    if (from.isValid()) {
+        conditions << s("date_creation >= %@");
+        arguments << QDateTime(from, QTime(0, 0));
+    }
+    if (to.isValid()) {
+        conditions << s("date_creation < %@");
+        arguments << QDateTime(to.addDays(1), QTime(0, 0));
+    }
+    if (documentType >= 0) {
+        conditions << s("type == %@");
+        arguments << documentType;
+    }
+    const QString condition = conditions.isEmpty() ? s("TRUEPREDICATE") : conditions.join(s(" && "));
+    return invocation.session.context().fetch(
+        FetchRequest(s("Documents"), predicate::literal(condition, arguments),
+                     {{s("date_creation"), true}, {s("number"), true}}));
+}
+
+// The four sums a client or an item report shows, over `documents` (rows of `item` when given).
+QVariantMap documentSums(const QList<Record*>& documents, Record* client, Record* item)
+{
+    double net = 0, tax1 = 0, tax2 = 0, total = 0;
+    for (Record* document : documents) {
+        if (client) {
+            if (document->related(s("client")) != client)
+                continue;
+            net += document->value(s("sum_net")).toDouble();
+            tax1 += document->value(s("sum_tax1")).toDouble();
+            tax2 += document->value(s("sum_tax2")).toDouble();
+            total += document->value(s("sum_total")).toDouble();
+            continue;
+        }
+        for (Record* row : document->relatedList(s("rows"))) {
+            if (row->related(s("item")) != item)
+                continue;
+            net += row->value(s("net")).toDouble();
+            tax1 += row->value(s("tax1_value")).toDouble();
+            tax2 += row->value(s("tax2_value")).toDouble();
+            total += row->value(s("total")).toDouble();
+        }
+    }
+    return {{s("documents_sum_net"), net},
+            {s("documents_sum_tax1"), tax1},
+            {s("documents_sum_tax2"), tax2},
+            {s("documents_sum_total"), total}};
+}
+
+templates::ReportInput reportInput(Invocation& invocation, qint64 type, const QList<Record*>& documents)
+{
+    templates::ReportInput input;
+    input.currency = company(invocation) ? company(invocation)->related(s("default_currency")) : nullptr;
+    store::EditingContext& context = invocation.session.context();
+    switch (type) {
+    case TemplateTypes::DocumentReport:
+        for (Record* document : documents)
+            input.rows.append({document, {}, {}});
+        break;
+    case TemplateTypes::DocumentsGroupedReport:
+        for (Record* document : documents) {
+            input.rows.append({document, s("group_header"), {}});
+            QList<Record*> rows = document->relatedList(s("rows"));
+            std::stable_sort(rows.begin(), rows.end(), [](Record* a, Record* b) {
+                return a->value(s("order")).toLongLong() < b->value(s("order")).toLongLong();
+            });
+            for (Record* row : rows)
+                input.rows.append({row, s("group_detail"), {}});
+            input.rows.append({document, s("group_footer"), {}});
+        }
+        break;
+    case TemplateTypes::ClientReport:
+        for (Record* client : context.fetch(
+                 FetchRequest(s("Clients"), {}, {store::SortDescriptor::localized(s("full_name"))})))
+            input.rows.append({client, {}, documentSums(documents, client, nullptr)});
+        break;
+    case TemplateTypes::ItemReport:
+        for (Record* item :
+             context.fetch(FetchRequest(s("Items"), {}, {store::SortDescriptor::localized(s("name"))})))
+            input.rows.append({item, {}, documentSums(documents, nullptr, item)});
+        break;
+    default:
+        break;
+    }
+    return input;
+}
+
+int reportPdf(Invocation& invocation)
+{
+    QDate from;
+    QDate to;
+    if (const int status = invocation.date(s("from"), &from); status != Success)
+        return status;
+    if (const int status = invocation.date(s("to"), &to); status != Success)
+        return status;
+    qint64 documentType = -1;
+    if (invocation.arguments.has(s("type"))) {
+        documentType = TemplateTypes::typeFromText(invocation.arguments.value(s("type")));
+        if (!documents::DocumentTypes::isValid(documentType))
+            return invocation.usageError(
+                CommandLine::tr("\"%1\" is not a document type.").arg(invocation.arguments.value(s("type"))));
+    }
+
+    Record* templateRecord = nullptr;
+    if (invocation.arguments.has(s("template"))) {
+        templateRecord = templateNamed(invocation, invocation.arguments.value(s("template")));
+        if (!templateRecord)
+            return Refused;
+        if (!TemplateTypes::isReportTemplate(templateRecord->value(s("type")).toLongLong()))
+            return invocation.refuse(CommandLine::tr("\"%1\" is not a report template.")
+                                         .arg(templateRecord->value(s("name")).toString()));
+    } else {
+        Record* myCompany = company(invocation);
+        templateRecord =
+            myCompany ? myCompany->related(TemplateTypes::defaultTemplateKey(TemplateTypes::DocumentReport))
+                      : nullptr;
+        if (!templateRecord)
+            return invocation.refuse(CommandLine::tr("The company has no default document report template."));
+    }
+
+    const qint64 type = templateRecord->value(s("type")).toLongLong();
+    const QList<Record*> documents = reportDocuments(invocation, from, to, documentType);
+    templates::ReportInput input = reportInput(invocation, type, documents);
+    input.dateStart = from.isValid()
+                          ? from
+                          : (documents.isEmpty() ? QDate::currentDate()
+                                                 : documents.first()->value(s("date_creation")).toDate());
+    input.dateEnd = to.isValid()
+                        ? to
+                        : (documents.isEmpty() ? QDate::currentDate()
+                                               : documents.last()->value(s("date_creation")).toDate());
+
+    const QString path =
+        invocation.arguments.has(s("o"))
+            ? QFileInfo(invocation.arguments.value(s("o"))).absoluteFilePath()
+            : QDir(invocation.session.tempFilesDirectory())
+                  .filePath(templates::PdfFileNames::clearedPDFFileName(
+                      templates::PdfFileNames::reportFileName(QDateTime::currentDateTime())));
+    templates::PrintedOutput output(invocation.session.templateFilesDirectory());
+    int pages = 0;
+    QString error;
+    if (!output.writeReport(templateRecord, input, path, &pages, &error))
+        return invocation.refuse(error);
+    printPdfWritten(invocation, path, pages);
+    return Success;
+}
+
+} // namespace
+
+QList<Command> printCommands()
+{
+    Command documentPdfCommand;
+    documentPdfCommand.words = QStringList{s("documents"), s("pdf")};
+    documentPdfCommand.synopsis = s("documents pdf NUMBER|IDENTIFIER [-o FILE] [--template NAME|IDENTIFIER]");
+    documentPdfCommand.summary = CommandLine::tr("print a document to a PDF file");
+    documentPdfCommand.help = CommandLine::tr(
+        "Renders the document on A4 pages with its own design template (or the template named)\n"
+        "and writes the PDF to FILE, or without -o into the company's folder of temporary\n"
+        "files under the document's number. Prints the file's path and its page count.\n"
+        "\n"
+        "Options:\n"
+        "  -o FILE                the PDF file to write\n"
+        "  --template TEMPLATE    a document template's name or identifier\n"
+        "\n"
+        "Example:\n"
+        "  corvanta-cli documents pdf INVOICE/2024-0007 -o invoice.pdf");
+    documentPdfCommand.options = {{s("o"), true, false}, {s("template"), true, false}};
+    documentPdfCommand.minWords = 1;
+    documentPdfCommand.maxWords = 1;
+    documentPdfCommand.run = documentPdf;
+
+    Command reportPdfCommand;
+    reportPdfCommand.words = QStringList{s("reports"), s("pdf")};
+    reportPdfCommand.synopsis = s("reports pdf [-o FILE] [--template NAME|IDENTIFIER] [--from YYYY-MM-DD] "
+                                  "[--to YYYY-MM-DD] [--type TYPE]");
+    reportPdfCommand.summary = CommandLine::tr("print a report of the documents to a PDF file");
+    reportPdfCommand.help = CommandLine::tr(
+        "Renders a report through a report template: the documents created in the period (all\n"
+        "without --from and --to, of one document type with --type) one per row for a document\n"
+        "report, with their rows for a grouped report, or the clients or items with their sums\n"
+        "over those documents for a client or item report. Amounts are in the default currency.\n"
+        "Without --template the company's default document report template is used. Writes the\n"
+        "PDF to FILE, or into the company's folder of temporary files. Prints the file's path and\n"
+        "its page count.\n"
+        "\n"
+        "Example:\n"
+        "  corvanta-cli reports pdf --from 2024-01-01 --to 2024-03-31 -o q1.pdf");
+    reportPdfCommand.options = {{s("o"), true, false},
+                                {s("template"), true, false},
+                                {s("from"), true, false},
+                                {s("to"), true, false},
+                                {s("type"), true, false}};
+    reportPdfCommand.run = reportPdf;
+
+    return {documentPdfCommand, reportPdfCommand};
+}
+
+} // namespace corvanta::cli
