@@ -68,8 +68,10 @@ public:
         return element(section, frame, more);
     }
 
+    void setType(qint64 type) { m_template->setValue(s("type"), type); }
+
     // The template filled without field substitution: "@row" in the details texts becomes each
-    // row's text in turn.
+    // row's text in turn. A row "section:text" is an entry drawn as that section.
     FilledTemplate filled(const QStringList& rows) const
     {
         const QList<store::Record*> elements = templates::templateElements(m_template);
@@ -78,9 +80,11 @@ public:
         filled.tableFooter = templates::resetReplaceElements(elements);
         for (const QString& row : rows) {
             TableEntry entry;
+            if (row.contains(QLatin1Char(':')))
+                entry.sectionType = row.section(QLatin1Char(':'), 0, 0);
             entry.values = templates::resetReplaceElements(elements);
             for (templates::WorkingElement& value : entry.values)
-                value.text.replace(s("@row"), row);
+                value.text.replace(s("@row"), row.section(QLatin1Char(':'), -1));
             filled.rows.append(entry);
         }
         return filled;
@@ -224,6 +228,8 @@ private Q_SLOTS:
     void documentFooter_data();
     void documentFooter();
     void pageNumbers();
+    void groupedEntries_data();
+    void groupedEntries();
     void shapes_data();
     void shapes();
     void alignment_data();
@@ -386,6 +392,40 @@ void tst_PageLayout::pageNumbers()
     for (int page = 0; page < 3; ++page)
         QVERIFY2(pdf.text(page).contains(s("Page %1 of 3").arg(page + 1)),
                  qPrintable(pdf.text(page).right(40)));
+}
+
+// A grouped report draws each entry as its own section, with that section's height; any other
+// template draws every entry as details (30 high by the five heights a document reads).
+void tst_PageLayout::groupedEntries_data()
+{
+    QTest::addColumn<qint64>("type");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<double>("footerBelowHeader"); // the group footer's distance under its header
+
+    QTest::newRow("grouped report: own sections") << qint64(110) << "Group A\r\nItem 1\r\nSum A" << 30.0 + 20;
+    QTest::newRow("document: all details") << qint64(0) << "Item A\r\nItem 1\r\nItem A" << 60.0;
+}
+
+void tst_PageLayout::groupedEntries()
+{
+    QFETCH(qint64, type);
+    QFETCH(QString, text);
+    QFETCH(double, footerBelowHeader);
+
+    // Document header, table header, group header, details, group footer, table footer, footer.
+    TemplateFixture t(s("100,40,30,20,25,30,62"), s("100,40,30,20,25,30,62"));
+    t.setType(type);
+    t.addRuler();
+    t.text(s("details_header"), s("Group @row"), {0, 2, 200, 12});
+    t.text(s("details"), s("Item @row"), {0, 2, 200, 12});
+    t.text(s("details_footer"), s("Sum @row"), {0, 2, 200, 12});
+    PdfReader pdf(t.render({s("details_header:A"), s("details:1"), s("details_footer:A")}));
+    QCOMPARE(pdf.text(0).section(s("\r\n"), 1), text);
+    const QString first = text.section(s("\r\n"), 0, 0);
+    const QString last = text.section(s("\r\n"), 2, 2);
+    const QString page = pdf.text(0);
+    const double distance = pdf.box(0, last, page.lastIndexOf(last)).top() - pdf.box(0, first, 20).top();
+    QVERIFY2(near(distance, footerBelowHeader), qPrintable(nearText(distance, footerBelowHeader)));
 }
 
 // Elements on the background (page coordinates, no margins), probed in points on the drawn page.
