@@ -25,6 +25,7 @@ ElementProperties ElementProperties::read(const store::Record& element)
     p.section = element.value(s("section")).toString();
     p.format = element.value(s("format")).toString();
     p.pageSide = integer("page_side");
+    p.zorder = element.value(s("zorder")).toLongLong();
     p.designed = QRectF(number("position_x"), number("position_y"), number("position_width"),
                         number("position_height"));
     p.alignment = integer("alignment");

@@ -18,6 +18,7 @@ struct ElementProperties
     QString section;
     QString format;
     int pageSide = 0;
+    qint64 zorder = 0;
     QRectF designed; // position_x, position_y, position_width, position_height
 
     int alignment = 0;

@@ -74,6 +74,7 @@ FilledSection SectionFiller::fill(const QString& section, const WorkingElements&
                                   int pageNumber, int pageCount, double lineY)
 {
     FilledSection filled;
+    filled.elements.reserve(elements.size());
     const double left = section == QLatin1String("background") ? 0 : m_margins.left();
     double lowestDesigned = 0; // B1
     for (const WorkingElement& working : elements) {
@@ -93,6 +94,13 @@ FilledSection SectionFiller::fill(const QString& section, const WorkingElements&
         lowestDesigned = std::max(lowestDesigned, p.designed.y() + height);
         filled.elements.append(element);
     }
+    // Drawn in ascending `zorder`, as the template's elements are fetched; kept so whatever
+    // order a caller hands them in.
+    const auto byZorder = [](const FilledElement& a, const FilledElement& b) {
+        return a.entry->properties.zorder < b.entry->properties.zorder;
+    };
+    if (!std::is_sorted(filled.elements.cbegin(), filled.elements.cend(), byZorder))
+        std::stable_sort(filled.elements.begin(), filled.elements.end(), byZorder);
 
     // Push-down: an element under one that grew keeps the distance the template gave them.
     QList<qsizetype> byTop(filled.elements.size());
