@@ -19,6 +19,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QLocale>
 #include <QTemporaryDir>
 #include <QTextStream>
 #include <algorithm>
@@ -129,6 +130,10 @@ int main(int argc, char** argv)
     }
     out() << "templates installed from " << shippedTemplates << ": " << company.installedTemplates()
           << Qt::endl;
+    if (company.installedTemplates() == 0) {
+        out() << "no template to render with: build the shipped templates or give --templates" << Qt::endl;
+        return 1;
+    }
     QStringList invoices;
     for (int rows : {kSmallRows, kLargeRows}) {
         const QString identifier = company.addInvoice(cli, corvanta.environment, rows, &error);
@@ -148,7 +153,7 @@ int main(int argc, char** argv)
          {s("documents"), s("pdf"), invoices.at(1)},
          work.filePath(s("invoice-1000.html")),
          0.300},
-        {s("%1-document report").arg(documents),
+        {s("%1-document report").arg(QLocale(QLocale::English).toString(documents)),
          {s("reports"), s("pdf")},
          work.filePath(s("report.html")),
          1.0},
