@@ -87,8 +87,7 @@ int documentPdf(Invocation& invocation)
     const QString path = invocation.arguments.has(s("o"))
                              ? QFileInfo(invocation.arguments.value(s("o"))).absoluteFilePath()
                              : QDir(invocation.session.tempFilesDirectory())
-                                   .filePath(templates::PdfFileNames::clearedPDFFileName(
-                                       templates::PdfFileNames::documentFileName(*document)));
+                                   .filePath(templates::PdfFileNames::documentFileName(*document));
     templates::PrintedOutput output(invocation.session.templateFilesDirectory());
     int pages = 0;
     if (!output.writeDocument(document, templateRecord, path, &pages, &error))
@@ -237,8 +236,7 @@ int reportPdf(Invocation& invocation)
         invocation.arguments.has(s("o"))
             ? QFileInfo(invocation.arguments.value(s("o"))).absoluteFilePath()
             : QDir(invocation.session.tempFilesDirectory())
-                  .filePath(templates::PdfFileNames::clearedPDFFileName(
-                      templates::PdfFileNames::reportFileName(QDateTime::currentDateTime())));
+                  .filePath(templates::PdfFileNames::reportFileName(QDateTime::currentDateTime()));
     templates::PrintedOutput output(invocation.session.templateFilesDirectory());
     int pages = 0;
     QString error;
