@@ -23,6 +23,10 @@ QList<Command> printCommands();     // documents pdf, reports pdf
 // identifier, or the whole document with --json.
 void printDocumentMade(Invocation& invocation, const store::Record* document);
 
+// The one design template that `key` (an identifier or a name) names; null after reporting why
+// there is none.
+store::Record* namedTemplate(Invocation& invocation, const QString& key);
+
 // What a command that wrote a PDF prints: its path and page count.
 void printPdfWritten(Invocation& invocation, const QString& path, int pages);
 

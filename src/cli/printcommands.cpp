@@ -32,27 +32,6 @@ QString s(const char* text)
     return QString::fromLatin1(text);
 }
 
-// The one template that `key` names, by identifier first, then by name; null after reporting.
-Record* templateNamed(Invocation& invocation, const QString& key)
-{
-    store::EditingContext& context = invocation.session.context();
-    for (const char* attribute : {"identifier == %@", "name == %@"}) {
-        const QList<Record*> found =
-            context.fetch(FetchRequest(s("Templates"), predicate::literal(attribute, {key})));
-        if (found.size() == 1)
-            return found.first();
-        if (found.size() > 1) {
-            invocation.refuse(
-                CommandLine::tr("%1 templates are named \"%2\"; name one by its identifier (templates list).")
-                    .arg(found.size())
-                    .arg(key));
-            return nullptr;
-        }
-    }
-    invocation.refuse(CommandLine::tr("There is no template named \"%1\".").arg(key));
-    return nullptr;
-}
-
 Record* company(Invocation& invocation)
 {
     return model::CompanyRecord::of(invocation.session.context());
@@ -68,7 +47,7 @@ int documentPdf(Invocation& invocation)
 
     Record* templateRecord = nullptr;
     if (invocation.arguments.has(s("template"))) {
-        templateRecord = templateNamed(invocation, invocation.arguments.value(s("template")));
+        templateRecord = namedTemplate(invocation, invocation.arguments.value(s("template")));
         if (!templateRecord)
             return Refused;
         if (TemplateTypes::isReportTemplate(templateRecord->value(s("type")).toLongLong()))
@@ -205,7 +184,7 @@ int reportPdf(Invocation& invocation)
 
     Record* templateRecord = nullptr;
     if (invocation.arguments.has(s("template"))) {
-        templateRecord = templateNamed(invocation, invocation.arguments.value(s("template")));
+        templateRecord = namedTemplate(invocation, invocation.arguments.value(s("template")));
         if (!templateRecord)
             return Refused;
         if (!TemplateTypes::isReportTemplate(templateRecord->value(s("type")).toLongLong()))

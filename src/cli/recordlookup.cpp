@@ -136,4 +136,23 @@ Record* RecordLookup::document(const QString& key, QString* error)
     return nullptr;
 }
 
+Record* RecordLookup::designTemplate(const QString& key, QString* error)
+{
+    // An identifier names one template; a name may stand for several.
+    for (const char* condition : {"identifier == %@", "name == %@"}) {
+        const QList<Record*> found =
+            m_context.fetch(request("Templates", QString::fromLatin1(condition), {key}));
+        if (found.size() == 1)
+            return found.first();
+        if (found.size() > 1) {
+            *error = tr("%n templates are named \"%1\"; name one by its identifier (templates list).",
+                        nullptr, int(found.size()))
+                         .arg(key);
+            return nullptr;
+        }
+    }
+    *error = tr("There is no template named \"%1\".").arg(key);
+    return nullptr;
+}
+
 } // namespace corvanta::cli

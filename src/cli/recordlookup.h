@@ -29,6 +29,8 @@ public:
     store::Record* find(Kind kind, const QString& name, QString* error);
     // The one document whose `number_formatted` or `identifier` is `key`.
     store::Record* document(const QString& key, QString* error);
+    // The one design template whose `identifier`, or else whose `name`, is `key`.
+    store::Record* designTemplate(const QString& key, QString* error);
 
 private:
     store::EditingContext& m_context;

@@ -3,6 +3,7 @@
 #include "commands.h"
 #include "output.h"
 #include "predicate/literal.h"
+#include "recordlookup.h"
 #include "session.h"
 #include "store/editingcontext.h"
 #include "store/record.h"
@@ -39,28 +40,6 @@ int countElements(Record* templateRecord)
     return templateRecord->context()->count(store::FetchRequest(
         s("TemplateElements"),
         predicate::literal("template == %@", {QVariant::fromValue(templateRecord->ref())})));
-}
-
-// The one template that `key` names, by identifier first, then by name; null after reporting.
-Record* namedTemplate(Invocation& invocation, const QString& key)
-{
-    store::EditingContext& context = invocation.session.context();
-    const QList<Record*> byIdentifier =
-        context.fetch(store::FetchRequest(s("Templates"), predicate::literal("identifier == %@", {key})));
-    if (byIdentifier.size() == 1)
-        return byIdentifier.first();
-    const QList<Record*> byName =
-        context.fetch(store::FetchRequest(s("Templates"), predicate::literal("name == %@", {key})));
-    if (byName.size() == 1)
-        return byName.first();
-    if (byName.isEmpty())
-        invocation.refuse(CommandLine::tr("There is no template named \"%1\".").arg(key));
-    else
-        invocation.refuse(
-            CommandLine::tr("%1 templates are named \"%2\"; name one by its identifier (templates list).")
-                .arg(byName.size())
-                .arg(key));
-    return nullptr;
 }
 
 // The template type an option names; -1 after a usage error.
@@ -283,6 +262,15 @@ Command command(const char* word, const QString& synopsis, const QString& summar
 }
 
 } // namespace
+
+Record* namedTemplate(Invocation& invocation, const QString& key)
+{
+    QString error;
+    Record* found = RecordLookup(invocation.session.context()).designTemplate(key, &error);
+    if (!found)
+        invocation.refuse(error);
+    return found;
+}
 
 void printPdfWritten(Invocation& invocation, const QString& path, int pages)
 {
