@@ -472,6 +472,15 @@ void tst_PageLayout::shapes_data()
     QTest::newRow("image without opacity: opaque")
         << "shape_image" << QVariantMap{{s("format"), s("blue.png")}} << QPointF(150, 125)
         << QColor(Qt::blue);
+    const QVariantMap lined{{s("format"), s("MM MM")},
+                            {s("font_size"), 20.0},
+                            {s("font_underline"), 1},
+                            {s("font_strikethrough"), 1}};
+    QVariantMap plain = lined;
+    plain.insert({{s("font_underline"), 0}, {s("font_strikethrough"), 0}});
+    QTest::newRow("underline under the space") << "text" << lined << QPointF(136, 119.4) << black;
+    QTest::newRow("strike-through across the space") << "text" << lined << QPointF(136, 111.9) << black;
+    QTest::newRow("no lines without the styles") << "text" << plain << QPointF(136, 119.4) << white;
     QTest::newRow("text background behind the glyphs")
         << "text"
         << QVariantMap{{s("format"), s("MMMM")},
