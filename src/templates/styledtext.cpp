@@ -20,7 +20,7 @@ Qt::Alignment horizontalAlignment(int alignment)
 {
     switch (alignment) {
     case 1:
-        return Qt::AlignRight;
+        return Qt::AlignRight | Qt::AlignAbsolute;
     case 2:
         return Qt::AlignHCenter;
     case 3:
@@ -28,7 +28,7 @@ Qt::Alignment horizontalAlignment(int alignment)
     case 4:
         return Qt::AlignLeading; // natural: the start of the writing direction
     default:
-        return Qt::AlignLeft;
+        return Qt::AlignLeft | Qt::AlignAbsolute; // left even in right-to-left writing
     }
 }
 
