@@ -82,6 +82,13 @@ inline predicate::Predicate where(const QString& keyPath, predicate::Predicate::
     return predicate::Predicate::compare(keyPath, op, value);
 }
 
+// An order's total against the sum of its payments: with Equal, the paid rule.
+inline predicate::Predicate totalAgainstPayments(predicate::Predicate::Operator op)
+{
+    return predicate::Predicate::comparison(predicate::Expression::keyPath(s("total")), op,
+                                            predicate::Expression::keyPath(s("payments.@sum.amount")));
+}
+
 // The values of `key` of the records, in order.
 inline QStringList valuesOf(const QList<Record*>& records, const char* key = "name")
 {

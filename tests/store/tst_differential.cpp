@@ -102,9 +102,7 @@ public:
         case 6:
             return Predicate::compare(s("lines.quantity"), orderOp(), number(), {}, modifier());
         case 7:
-            return Predicate::comparison(Expression::keyPath(s("total")),
-                                         chance(50) ? Op::Equal : Op::NotEqual,
-                                         Expression::keyPath(s("payments.@sum.amount")));
+            return totalAgainstPayments(chance(50) ? Op::Equal : Op::NotEqual);
         case 8:
             return Predicate::compare(
                 pick(QStringList{s("payments.@count"), s("payments.@sum.amount"), s("lines.@sum.quantity")}),
