@@ -71,7 +71,6 @@ void tst_FullDiskFiles::databaseListKeepsTheOldList()
 
     QVERIFY(disk.fill());
     QVERIFY(!DatabaseList::write(list, {entry(folder, "First"), entry(folder, "Second")}, &why));
-    qInfo("Refused: %s", qPrintable(why));
     QVERIFY(!why.isEmpty());
     QCOMPARE(ScratchFolders::readBytes(list), before);
     QCOMPARE(everythingIn(folder), QStringList{QString::fromLatin1(DatabaseList::kFileName)});
@@ -123,7 +122,6 @@ void tst_FullDiskFiles::backupKeepsTheOlderArchive()
     ScratchFolders::writeBytes(QDir(data).filePath(s("templates/logo.png")), picture);
     QVERIFY(disk.fill(spare));
     QVERIFY(!folder.write(archive, comment, &why));
-    qInfo("Refused: %s", qPrintable(why));
     if (disk.kind() == SmallDisk::Kind::Tmpfs && spare > 0)
         QCOMPARE(why, s("The disk is full: the archive \"%1\" could not be written.").arg(archive));
     QCOMPARE(everythingIn(backups.path()), QStringList{QFileInfo(archive).fileName()});
