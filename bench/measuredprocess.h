@@ -6,9 +6,11 @@
 namespace corvanta::bench {
 
 // Runs one program to its end as a child process (an argument list, never a shell) and
-// measures it from the outside: the wall time from start to exit, and the child's peak
-// resident memory as the kernel reports it to wait4(). Standard output and error go to files,
-// so that a failing run can be looked at and a chatty one does not slow the terminal.
+// measures it from the outside: the wall time from start to exit, and its peak resident memory
+// as the kernel reports it to wait4(). The run goes through the small peakmeter program beside
+// this one, so that the peak is the program's own and not this large process's (see
+// peakmeter.cpp). Standard output and error go to files, so that a failing run can be looked
+// at and a chatty one does not slow the terminal.
 class MeasuredProcess
 {
 public:
@@ -35,6 +37,8 @@ public:
     static QString findProgram(const QString& program);
 
 private:
+    static QString peakmeter();
+
     QString m_program;
     QStringList m_arguments;
     QStringList m_environment;
