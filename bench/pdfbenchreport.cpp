@@ -52,7 +52,7 @@ double PdfBenchReport::ratio(const Row& row, PdfEngine::Kind peer) const
 void PdfBenchReport::printTable(QTextStream& out) const
 {
     out << QStringLiteral("%1 %2 %3 %4 %5 %6 %7 %8")
-               .arg(QStringLiteral("input"), -20)
+               .arg(QStringLiteral("input"), -22)
                .arg(QStringLiteral("engine"), -12)
                .arg(QStringLiteral("median"), 11)
                .arg(QStringLiteral("min"), 11)
@@ -68,15 +68,15 @@ void PdfBenchReport::printTable(QTextStream& out) const
             const QString input = i == 0 ? row.input.name : QString();
             if (!engine.isAvailable()) {
                 out << QStringLiteral("%1 %2 missing (not installed; see bench/pdf_engines.sh)")
-                           .arg(input, -20)
+                           .arg(input, -22)
                            .arg(engine.name, -12)
                     << Qt::endl;
             } else if (!f.ran) {
-                out << QStringLiteral("%1 %2 FAILED: %3").arg(input, -20).arg(engine.name, -12).arg(f.failure)
+                out << QStringLiteral("%1 %2 FAILED: %3").arg(input, -22).arg(engine.name, -12).arg(f.failure)
                     << Qt::endl;
             } else {
                 out << QStringLiteral("%1 %2 %3 %4 %5 %6 %7 %8")
-                           .arg(input, -20)
+                           .arg(input, -22)
                            .arg(engine.name, -12)
                            .arg(milliseconds(f.medianSeconds), 11)
                            .arg(milliseconds(f.minSeconds), 11)
