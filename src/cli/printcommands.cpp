@@ -76,56 +76,92 @@ int documentPdf(Invocation& invocation)
 }
 
 // The documents of the period as the report lists them: by creation date, then number.
-QList<Record*> reportDocuments(Invocation& invocation, const QDate& from, const QDate& to,
-                               qint64 documentType)
+// The condition that selects the documents of the period (and of one type), written for records
+// that reach the document through `path` ("" for the documents themselves, "document." for their
+// rows and summaries).
+predicate::Predicate periodCondition(const QString& path, const QDate& from, const QDate& to,
+                                     qint64 documentType)
 {
     QStringList conditions;
     QVariantList arguments;
     if (from.isValid()) {
-        conditions << s("date_creation >= %@");
+        conditions << path + s("date_creation >= %@");
         arguments << QDateTime(from, QTime(0, 0));
     }
     if (to.isValid()) {
-        conditions << s("date_creation < %@");
+        conditions << path + s("date_creation < %@");
         arguments << QDateTime(to.addDays(1), QTime(0, 0));
     }
     if (documentType >= 0) {
-        conditions << s("type == %@");
+        conditions << path + s("type == %@");
         arguments << documentType;
     }
-    const QString condition = conditions.isEmpty() ? s("TRUEPREDICATE") : conditions.join(s(" && "));
-    return invocation.session.context().fetch(
-        FetchRequest(s("Documents"), predicate::literal(condition, arguments),
-                     {{s("date_creation"), true}, {s("number"), true}}));
+    return predicate::literal(conditions.isEmpty() ? s("TRUEPREDICATE") : conditions.join(s(" && ")),
+                              arguments);
 }
 
-// The four sums a client or an item report shows, over `documents` (rows of `item` when given).
-QVariantMap documentSums(const QList<Record*>& documents, Record* client, Record* item)
+// The documents of the period as the report lists them: by creation date, then number. Their
+// summaries (and for a report with document rows, their rows) are read along in one query each,
+// instead of one query per document when the report reaches them.
+QList<Record*> reportDocuments(Invocation& invocation, const QDate& from, const QDate& to,
+                               qint64 documentType, bool withRows)
 {
-    double net = 0, tax1 = 0, tax2 = 0, total = 0;
+    store::EditingContext& context = invocation.session.context();
+    const QList<Record*> documents =
+        context.fetch(FetchRequest(s("Documents"), periodCondition({}, from, to, documentType),
+                                   {{s("date_creation"), true}, {s("number"), true}}));
+    context.fetch(
+        FetchRequest(s("DocumentSummaries"), periodCondition(s("document."), from, to, documentType)));
+    if (withRows)
+        context.fetch(
+            FetchRequest(s("DocumentRows"), periodCondition(s("document."), from, to, documentType)));
+    return documents;
+}
+
+// The four sums a client or an item report shows, over `documents`: per client from the
+// documents' sums, per item from their rows; in one pass over the documents.
+QHash<Record*, QVariantMap> documentSums(const QList<Record*>& documents, bool byItem)
+{
+    struct Sums
+    {
+        double net = 0, tax1 = 0, tax2 = 0, total = 0;
+        void add(const Record* record, const char* net_, const char* tax1_, const char* tax2_,
+                 const char* total_)
+        {
+            net += record->value(s(net_)).toDouble();
+            tax1 += record->value(s(tax1_)).toDouble();
+            tax2 += record->value(s(tax2_)).toDouble();
+            total += record->value(s(total_)).toDouble();
+        }
+    };
+    QHash<Record*, Sums> sums;
     for (Record* document : documents) {
-        if (client) {
-            if (document->related(s("client")) != client)
-                continue;
-            net += document->value(s("sum_net")).toDouble();
-            tax1 += document->value(s("sum_tax1")).toDouble();
-            tax2 += document->value(s("sum_tax2")).toDouble();
-            total += document->value(s("sum_total")).toDouble();
+        if (!byItem) {
+            if (Record* client = document->related(s("client")))
+                sums[client].add(document, "sum_net", "sum_tax1", "sum_tax2", "sum_total");
             continue;
         }
         for (Record* row : document->relatedList(s("rows"))) {
-            if (row->related(s("item")) != item)
-                continue;
-            net += row->value(s("net")).toDouble();
-            tax1 += row->value(s("tax1_value")).toDouble();
-            tax2 += row->value(s("tax2_value")).toDouble();
-            total += row->value(s("total")).toDouble();
+            if (Record* item = row->related(s("item")))
+                sums[item].add(row, "net", "tax1_value", "tax2_value", "total");
         }
     }
-    return {{s("documents_sum_net"), net},
-            {s("documents_sum_tax1"), tax1},
-            {s("documents_sum_tax2"), tax2},
-            {s("documents_sum_total"), total}};
+    QHash<Record*, QVariantMap> result;
+    for (auto it = sums.cbegin(); it != sums.cend(); ++it)
+        result.insert(it.key(), {{s("documents_sum_net"), it->net},
+                                 {s("documents_sum_tax1"), it->tax1},
+                                 {s("documents_sum_tax2"), it->tax2},
+                                 {s("documents_sum_total"), it->total}});
+    return result;
+}
+
+// A client or item without documents in the period shows zero sums.
+QVariantMap sumsOf(const QHash<Record*, QVariantMap>& sums, Record* record)
+{
+    return sums.value(record, {{s("documents_sum_net"), 0.0},
+                               {s("documents_sum_tax1"), 0.0},
+                               {s("documents_sum_tax2"), 0.0},
+                               {s("documents_sum_total"), 0.0}});
 }
 
 templates::ReportInput reportInput(Invocation& invocation, qint64 type, const QList<Record*>& documents)
@@ -150,16 +186,20 @@ templates::ReportInput reportInput(Invocation& invocation, qint64 type, const QL
             input.rows.append({document, s("group_footer"), {}});
         }
         break;
-    case TemplateTypes::ClientReport:
+    case TemplateTypes::ClientReport: {
+        const QHash<Record*, QVariantMap> sums = documentSums(documents, false);
         for (Record* client : context.fetch(
                  FetchRequest(s("Clients"), {}, {store::SortDescriptor::localized(s("full_name"))})))
-            input.rows.append({client, {}, documentSums(documents, client, nullptr)});
+            input.rows.append({client, {}, sumsOf(sums, client)});
         break;
-    case TemplateTypes::ItemReport:
+    }
+    case TemplateTypes::ItemReport: {
+        const QHash<Record*, QVariantMap> sums = documentSums(documents, true);
         for (Record* item :
              context.fetch(FetchRequest(s("Items"), {}, {store::SortDescriptor::localized(s("name"))})))
-            input.rows.append({item, {}, documentSums(documents, nullptr, item)});
+            input.rows.append({item, {}, sumsOf(sums, item)});
         break;
+    }
     default:
         break;
     }
@@ -200,7 +240,8 @@ int reportPdf(Invocation& invocation)
     }
 
     const qint64 type = templateRecord->value(s("type")).toLongLong();
-    const QList<Record*> documents = reportDocuments(invocation, from, to, documentType);
+    const QList<Record*> documents =
+        reportDocuments(invocation, from, to, documentType, type != TemplateTypes::DocumentReport);
     templates::ReportInput input = reportInput(invocation, type, documents);
     input.dateStart = from.isValid()
                           ? from
