@@ -4,7 +4,9 @@
 #include "fillingsteps.h"
 #include "format/amountbytext.h"
 #include "format/formattedcurrency.h"
+#include "predicate/literal.h"
 #include "store/editingcontext.h"
+#include "store/fetchrequest.h"
 #include "store/record.h"
 
 #include <algorithm>
@@ -98,9 +100,14 @@ FilledTemplate DocumentFiller::fill(const QList<store::Record*>& elements, store
         });
 
     // One details set per row.
-    QList<store::Record*> rows = document->relatedList(s("rows"));
-    std::stable_sort(rows.begin(), rows.end(), [](const store::Record* a, const store::Record* b) {
-        return a->value(s("order")).toLongLong() < b->value(s("order")).toLongLong();
+    // Fetched in one query rather than faulted in one by one through the relationship; rows of
+    // equal `order` keep the order in which they were made.
+    QList<store::Record*> rows = document->context()->fetch(store::FetchRequest(
+        s("DocumentRows"), predicate::literal("document == %@", {QVariant::fromValue(document->ref())})));
+    std::sort(rows.begin(), rows.end(), [](const store::Record* a, const store::Record* b) {
+        const qint64 orderA = a->value(s("order")).toLongLong();
+        const qint64 orderB = b->value(s("order")).toLongLong();
+        return orderA != orderB ? orderA < orderB : a->pk() < b->pk();
     });
     const WorkingElements details = filling::ofSection(fresh, s("details"));
     if (!rows.isEmpty()) {
