@@ -9,6 +9,7 @@
 #include "session.h"
 #include "store/editingcontext.h"
 #include "store/record.h"
+#include "store/store.h"
 #include "templates/pdffilenames.h"
 #include "templates/printedoutput.h"
 #include "templates/reportinput.h"
@@ -100,9 +101,9 @@ predicate::Predicate periodCondition(const QString& path, const QDate& from, con
                               arguments);
 }
 
-// The documents of the period as the report lists them: by creation date, then number. Their
-// summaries (and for a report with document rows, their rows) are read along in one query each,
-// instead of one query per document when the report reaches them.
+// The documents of the period as the report lists them: by creation date, then number. For a
+// report with document rows, their rows are read along in one query, instead of one query per
+// document when the report reaches them.
 QList<Record*> reportDocuments(Invocation& invocation, const QDate& from, const QDate& to,
                                qint64 documentType, bool withRows)
 {
@@ -110,8 +111,6 @@ QList<Record*> reportDocuments(Invocation& invocation, const QDate& from, const 
     const QList<Record*> documents =
         context.fetch(FetchRequest(s("Documents"), periodCondition({}, from, to, documentType),
                                    {{s("date_creation"), true}, {s("number"), true}}));
-    context.fetch(
-        FetchRequest(s("DocumentSummaries"), periodCondition(s("document."), from, to, documentType)));
     if (withRows)
         context.fetch(
             FetchRequest(s("DocumentRows"), periodCondition(s("document."), from, to, documentType)));
@@ -240,6 +239,7 @@ int reportPdf(Invocation& invocation)
     }
 
     const qint64 type = templateRecord->value(s("type")).toLongLong();
+    const store::Store::ReadSnapshot snapshot(invocation.session.store());
     const QList<Record*> documents =
         reportDocuments(invocation, from, to, documentType, type != TemplateTypes::DocumentReport);
     templates::ReportInput input = reportInput(invocation, type, documents);

@@ -47,6 +47,17 @@ std::unique_ptr<Store> Store::open(const QString& path, const DataModel& model, 
     return store;
 }
 
+Store::ReadSnapshot::ReadSnapshot(Store& store)
+    : m_store(store)
+    , m_active(store.database().beginRead())
+{}
+
+Store::ReadSnapshot::~ReadSnapshot()
+{
+    if (m_active)
+        m_store.database().endRead();
+}
+
 Store::~Store()
 {
     m_mainContext.reset();

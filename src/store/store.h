@@ -57,6 +57,22 @@ public:
     // first record of the entity is read.
     void registerRecordClass(const QString& entity, RecordFactory factory);
 
+    // Reads that see one state of the database, for as long as the object lives: printing a
+    // long document or report reads thousands of records, and takes the file's lock once for
+    // all of them instead of once per query. No context may save meanwhile.
+    class ReadSnapshot
+    {
+    public:
+        explicit ReadSnapshot(Store& store);
+        ~ReadSnapshot();
+        ReadSnapshot(const ReadSnapshot&) = delete;
+        ReadSnapshot& operator=(const ReadSnapshot&) = delete;
+
+    private:
+        Store& m_store;
+        bool m_active;
+    };
+
     // How the database answers an aggregate over a fetch (see QueryPlan).
     QueryPlan explain(const FetchRequest& request, Aggregate function, const QString& keyPath);
 

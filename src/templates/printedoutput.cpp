@@ -30,6 +30,7 @@ Record* PrintedOutput::templateOf(Record* document)
 bool PrintedOutput::writeDocument(Record* document, Record* templateRecord, const QString& path, int* pages,
                                   QString* error) const
 {
+    const store::Store::ReadSnapshot snapshot(document->context()->store());
     const FilledTemplate filled = DocumentFiller::fill(templateRecord, document);
     return DesignManager(templateRecord, m_templateFilesDirectory).writePdf(filled, path, pages, error);
 }
@@ -37,6 +38,7 @@ bool PrintedOutput::writeDocument(Record* document, Record* templateRecord, cons
 bool PrintedOutput::writeReport(Record* templateRecord, const ReportInput& input, const QString& path,
                                 int* pages, QString* error) const
 {
+    const store::Store::ReadSnapshot snapshot(templateRecord->context()->store());
     const FilledTemplate filled = ReportFiller::fill(templateRecord, input);
     return DesignManager(templateRecord, m_templateFilesDirectory).writePdf(filled, path, pages, error);
 }

@@ -3,10 +3,14 @@
 #include "fieldreplacer.h"
 #include "fillingsteps.h"
 #include "format/formattedcurrency.h"
+#include "predicate/literal.h"
+#include "store/editingcontext.h"
+#include "store/fetchrequest.h"
 #include "store/record.h"
 #include "templatetypes.h"
 
 #include <QHash>
+#include <QSet>
 #include <algorithm>
 #include <map>
 #include <memory>
@@ -31,13 +35,62 @@ struct GrandTotals
     double total = 0.0;
 };
 
-QList<store::Record*> summariesInOrder(const store::Record& document)
+bool inOrder(const store::Record* a, const store::Record* b)
 {
-    QList<store::Record*> summaries = document.relatedList(s("summaries"));
-    std::stable_sort(summaries.begin(), summaries.end(), [](const store::Record* a, const store::Record* b) {
-        return a->value(s("order")).toLongLong() < b->value(s("order")).toLongLong();
-    });
-    return summaries;
+    const qint64 orderA = a->value(s("order")).toLongLong();
+    const qint64 orderB = b->value(s("order")).toLongLong();
+    return orderA != orderB ? orderA < orderB : a->pk() < b->pk();
+}
+
+// The tax summaries of the report's documents, read in a few queries for all of them instead of
+// one per document as they are reached; a document not among them is read on its own.
+class SummaryCache
+{
+public:
+    explicit SummaryCache(const QList<store::Record*>& documents)
+    {
+        constexpr qsizetype kBatch = 500;
+        for (qsizetype first = 0; first < documents.size(); first += kBatch) {
+            QVariantList refs;
+            for (const store::Record* document : documents.mid(first, kBatch))
+                refs << QVariant::fromValue(document->ref());
+            store::EditingContext* context = documents.at(first)->context();
+            for (store::Record* summary : context->fetch(store::FetchRequest(
+                     s("DocumentSummaries"), predicate::literal("document IN %@", {QVariant(refs)}))))
+                m_summaries[summary->related(s("document"))].append(summary);
+        }
+        for (QList<store::Record*>& summaries : m_summaries)
+            std::sort(summaries.begin(), summaries.end(), inOrder);
+        for (const store::Record* document : documents)
+            m_read.insert(document);
+    }
+
+    QList<store::Record*> inOrderOf(const store::Record& document) const
+    {
+        if (m_read.contains(&document))
+            return m_summaries.value(&document);
+        QList<store::Record*> summaries = document.relatedList(s("summaries"));
+        std::sort(summaries.begin(), summaries.end(), inOrder);
+        return summaries;
+    }
+
+private:
+    QHash<const store::Record*, QList<store::Record*>> m_summaries;
+    QSet<const store::Record*> m_read;
+};
+
+// The documents whose summaries a report of `type` reads.
+QList<store::Record*> summarisedDocuments(qint64 type, const ReportInput& input)
+{
+    QList<store::Record*> documents;
+    for (const ReportInput::Row& row : input.rows) {
+        const bool summarised =
+            type == TemplateTypes::DocumentReport ||
+            (type == TemplateTypes::DocumentsGroupedReport && row.groupType == QLatin1String("group_footer"));
+        if (summarised && row.record)
+            documents << row.record;
+    }
+    return documents;
 }
 
 void addSummaries(GrandTotals& totals, const QList<store::Record*>& summaries)
@@ -64,6 +117,7 @@ public:
     RowFiller(qint64 type, const ReportInput& input, const WorkingElements& fresh)
         : m_type(type)
         , m_currency(input.currency)
+        , m_summaryCache(summarisedDocuments(type, input))
     {
         for (const char* section : {"details_header", "details", "details_footer"})
             m_sections.insert(s(section), filling::ofSection(fresh, s(section)));
@@ -85,9 +139,9 @@ public:
             entry.values, [](const WorkingElement&) { return true; },
             [&](const QString& text) { return replaced(text, row); });
         if (entry.sectionType == QLatin1String("details_footer"))
-            addSummaries(m_totals, summariesInOrder(*row.record));
+            addSummaries(m_totals, m_summaryCache.inOrderOf(*row.record));
         else if (m_type == TemplateTypes::DocumentReport)
-            addSummaries(m_totals, summariesInOrder(*row.record));
+            addSummaries(m_totals, m_summaryCache.inOrderOf(*row.record));
         else if (m_type == TemplateTypes::ClientReport || m_type == TemplateTypes::ItemReport)
             addDocumentSums(row);
         return entry;
@@ -166,7 +220,7 @@ private:
     // A grouped report's document footer: its tax summaries one per line, and their sums.
     QString summaryLines(const QString& text, const store::Record& document) const
     {
-        const QList<store::Record*> summaries = summariesInOrder(document);
+        const QList<store::Record*> summaries = m_summaryCache.inOrderOf(document);
         const auto amount = [&](double value) { return format::formattedCurrency(value, m_currency); };
         const auto lines = [&](const char* key) {
             QStringList texts;
@@ -193,6 +247,7 @@ private:
 
     qint64 m_type;
     const store::Record* m_currency;
+    SummaryCache m_summaryCache;
     QHash<QString, WorkingElements> m_sections;
     std::map<QString, std::unique_ptr<FieldReplacer>> m_replacers;
     GrandTotals m_totals;

@@ -472,6 +472,18 @@ QueryPlan SqliteDatabase::explain(const FetchRequest& request, Aggregate functio
     return plan;
 }
 
+bool SqliteDatabase::beginRead()
+{
+    QSqlQuery control(connection());
+    return control.exec(QStringLiteral("BEGIN DEFERRED"));
+}
+
+void SqliteDatabase::endRead()
+{
+    QSqlQuery control(connection());
+    control.exec(QStringLiteral("COMMIT"));
+}
+
 bool SqliteDatabase::begin(QString* error)
 {
     m_failedWriteCode = SQLITE_OK;

@@ -81,6 +81,12 @@ public:
     // The statement and plan of an aggregate; an empty plan when it cannot be compiled.
     QueryPlan explain(const FetchRequest& request, Aggregate function, const QString& keyPath);
 
+    // Many reads that should see one state of the file and take the file's lock once, not once
+    // per statement. Nothing may be saved between them; false when it cannot begin (a save or
+    // another read is under way).
+    bool beginRead();
+    void endRead();
+
     // The writes of a save, between begin() and commit(); rollback() undoes all of them.
     // Values are given in memory form, by the record's value slots.
     bool begin(QString* error);
