@@ -87,7 +87,10 @@ public:
     }
     // The same with --json: the value it printed.
     QJsonValue json(QAnyStringView line) const { return run(s("--json ") + line.toString()).json(); }
-    QJsonValue json(const QStringList& arguments) const { return run(QStringList{s("--json")} + arguments).json(); }
+    QJsonValue json(const QStringList& arguments) const
+    {
+        return run(QStringList{s("--json")} + arguments).json();
+    }
     QJsonObject document(const QString& number) const
     {
         return json(s("documents show ") + number).toObject();
