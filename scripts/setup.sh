@@ -1,10 +1,15 @@
 #!/usr/bin/env bash
-# Installs every Debian package listed in scripts/packages.txt that is not installed yet.
-# Quiet and quick when everything is there; uses sudo when not run as root.
+# Installs every Debian package listed in scripts/packages.txt (or the packages named as
+# arguments) that is not installed yet. Quiet and quick when everything is there; uses sudo when
+# not run as root.
 set -euo pipefail
 
 here="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
-mapfile -t wanted < <(grep -v '^\s*#' "$here/packages.txt" | sed '/^\s*$/d')
+if [ "$#" -gt 0 ]; then
+    wanted=("$@")
+else
+    mapfile -t wanted < <(grep -v '^\s*#' "$here/packages.txt" | sed '/^\s*$/d')
+fi
 
 missing=()
 for pkg in "${wanted[@]}"; do
