@@ -16,6 +16,7 @@
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonObject>
+#include <functional>
 
 namespace corvanta::cli {
 
@@ -125,16 +126,29 @@ int newTemplate(Invocation& invocation)
     return Success;
 }
 
-int renameTemplate(Invocation& invocation)
+// Runs `change` on the template the first word names and prints the template it gives back
+// (the same one, or a copy); null from `change` is a refusal it has reported.
+int withNamedTemplate(Invocation& invocation,
+                      const std::function<Record*(templates::TemplateLibrary&, Record*)>& change)
 {
     Record* templateRecord = namedTemplate(invocation, invocation.arguments.words().at(0));
     if (!templateRecord)
         return Refused;
     templates::TemplateLibrary templateLibrary = library(invocation);
-    if (!templateLibrary.rename(templateRecord, invocation.arguments.words().at(1)))
+    Record* result = change(templateLibrary, templateRecord);
+    if (!result)
         return Refused;
-    printTemplate(invocation, templateLibrary, templateRecord);
+    printTemplate(invocation, templateLibrary, result);
     return Success;
+}
+
+int renameTemplate(Invocation& invocation)
+{
+    const QString name = invocation.arguments.words().at(1);
+    return withNamedTemplate(
+        invocation, [&](templates::TemplateLibrary& templateLibrary, Record* templateRecord) {
+            return templateLibrary.rename(templateRecord, name) ? templateRecord : nullptr;
+        });
 }
 
 int duplicateTemplate(Invocation& invocation)
@@ -145,15 +159,18 @@ int duplicateTemplate(Invocation& invocation)
         if (tag < 0)
             return UsageError;
     }
-    Record* templateRecord = namedTemplate(invocation, invocation.arguments.words().at(0));
-    if (!templateRecord)
-        return Refused;
-    templates::TemplateLibrary templateLibrary = library(invocation);
-    Record* copy = templateLibrary.duplicateRow(templateRecord, int(tag));
-    if (!copy)
-        return Refused;
-    printTemplate(invocation, templateLibrary, copy);
-    return Success;
+    return withNamedTemplate(invocation,
+                             [&](templates::TemplateLibrary& templateLibrary, Record* templateRecord) {
+                                 return templateLibrary.duplicateRow(templateRecord, int(tag));
+                             });
+}
+
+int defaultTemplate(Invocation& invocation)
+{
+    return withNamedTemplate(
+        invocation, [](templates::TemplateLibrary& templateLibrary, Record* templateRecord) {
+            return templateLibrary.defaultChanged(templateRecord) ? templateRecord : nullptr;
+        });
 }
 
 int deleteTemplate(Invocation& invocation)
@@ -169,18 +186,6 @@ int deleteTemplate(Invocation& invocation)
         invocation.output.json(QJsonObject{{s("deleted"), name}});
     else
         invocation.output.text() << CommandLine::tr("Deleted \"%1\".").arg(name) << '\n';
-    return Success;
-}
-
-int defaultTemplate(Invocation& invocation)
-{
-    Record* templateRecord = namedTemplate(invocation, invocation.arguments.words().at(0));
-    if (!templateRecord)
-        return Refused;
-    templates::TemplateLibrary templateLibrary = library(invocation);
-    if (!templateLibrary.defaultChanged(templateRecord))
-        return Refused;
-    printTemplate(invocation, templateLibrary, templateRecord);
     return Success;
 }
 
