@@ -258,6 +258,14 @@ void tst_TemplateLibrary::exportThenImportGivesEqualValues()
     source->relatedList(s("template_elements")).first()->setValue(s("font_color"), QColor(1, 2, 3, 4));
     saveOrFail(f.st.main());
     QTemporaryDir out;
+    // A colour goes into the file as data holding the store's colour text.
+    QCOMPARE(templates::TemplateFileWriter::dictionaryOf(source)
+                 .value(s("template_elements"))
+                 .toList()
+                 .first()
+                 .toMap()
+                 .value(s("font_color")),
+             QVariant(QByteArray("#0101020203030404")));
 
     const QString path = f.library.exportTemplate(source, out.path());
     QCOMPARE(path, QDir(out.path()).filePath(s("Blue_Green.corvanta")));
