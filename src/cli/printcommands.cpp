@@ -10,6 +10,7 @@
 #include "store/editingcontext.h"
 #include "store/record.h"
 #include "store/store.h"
+#include "templates/documentfiller.h"
 #include "templates/pdffilenames.h"
 #include "templates/printedoutput.h"
 #include "templates/reportinput.h"
@@ -176,11 +177,7 @@ templates::ReportInput reportInput(Invocation& invocation, qint64 type, const QL
     case TemplateTypes::DocumentsGroupedReport:
         for (Record* document : documents) {
             input.rows.append({document, s("group_header"), {}});
-            QList<Record*> rows = document->relatedList(s("rows"));
-            std::stable_sort(rows.begin(), rows.end(), [](Record* a, Record* b) {
-                return a->value(s("order")).toLongLong() < b->value(s("order")).toLongLong();
-            });
-            for (Record* row : rows)
+            for (Record* row : templates::DocumentFiller::rowsInOrder(document))
                 input.rows.append({row, s("group_detail"), {}});
             input.rows.append({document, s("group_footer"), {}});
         }

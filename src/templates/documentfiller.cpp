@@ -26,9 +26,7 @@ QList<std::pair<QString, QString>> tableFooterValues(const store::Record& docume
     const store::Record* currency = document.related(s("currency"));
     const store::Record* defaultCurrency = document.related(s("default_currency"));
     QList<store::Record*> summaries = document.relatedList(s("summaries"));
-    std::stable_sort(summaries.begin(), summaries.end(), [](const store::Record* a, const store::Record* b) {
-        return a->value(s("order")).toLongLong() < b->value(s("order")).toLongLong();
-    });
+    std::sort(summaries.begin(), summaries.end(), filling::inOrder);
 
     const auto lines = [&](const char* key, const store::Record* in) {
         QStringList texts;
@@ -100,15 +98,7 @@ FilledTemplate DocumentFiller::fill(const QList<store::Record*>& elements, store
         });
 
     // One details set per row.
-    // Fetched in one query rather than faulted in one by one through the relationship; rows of
-    // equal `order` keep the order in which they were made.
-    QList<store::Record*> rows = document->context()->fetch(store::FetchRequest(
-        s("DocumentRows"), predicate::literal("document == %@", {QVariant::fromValue(document->ref())})));
-    std::sort(rows.begin(), rows.end(), [](const store::Record* a, const store::Record* b) {
-        const qint64 orderA = a->value(s("order")).toLongLong();
-        const qint64 orderB = b->value(s("order")).toLongLong();
-        return orderA != orderB ? orderA < orderB : a->pk() < b->pk();
-    });
+    const QList<store::Record*> rows = rowsInOrder(document);
     const WorkingElements details = filling::ofSection(fresh, s("details"));
     if (!rows.isEmpty()) {
         const FieldReplacer rowFields(rows.first()->entity(), currency);
@@ -134,6 +124,15 @@ FilledTemplate DocumentFiller::fill(const QList<store::Record*>& elements, store
             return filling::replacedTokens(text, footerValues);
         });
     return filled;
+}
+
+QList<store::Record*> DocumentFiller::rowsInOrder(store::Record* document)
+{
+    // One query rather than each row faulted in on its own through the relationship.
+    QList<store::Record*> rows = document->context()->fetch(store::FetchRequest(
+        s("DocumentRows"), predicate::literal("document == %@", {QVariant::fromValue(document->ref())})));
+    std::sort(rows.begin(), rows.end(), filling::inOrder);
+    return rows;
 }
 
 } // namespace corvanta::templates

@@ -22,6 +22,8 @@ public:
     static FilledTemplate fill(store::Record* templateRecord, store::Record* document);
     // The same with the template's elements already fetched (in drawing order).
     static FilledTemplate fill(const QList<store::Record*>& elements, store::Record* document);
+    // The document's rows as they print, fetched in one query.
+    static QList<store::Record*> rowsInOrder(store::Record* document);
 };
 
 } // namespace corvanta::templates

@@ -1,5 +1,7 @@
 #include "fillingsteps.h"
 
+#include "store/record.h"
+
 #include <algorithm>
 
 namespace corvanta::templates::filling {
@@ -42,6 +44,13 @@ QString replacedTokens(QString text, QList<std::pair<QString, QString>> values)
     for (const auto& [token, value] : values)
         text.replace(token, value);
     return text;
+}
+
+bool inOrder(const store::Record* a, const store::Record* b)
+{
+    const qint64 orderA = a->value(QStringLiteral("order")).toLongLong();
+    const qint64 orderB = b->value(QStringLiteral("order")).toLongLong();
+    return orderA != orderB ? orderA < orderB : a->pk() < b->pk();
 }
 
 } // namespace corvanta::templates::filling

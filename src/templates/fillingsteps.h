@@ -4,6 +4,10 @@
 
 #include <functional>
 
+namespace corvanta::store {
+class Record;
+}
+
 namespace corvanta::templates::filling {
 
 // The sections whose elements are filled once per table row rather than once per page.
@@ -17,6 +21,10 @@ WorkingElements ofSection(const WorkingElements& all, const QString& section);
 // `wanted` holds.
 void replaceTexts(WorkingElements& elements, const std::function<bool(const WorkingElement&)>& wanted,
                   const std::function<QString(const QString&)>& replace);
+
+// The order rows and tax summaries print in: ascending `order`, and for equal `order` the order
+// in which they were made.
+bool inOrder(const store::Record* a, const store::Record* b);
 
 // Every literal "@" + key of `text` replaced by its value, longer keys first.
 QString replacedTokens(QString text, QList<std::pair<QString, QString>> values);

@@ -35,13 +35,6 @@ struct GrandTotals
     double total = 0.0;
 };
 
-bool inOrder(const store::Record* a, const store::Record* b)
-{
-    const qint64 orderA = a->value(s("order")).toLongLong();
-    const qint64 orderB = b->value(s("order")).toLongLong();
-    return orderA != orderB ? orderA < orderB : a->pk() < b->pk();
-}
-
 // The tax summaries of the report's documents, read in a few queries for all of them instead of
 // one per document as they are reached; a document not among them is read on its own.
 class SummaryCache
@@ -60,7 +53,7 @@ public:
                 m_summaries[summary->related(s("document"))].append(summary);
         }
         for (QList<store::Record*>& summaries : m_summaries)
-            std::sort(summaries.begin(), summaries.end(), inOrder);
+            std::sort(summaries.begin(), summaries.end(), filling::inOrder);
         for (const store::Record* document : documents)
             m_read.insert(document);
     }
@@ -70,7 +63,7 @@ public:
         if (m_read.contains(&document))
             return m_summaries.value(&document);
         QList<store::Record*> summaries = document.relatedList(s("summaries"));
-        std::sort(summaries.begin(), summaries.end(), inOrder);
+        std::sort(summaries.begin(), summaries.end(), filling::inOrder);
         return summaries;
     }
 
