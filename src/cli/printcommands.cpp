@@ -34,11 +34,6 @@ QString s(const char* text)
     return QString::fromLatin1(text);
 }
 
-Record* company(Invocation& invocation)
-{
-    return model::CompanyRecord::of(invocation.session.context());
-}
-
 int documentPdf(Invocation& invocation)
 {
     QString error;
@@ -167,8 +162,8 @@ QVariantMap sumsOf(const QHash<Record*, QVariantMap>& sums, Record* record)
 templates::ReportInput reportInput(Invocation& invocation, qint64 type, const QList<Record*>& documents)
 {
     templates::ReportInput input;
-    input.currency = company(invocation) ? company(invocation)->related(s("default_currency")) : nullptr;
     store::EditingContext& context = invocation.session.context();
+    input.currency = model::CompanyRecord::defaultRecord(context, s("default_currency"));
     switch (type) {
     case TemplateTypes::DocumentReport:
         for (Record* document : documents)
@@ -227,10 +222,8 @@ int reportPdf(Invocation& invocation)
             return invocation.refuse(CommandLine::tr("\"%1\" is not a report template.")
                                          .arg(templateRecord->value(s("name")).toString()));
     } else {
-        Record* myCompany = company(invocation);
-        templateRecord =
-            myCompany ? myCompany->related(TemplateTypes::defaultTemplateKey(TemplateTypes::DocumentReport))
-                      : nullptr;
+        templateRecord = model::CompanyRecord::defaultRecord(
+            invocation.session.context(), TemplateTypes::defaultTemplateKey(TemplateTypes::DocumentReport));
         if (!templateRecord)
             return invocation.refuse(CommandLine::tr("The company has no default document report template."));
     }
