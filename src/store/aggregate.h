@@ -1,13 +1,25 @@
 #pragma once
 
+#include <QList>
 #include <QString>
 #include <QStringList>
+#include <QVariant>
 
 namespace corvanta::store {
 
 // One value the database computes over the records a fetch selects, without loading them:
 // `Sum` is 0 over no records and skips missing values, `Max` and `Min` are missing over none.
 enum class Aggregate { Sum, Max, Min };
+
+// One group of a grouped sum: the value the records share (a RecordRef when the group is a
+// relationship, missing for the records without one), how many records the group holds and the
+// total of each summed key path, in the order they were asked for (0 where all are missing).
+struct GroupSums
+{
+    QVariant group;
+    qint64 count = 0;
+    QList<double> sums;
+};
 
 // How the database answers a fetch: the statement it runs and the steps of its plan, one per
 // line ("SEARCH t0 USING COVERING INDEX ..."). For benchmarks and the tests that keep searches

@@ -831,4 +831,12 @@ std::optional<QVariant> EditingContext::storedAggregate(const FetchRequest& requ
     return m_store.database().aggregate(request, function, keyPath, error);
 }
 
+std::optional<QList<GroupSums>> EditingContext::storedGroupedSums(const FetchRequest& request,
+                                                                  const QString& groupKeyPath,
+                                                                  const QStringList& sumKeyPaths,
+                                                                  StoreError* error)
+{
+    return m_store.database().groupedSums(request, groupKeyPath, sumKeyPaths, error);
+}
+
 } // namespace corvanta::store

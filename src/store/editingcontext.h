@@ -61,6 +61,15 @@ public:
     std::optional<QVariant> storedAggregate(const FetchRequest& request, Aggregate function,
                                             const QString& keyPath, StoreError* error = nullptr);
 
+    // The records the request selects, grouped by the value of `groupKeyPath` (an attribute or
+    // a to-one relationship, also through to-one steps: "document.client"), with the totals of
+    // `sumKeyPaths` per group, computed by the database in one statement. Groups come ordered by
+    // their value; only stored records count, as with storedAggregate(). Nothing on error.
+    std::optional<QList<GroupSums>> storedGroupedSums(const FetchRequest& request,
+                                                      const QString& groupKeyPath,
+                                                      const QStringList& sumKeyPaths,
+                                                      StoreError* error = nullptr);
+
     // Deletes the record and applies the delete rules of its relationships now: cascades
     // delete, nullifies clear the other end. Deny rules are checked by save().
     void deleteRecord(Record* record);

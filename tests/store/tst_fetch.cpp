@@ -59,6 +59,9 @@ private Q_SLOTS:
     void aggregates_data();
     void aggregates();
     void sumsSeeUnsavedChanges();
+    void groupedSums_data();
+    void groupedSums();
+    void groupedSumsNameWhatCannotBeGrouped();
     void historySearchesReadIndexesOnly_data();
     void historySearchesReadIndexesOnly();
 
@@ -397,6 +400,69 @@ void tst_Fetch::sumsSeeUnsavedChanges()
     // Moved to another customer's order, it leaves the sum, though the stored row would count.
     payments.at(0)->setRelated(s("order"), c->record(m_refs.value(s("D3"))));
     QCOMPARE(c->sum(almosPayments, s("amount")), 210.0 + 5.0 - 50.0 - 60.0);
+}
+
+void tst_Fetch::groupedSums_data()
+{
+    QTest::addColumn<QString>("entity");
+    QTest::addColumn<Predicate>("predicate");
+    QTest::addColumn<QString>("group");
+    QTest::addColumn<QStringList>("sums");
+    QTest::addColumn<QStringList>("expected"); // "group count sum..." per group, in their order
+    // D3 is a draft; D6 has no draft flag and counts. D4 to D9 have no customer.
+    QTest::newRow("orders per customer, drafts left out")
+        << s("Orders") << cmp("draft", Op::NotEqual, 1) << s("customer")
+        << QStringList{s("total"), s("payments.@sum.amount")}
+        << QStringList{s("none 6 60 10"), s("almos 2 200 210")};
+    QTest::newRow("lines per customer of their order")
+        << s("Lines") << Predicate() << s("order.customer") << QStringList{s("quantity")}
+        << QStringList{s("almos 2 7")};
+    QTest::newRow("orders per kind, an attribute")
+        << s("Orders") << Predicate() << s("kind") << QStringList{s("total")}
+        << QStringList{s("0 8 290"), s("3 1 20")};
+    QTest::newRow("orders of a period per day")
+        << s("Orders") << cmp("created", Op::GreaterOrEqual, day(2025, 3, 4)) << s("created")
+        << QStringList{s("total")}
+        << QStringList{s("2025-03-04T12:00:00Z 1 40"), s("2025-03-05T12:00:00Z 1 -40")};
+    QTest::newRow("nothing selected") << s("Orders") << cmp("kind", Op::Equal, 7) << s("customer")
+                                      << QStringList{s("total")} << QStringList{};
+}
+
+void tst_Fetch::groupedSums()
+{
+    QFETCH(QString, entity);
+    QFETCH(Predicate, predicate);
+    QFETCH(QString, group);
+    QFETCH(QStringList, sums);
+    StoreError error;
+    const std::optional<QList<GroupSums>> groups =
+        m_store->main().storedGroupedSums(FetchRequest(entity, predicate), group, sums, &error);
+    QVERIFY2(groups, qPrintable(error.message()));
+    QStringList actual;
+    for (const GroupSums& g : *groups) {
+        QString name = s("none");
+        if (g.group.typeId() == qMetaTypeId<RecordRef>())
+            name = m_labels.value(g.group.value<RecordRef>());
+        else if (g.group.typeId() == QMetaType::QDateTime)
+            name = g.group.toDateTime().toUTC().toString(Qt::ISODate);
+        else if (!g.group.isNull())
+            name = g.group.toString();
+        QStringList parts{name, QString::number(g.count)};
+        for (double sum : g.sums)
+            parts << QString::number(sum);
+        actual << parts.join(QLatin1Char(' '));
+    }
+    QTEST(actual, "expected");
+}
+
+void tst_Fetch::groupedSumsNameWhatCannotBeGrouped()
+{
+    EditingContext& c = m_store->main();
+    StoreError error;
+    QVERIFY(!c.storedGroupedSums(FetchRequest(s("Orders")), s("lines"), {s("total")}, &error));
+    QVERIFY2(error.message().contains(s("lines")), qPrintable(error.message()));
+    QVERIFY(!c.storedGroupedSums(FetchRequest(s("Orders")), s("customer"), {s("no_such_key")}, &error));
+    QVERIFY2(error.message().contains(s("no_such_key")), qPrintable(error.message()));
 }
 
 // Searches over a whole history must be answered from an index alone. A to-one join that reads

@@ -663,6 +663,16 @@ std::optional<SqlStatement> SqlCompiler::aggregate(const FetchRequest& request, 
     return compile(request, {Shape::Aggregate, function, keyPath}, error);
 }
 
+std::optional<SqlStatement> SqlCompiler::groupedSums(const FetchRequest& request, const QString& groupKeyPath,
+                                                     const QStringList& sumKeyPaths, QString* groupEntity,
+                                                     std::optional<AttributeType>* groupType,
+                                                     StoreError* error) const
+{
+    return compile(request,
+                   {Shape::GroupedSums, Aggregate::Sum, groupKeyPath, sumKeyPaths, groupEntity, groupType},
+                   error);
+}
+
 std::optional<SqlStatement> SqlCompiler::compile(const FetchRequest& request, const Projection& projection,
                                                  StoreError* error) const
 {
@@ -718,6 +728,17 @@ std::optional<SqlStatement> SqlCompiler::compile(const FetchRequest& request, co
             static const char* const functions[] = {"total(%1)", "max(%1)", "min(%1)"};
             columns = QString::fromLatin1(functions[int(projection.function)]).arg(o.sql.text);
             columnBinds = o.sql.binds;
+        } else if (projection.shape == Shape::GroupedSums) {
+            const Operand group = compiler.valueOperand(projection.keyPath, top);
+            if (projection.groupEntity)
+                *projection.groupEntity = group.recordEntity;
+            if (projection.groupType)
+                *projection.groupType = group.type;
+            Sql list = group.sql + ", count(*)";
+            for (const QString& keyPath : projection.sumKeyPaths)
+                list = list + ", total(" + compiler.valueOperand(keyPath, top).sql + ")";
+            columns = list.text;
+            columnBinds = list.binds;
         } else {
             columns = QStringLiteral("t0.pk");
             for (const QString& column : entity->columns())
@@ -730,6 +751,8 @@ std::optional<SqlStatement> SqlCompiler::compile(const FetchRequest& request, co
         if (where.text != QLatin1String("1"))
             statement.text += QLatin1String(" WHERE ") + where.text;
         statement.bindings = columnBinds + where.binds;
+        if (projection.shape == Shape::GroupedSums)
+            statement.text += QLatin1String(" GROUP BY 1 ORDER BY 1");
         if (ordered) {
             statement.text += QLatin1String(" ORDER BY ") + order.join(QLatin1String(", "));
             if (request.limit > 0 || request.offset > 0)

@@ -37,16 +37,28 @@ public:
     std::optional<SqlStatement> aggregate(const FetchRequest& request, Aggregate function,
                                           const QString& keyPath, StoreError* error = nullptr) const;
 
+    // Columns: the group's value, the number of its rows, then total() of each summed key
+    // path; one row per group, ordered by the group's value. `groupEntity` is set to the
+    // entity a relationship group points at (empty for an attribute) and `groupType` to the
+    // attribute's type.
+    std::optional<SqlStatement> groupedSums(const FetchRequest& request, const QString& groupKeyPath,
+                                            const QStringList& sumKeyPaths, QString* groupEntity,
+                                            std::optional<AttributeType>* groupType,
+                                            StoreError* error = nullptr) const;
+
     // SQL names are always quoted, since the model uses words such as `order` and `desc`.
     static QString quoted(const QString& name);
 
 private:
-    enum class Shape { Records, Count, Aggregate };
+    enum class Shape { Records, Count, Aggregate, GroupedSums };
     struct Projection
     {
         Shape shape = Shape::Records;
         Aggregate function = Aggregate::Sum;
-        QString keyPath;
+        QString keyPath; // the aggregated key path, or the group's
+        QStringList sumKeyPaths = {};
+        QString* groupEntity = nullptr;
+        std::optional<AttributeType>* groupType = nullptr;
     };
     std::optional<SqlStatement> compile(const FetchRequest& request, const Projection& projection,
                                         StoreError* error) const;

@@ -1,5 +1,6 @@
 #include "sqlitedatabase.h"
 
+#include "predicate/recordref.h"
 #include "schema.h"
 #include "sqlitefunctions.h"
 #include "sqlitestatement.h"
@@ -451,6 +452,50 @@ std::optional<QVariant> SqliteDatabase::aggregate(const FetchRequest& request, A
 {
     return scalar(SqlCompiler(*m_model).aggregate(request, function, keyPath, error),
                   tr("The records could not be added up."), error);
+}
+
+std::optional<QList<GroupSums>> SqliteDatabase::groupedSums(const FetchRequest& request,
+                                                            const QString& groupKeyPath,
+                                                            const QStringList& sumKeyPaths, StoreError* error)
+{
+    QString groupEntity;
+    std::optional<AttributeType> groupType;
+    const std::optional<SqlStatement> statement = SqlCompiler(*m_model).groupedSums(
+        request, groupKeyPath, sumKeyPaths, &groupEntity, &groupType, error);
+    if (!statement)
+        return std::nullopt;
+    const QString failure = tr("The records could not be added up.");
+    QString why;
+    QSqlQuery* query = prepared(statement->text, &why);
+    if (!query) {
+        report(error, StoreError::make(StoreError::InvalidFetch, failure, why));
+        return std::nullopt;
+    }
+    for (qsizetype i = 0; i < statement->bindings.size(); ++i)
+        query->bindValue(int(i), statement->bindings.at(i));
+    if (!query->exec()) {
+        report(error, StoreError::make(StoreError::InvalidFetch, failure, query->lastError().text()));
+        query->finish();
+        return std::nullopt;
+    }
+    QList<GroupSums> groups;
+    while (query->next()) {
+        GroupSums group;
+        const QVariant value = query->value(0);
+        if (!value.isNull()) {
+            if (!groupEntity.isEmpty())
+                group.group = QVariant::fromValue(predicate::RecordRef{groupEntity, value.toLongLong()});
+            else
+                group.group = groupType ? valueconversion::toMemory(*groupType, value) : value;
+        }
+        group.count = query->value(1).toLongLong();
+        group.sums.reserve(sumKeyPaths.size());
+        for (int i = 0; i < sumKeyPaths.size(); ++i)
+            group.sums << query->value(2 + i).toDouble();
+        groups << group;
+    }
+    query->finish();
+    return groups;
 }
 
 QueryPlan SqliteDatabase::explain(const FetchRequest& request, Aggregate function, const QString& keyPath)

@@ -78,6 +78,9 @@ public:
     std::optional<qint64> count(const FetchRequest& request, StoreError* error);
     std::optional<QVariant> aggregate(const FetchRequest& request, Aggregate function, const QString& keyPath,
                                       StoreError* error);
+    // The sums of a fetch's records per value of `groupKeyPath` (see EditingContext).
+    std::optional<QList<GroupSums>> groupedSums(const FetchRequest& request, const QString& groupKeyPath,
+                                                const QStringList& sumKeyPaths, StoreError* error);
     // The statement and plan of an aggregate; an empty plan when it cannot be compiled.
     QueryPlan explain(const FetchRequest& request, Aggregate function, const QString& keyPath);
 
