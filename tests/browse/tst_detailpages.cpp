@@ -234,6 +234,11 @@ void tst_DetailPages::filledPagesMatchTheirFiles()
         if (!page.content(s("name")).isEmpty())
             QVERIFY(html.contains(s("<h1 id=\"name\">%1</h1>").arg(page.content(s("name")))));
     }
+    // The same filling as the script the desktop runs in a loaded page.
+    const QString script = pages[0].script();
+    QVERIFY(script.contains(s("document.getElementById(\"name\").innerHTML = "
+                              "\"Acme \\u0026lt;b\\u0026gt;Ltd\\u0026lt;/b\\u0026gt;\";")));
+    QVERIFY(script.contains(s("document.getElementById(\"phones_group\").style.display = \"none\";")));
     QVERIFY(pages[2].html().contains(s("addPieValues(")));
     QVERIFY(pages[3].content(s("done")).contains(s("done('todo-1')")));
 }
