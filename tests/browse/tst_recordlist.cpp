@@ -1,0 +1,345 @@
+#include "../documents/documenttestsupport.h"
+#include "browse/recordlistmodel.h"
+#include "browse/sortmenu.h"
+
+#include <QAbstractItemModelTester>
+
+using namespace corvanta;
+using browse::ListKind;
+using browse::RecordListModel;
+using browse::SortMenu;
+using documents::testing::at;
+using documents::testing::s;
+using documents::testing::TestCompany;
+using store::Record;
+using store::SortDescriptor;
+
+namespace {
+
+// Column 0 of every loaded row, joined by ", "; documents by their number ("draft" for a draft,
+// whose number holds the moment it was made).
+QString firstColumn(const RecordListModel& model)
+{
+    QStringList texts;
+    for (int row = 0; row < model.rowCount(); ++row) {
+        const Record* record = model.recordAt(row);
+        if (record->entityName() != s("Documents"))
+            texts << model.index(row, 0).data().toString();
+        else
+            texts << (record->value(s("draft")).toBool() ? s("draft")
+                                                         : record->value(s("number")).toString());
+    }
+    return texts.join(s(", "));
+}
+
+QList<qint64> keys(const RecordListModel& model)
+{
+    QList<qint64> result;
+    for (int row = 0; row < model.rowCount(); ++row)
+        result << model.recordAt(row)->pk();
+    return result;
+}
+
+// "key asc|desc [text]" for each descriptor.
+QString sortText(const QList<SortDescriptor>& sort)
+{
+    QStringList texts;
+    for (const SortDescriptor& d : sort) {
+        texts << d.keyPath + (d.ascending ? s(" asc") : s(" desc")) +
+                     (d.comparison == SortDescriptor::Comparison::LocalizedCaseInsensitive ? s(" text")
+                                                                                           : QString());
+    }
+    return texts.join(s(", "));
+}
+
+QList<SortDescriptor> sortFrom(const QString& text)
+{
+    QList<SortDescriptor> sort;
+    for (const QString& part : text.split(s(", "), Qt::SkipEmptyParts)) {
+        const QStringList words = part.split(QLatin1Char(' '));
+        sort << SortDescriptor{words.at(0), words.at(1) == s("asc"),
+                               words.contains(s("text"))
+                                   ? SortDescriptor::Comparison::LocalizedCaseInsensitive
+                                   : SortDescriptor::Comparison::Default};
+    }
+    return sort;
+}
+
+// A company with a few records of each kind: clients whose names only sort right ignoring case,
+// documents of several days with due dates that tie, an item below its critical stock, to-dos.
+class ListCompany : public TestCompany
+{
+public:
+    ListCompany()
+    {
+        const auto alpha = addClient(s("Alpha AG"));
+        addClient(s("beta gmbh"));
+        const auto charlie = addClient(s("Charlie"));
+        for (const auto& client : {alpha, charlie})
+            record(client)->addRelated(s("tags"), named("Categories", s("Company")));
+        const auto widget = addItem(s("Widget"), 10);
+        record(widget)->setValue(s("stock_critical"), 5);
+        addItem(s("gadget"), 4);
+        // Numbers 1, 2, 3 in the order made; the first and the third are due on the same day.
+        addDocument(0, alpha, widget, 1, true,
+                    {{s("date_creation"), at(2024, 3, 1)}, {s("date_due"), at(2024, 4, 1)}});
+        addDocument(0, charlie, widget, 1, true,
+                    {{s("date_creation"), at(2024, 3, 10)}, {s("date_due"), at(2024, 3, 20)}});
+        addDocument(0, alpha, widget, 1, true,
+                    {{s("date_creation"), at(2024, 2, 20)}, {s("date_due"), at(2024, 4, 1)}});
+        addDocument(0, charlie, widget, 1, false, {{s("date_creation"), at(2024, 3, 12)}});
+        add("ToDos", {{s("title"), s("call back")}, {s("date_start"), at(2024, 3, 2)}});
+        add("ToDos", {{s("title"), s("Ship")}, {s("date_start"), at(2024, 3, 9)}});
+        saveMain();
+    }
+
+    Record* category(const QString& name) { return name.isEmpty() ? nullptr : named("Categories", name); }
+    Record* smartFolder(int type, const QString& predicate)
+    {
+        return record(
+            add("Categories", {{s("name"), s("smart")}, {s("type"), type}, {s("predicate"), predicate}}));
+    }
+};
+
+} // namespace
+
+// The browser's record list: what a sidebar node lists and in which order, fetched page by page
+// and again after every save, and the sort menu's rules.
+class tst_RecordList : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void listsWhatTheNodeSelects_data();
+    void listsWhatTheNodeSelects();
+    void relativeDatesFixedAtEachFetch();
+    void documentOrders_data();
+    void documentOrders();
+    void pagesOfAFolder_data();
+    void pagesOfAFolder();
+    void refetchedAfterSaves();
+    void rowRoles();
+    void sortMenuChanges_data();
+    void sortMenuChanges();
+    void sortMenuEntries();
+};
+
+void tst_RecordList::listsWhatTheNodeSelects_data()
+{
+    QTest::addColumn<QString>("node");
+    QTest::addColumn<QString>("listed");
+    QTest::newRow("all clients, names ignoring case")
+        << s("All Clients") << s("Alpha AG, beta gmbh, Charlie");
+    QTest::newRow("a tag lists its members") << s("Company") << s("Alpha AG, Charlie");
+    QTest::newRow("items by name") << s("All Items") << s("gadget, Widget");
+    QTest::newRow("critical stock") << s("Critical Stock") << s("Widget");
+    QTest::newRow("documents newest first") << s("All Documents") << s("draft, 2, 1, 3");
+    QTest::newRow("draft invoices") << s("Draft Invoices") << s("draft");
+    QTest::newRow("to-dos newest first") << s("All ToDos") << s("Ship, call back");
+    QTest::newRow("group heading") << s("My Group") << QString();
+    QTest::newRow("no node") << QString() << QString();
+}
+
+void tst_RecordList::listsWhatTheNodeSelects()
+{
+    QFETCH(QString, node);
+    QFETCH(QString, listed);
+    ListCompany company;
+    RecordListModel model(company.main(), company.clock());
+    QAbstractItemModelTester tester(&model);
+    model.setCategory(company.category(s("All Clients"))); // something listed before
+    model.setCategory(company.category(node));
+    QCOMPARE(firstColumn(model), listed);
+    QCOMPARE(model.columnCount() == 0, listed.isEmpty());
+}
+
+void tst_RecordList::relativeDatesFixedAtEachFetch()
+{
+    ListCompany company;
+    RecordListModel model(company.main(), company.clock());
+    Record* thisMonth = company.smartFolder(-3, s("date_creation >= \"@this_month\" && draft == NO"));
+    company.setNow(at(2024, 3, 15));
+    model.setCategory(thisMonth);
+    QCOMPARE(model.rowCount(), 2);
+    company.setNow(at(2024, 2, 25));
+    model.setCategory(thisMonth);
+    QCOMPARE(model.rowCount(), 3);
+    company.setNow(at(2024, 5, 2));
+    model.setCategory(thisMonth);
+    QCOMPARE(model.rowCount(), 0);
+    QVERIFY(model.fetchError().isEmpty());
+}
+
+void tst_RecordList::documentOrders_data()
+{
+    QTest::addColumn<QList<int>>("tags");
+    QTest::addColumn<QString>("numbers");
+    const int up = SortMenu::kAscending;
+    const int down = SortMenu::kDescending;
+    QTest::newRow("default: newest first") << QList<int>{} << s("2, 1, 3");
+    QTest::newRow("number, kept direction") << QList<int>{-1} << s("3, 2, 1");
+    QTest::newRow("number ascending") << QList<int>{-1, up} << s("1, 2, 3");
+    QTest::newRow("due date ascending, equal dates by number") << QList<int>{up, -4} << s("2, 1, 3");
+    QTest::newRow("due date descending, equal dates by number") << QList<int>{-4, down} << s("3, 1, 2");
+    QTest::newRow("creation date ascending") << QList<int>{-2, up} << s("3, 1, 2");
+}
+
+void tst_RecordList::documentOrders()
+{
+    QFETCH(QList<int>, tags);
+    QFETCH(QString, numbers);
+    ListCompany company;
+    RecordListModel model(company.main(), company.clock());
+    model.setCategory(company.category(s("Invoice")));
+    for (int tag : tags)
+        model.setSortDescriptors(SortMenu::changed(model.kind(), model.sortDescriptors(), tag));
+    QStringList shown;
+    for (int row = 0; row < model.rowCount(); ++row) {
+        if (!model.recordAt(row)->value(s("draft")).toBool())
+            shown << model.recordAt(row)->value(s("number")).toString();
+    }
+    QCOMPARE(shown.join(s(", ")), numbers);
+}
+
+void tst_RecordList::pagesOfAFolder_data()
+{
+    QTest::addColumn<int>("members");
+    QTest::addColumn<int>("others");
+    QTest::newRow("a few pages") << 250 << 30;
+    // Large enough to be read along the order's index instead of from the join table.
+    QTest::newRow("many members") << 1050 << 20;
+}
+
+void tst_RecordList::pagesOfAFolder()
+{
+    QFETCH(int, members);
+    QFETCH(int, others);
+    TestCompany company;
+    Record* folder = company.named("Categories", s("Invoice"));
+    for (int i = 0; i < members + others; ++i) {
+        // Days repeat, so equal dates are ordered by when the document was made.
+        Record* d =
+            company.main().insertRecord(s("Documents"), {{s("type"), i < members ? 0 : 1},
+                                                         {s("number_formatted"), QString::number(i)},
+                                                         {s("date_creation"), at(2024, 1, 1).addDays(i % 40)},
+                                                         {s("created"), at(2024, 1, 1).addSecs(i)}});
+        if (i < members)
+            d->addRelated(s("tags"), folder);
+    }
+    company.saveMain();
+
+    RecordListModel model(company.main(), company.clock());
+    model.setCategory(folder);
+    QCOMPARE(model.rowCount(), RecordListModel::kPageSize);
+    QAbstractItemModelTester tester(&model);
+    while (model.canFetchMore())
+        model.fetchMore();
+    QCOMPARE(model.rowCount(), members);
+
+    // The pages joined are the whole list in one piece.
+    std::optional<store::FetchRequest> whole = browse::CategoryFetch::of(folder);
+    QVERIFY(whole);
+    QList<qint64> expected;
+    for (const Record* d : company.main().fetch(*whole))
+        expected << d->pk();
+    QCOMPARE(keys(model), expected);
+}
+
+void tst_RecordList::refetchedAfterSaves()
+{
+    ListCompany company;
+    RecordListModel model(company.main(), company.clock());
+    model.setCategory(company.category(s("Company")));
+    QCOMPARE(firstColumn(model), s("Alpha AG, Charlie"));
+
+    // Another context's save reaches the list through the main context's merge.
+    std::unique_ptr<store::EditingContext> editor = company.store().newContext();
+    Record* beta =
+        editor->fetchFirst(store::FetchRequest(s("Clients"), predicate::literal("full_name == 'beta gmbh'")));
+    beta->addRelated(s("tags"), editor->fetchFirst(store::FetchRequest(
+                                    s("Categories"), predicate::literal("name == 'Company'"))));
+    beta->setValue(s("company_name"), s("Bravo"));
+    QVERIFY(editor->save());
+    QCOMPARE(firstColumn(model), s("Alpha AG, Bravo, Charlie"));
+
+    company.main().deleteRecord(company.named("Categories", s("Company")));
+    company.saveMain();
+    QCOMPARE(model.rowCount(), 0);
+}
+
+void tst_RecordList::rowRoles()
+{
+    ListCompany company;
+    RecordListModel model(company.main(), company.clock());
+    model.setCategory(company.category(s("All Documents")));
+    QCOMPARE(model.columnKeys(),
+             (QStringList{s("number_formatted"), s("date_creation"), s("client_full_name"), s("sum_total")}));
+    const int last = model.rowCount() - 1;
+    Record* document = model.recordAt(last);
+    QCOMPARE(model.index(last, 0).data(RecordListModel::RecordRole).value<Record*>(), document);
+    QCOMPARE(model.index(last, 0).data(RecordListModel::RefRole).value<predicate::RecordRef>(),
+             document->ref());
+    QCOMPARE(model.index(last, 0).data(RecordListModel::IdentifierRole), document->value(s("identifier")));
+    QCOMPARE(model.rowOf(document->ref()), last);
+    QCOMPARE(model.index(last, 2).data().toString(), s("Alpha AG"));
+    QCOMPARE(model.index(last, 3).data(Qt::EditRole).toDouble(), 10.0);
+    QVERIFY(model.index(last, 3).data().toString().contains(s("10")));
+}
+
+void tst_RecordList::sortMenuChanges_data()
+{
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<QString>("current");
+    QTest::addColumn<int>("tag");
+    QTest::addColumn<QString>("expected");
+    const int clients = int(ListKind::Clients);
+    const int items = int(ListKind::Items);
+    const int documents = int(ListKind::Documents);
+    const int todos = int(ListKind::ToDos);
+    const QString defaultDocuments = s("date_creation desc, created desc");
+    QTest::newRow("direction turns both document keys")
+        << documents << defaultDocuments << 1 << s("date_creation asc, created asc");
+    QTest::newRow("direction turns a single key")
+        << documents << s("number_formatted asc") << 0 << s("number_formatted desc");
+    QTest::newRow("number keeps the direction, compared plainly")
+        << documents << defaultDocuments << -1 << s("number_formatted desc");
+    QTest::newRow("creation date then number")
+        << documents << s("number_formatted asc") << -2 << s("date_creation asc, number asc");
+    QTest::newRow("completion date then number")
+        << documents << defaultDocuments << -3 << s("date_completion desc, number desc");
+    QTest::newRow("due date then number")
+        << documents << s("number_formatted asc") << -4 << s("date_due asc, number asc");
+    QTest::newRow("client name as text")
+        << clients << s("full_name desc text") << -1 << s("full_name desc text");
+    QTest::newRow("item name as text") << items << s("name asc text") << 0 << s("name desc text");
+    QTest::newRow("to-do title as text") << todos << s("date_start desc") << -1 << s("title desc text");
+    QTest::newRow("to-do start plainly") << todos << s("title asc text") << -2 << s("date_start asc");
+    QTest::newRow("a key the kind lacks")
+        << clients << s("full_name asc text") << -2 << s("full_name asc text");
+}
+
+void tst_RecordList::sortMenuChanges()
+{
+    QFETCH(int, kind);
+    QFETCH(QString, current);
+    QFETCH(int, tag);
+    QFETCH(QString, expected);
+    QCOMPARE(sortText(SortMenu::changed(ListKind(kind), sortFrom(current), tag)), expected);
+}
+
+void tst_RecordList::sortMenuEntries()
+{
+    const QList<SortDescriptor> byDue = sortFrom(s("date_due asc, number asc"));
+    QStringList shown;
+    for (const SortMenu::Entry& entry : SortMenu::entries(ListKind::Documents, byDue))
+        shown << QString::number(entry.tag) + s(" ") + entry.title + (entry.checked ? s(" *") : QString());
+    QCOMPARE(shown.join(s(", ")),
+             s("-1 Number, -2 Date, -3 Completion Date, -4 Due Date *, 1 Ascending *, 0 Descending"));
+    QCOMPARE(SortMenu::buttonTitle(byDue), s("Due Date"));
+    QCOMPARE(SortMenu::buttonTitle(browse::ListKinds::defaultSort(ListKind::Documents)), s("Date"));
+    QCOMPARE(SortMenu::buttonTitle(browse::ListKinds::defaultSort(ListKind::ToDos)), s("Start Date"));
+    QVERIFY(SortMenu::entries(ListKind::None, {}).isEmpty());
+}
+
+QTEST_GUILESS_MAIN(tst_RecordList)
+#include "tst_recordlist.moc"
