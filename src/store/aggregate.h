@@ -21,6 +21,15 @@ struct GroupSums
     QList<double> sums;
 };
 
+// One record as a projection reads it: its key and the values of the asked key paths in their
+// stored form (numbers and text as they are, dates as seconds since 2001-01-01 UTC, booleans as 0
+// or 1, a relationship as the key of its record; missing values null).
+struct StoredRow
+{
+    qint64 key = 0;
+    QVariantList values;
+};
+
 // How the database answers a fetch: the statement it runs and the steps of its plan, one per
 // line ("SEARCH t0 USING COVERING INDEX ..."). For benchmarks and the tests that keep searches
 // over a whole history on their indexes.

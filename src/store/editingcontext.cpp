@@ -839,4 +839,10 @@ std::optional<QList<GroupSums>> EditingContext::storedGroupedSums(const FetchReq
     return m_store.database().groupedSums(request, groupKeyPath, sumKeyPaths, error);
 }
 
+std::optional<QList<StoredRow>> EditingContext::storedValues(const FetchRequest& request,
+                                                             const QStringList& keyPaths, StoreError* error)
+{
+    return m_store.database().values(request, keyPaths, error);
+}
+
 } // namespace corvanta::store

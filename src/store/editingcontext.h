@@ -70,6 +70,12 @@ public:
                                                       const QStringList& sumKeyPaths,
                                                       StoreError* error = nullptr);
 
+    // A few values of each stored record the request selects, in its order and window, read by
+    // the database without making records: for long lists of which only some columns are needed
+    // at once. Nothing on error.
+    std::optional<QList<StoredRow>> storedValues(const FetchRequest& request, const QStringList& keyPaths,
+                                                 StoreError* error = nullptr);
+
     // Deletes the record and applies the delete rules of its relationships now: cascades
     // delete, nullifies clear the other end. Deny rules are checked by save().
     void deleteRecord(Record* record);

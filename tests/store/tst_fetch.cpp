@@ -62,6 +62,7 @@ private Q_SLOTS:
     void groupedSums_data();
     void groupedSums();
     void groupedSumsNameWhatCannotBeGrouped();
+    void valuesInTheFetchOrder();
     void historySearchesReadIndexesOnly_data();
     void historySearchesReadIndexesOnly();
 
@@ -463,6 +464,30 @@ void tst_Fetch::groupedSumsNameWhatCannotBeGrouped()
     QVERIFY2(error.message().contains(s("lines")), qPrintable(error.message()));
     QVERIFY(!c.storedGroupedSums(FetchRequest(s("Orders")), s("customer"), {s("no_such_key")}, &error));
     QVERIFY2(error.message().contains(s("no_such_key")), qPrintable(error.message()));
+}
+
+// A projection keeps the order and window of the request and gives values as they are stored.
+void tst_Fetch::valuesInTheFetchOrder()
+{
+    FetchRequest request(s("Orders"), cmp("total", Op::GreaterOrEqual, 100), {{s("number"), false}});
+    request.limit = 2;
+    StoreError error;
+    const std::optional<QList<StoredRow>> rows = m_store->main().storedValues(
+        request, {s("number"), s("customer.name"), s("created"), s("payments.@sum.amount"), s("draft")},
+        &error);
+    QVERIFY2(rows, qPrintable(error.message()));
+    QStringList actual;
+    for (const StoredRow& row : *rows) {
+        QStringList parts{m_labels.value(RecordRef{s("Orders"), row.key})};
+        for (const QVariant& value : row.values)
+            parts << value.toString();
+        actual << parts.join(QLatin1Char(' '));
+    }
+    const auto seconds = [](const QDateTime& moment) {
+        return QString::number(qint64(QDateTime(QDate(2001, 1, 1), QTime(0, 0), Qt::UTC).secsTo(moment)));
+    };
+    QCOMPARE(actual, (QStringList{s("D2 D2 Álmos Kft. ") + seconds(day(2024, 2, 1)) + s(" 110 0"),
+                                  s("D1 D1 Álmos Kft. ") + seconds(day(2024, 1, 15)) + s(" 100 0")}));
 }
 
 // Searches over a whole history must be answered from an index alone. A to-one join that reads

@@ -673,11 +673,17 @@ std::optional<SqlStatement> SqlCompiler::groupedSums(const FetchRequest& request
                    error);
 }
 
+std::optional<SqlStatement> SqlCompiler::values(const FetchRequest& request, const QStringList& keyPaths,
+                                                StoreError* error) const
+{
+    return compile(request, {Shape::Values, Aggregate::Sum, {}, keyPaths}, error);
+}
+
 std::optional<SqlStatement> SqlCompiler::compile(const FetchRequest& request, const Projection& projection,
                                                  StoreError* error) const
 {
     const bool countOnly = projection.shape == Shape::Count;
-    const bool ordered = projection.shape == Shape::Records;
+    const bool ordered = projection.shape == Shape::Records || projection.shape == Shape::Values;
     const EntityDescription* entity = m_model.entity(request.entity);
     if (!entity) {
         report(error,
@@ -737,6 +743,12 @@ std::optional<SqlStatement> SqlCompiler::compile(const FetchRequest& request, co
             Sql list = group.sql + ", count(*)";
             for (const QString& keyPath : projection.sumKeyPaths)
                 list = list + ", total(" + compiler.valueOperand(keyPath, top).sql + ")";
+            columns = list.text;
+            columnBinds = list.binds;
+        } else if (projection.shape == Shape::Values) {
+            Sql list("t0.pk");
+            for (const QString& keyPath : projection.sumKeyPaths)
+                list = list + ", " + compiler.valueOperand(keyPath, top).sql;
             columns = list.text;
             columnBinds = list.binds;
         } else {

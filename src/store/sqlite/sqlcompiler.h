@@ -46,17 +46,21 @@ public:
                                             std::optional<AttributeType>* groupType,
                                             StoreError* error = nullptr) const;
 
+    // SELECT of the primary key and the values of `keyPaths`, in the request's order and window.
+    std::optional<SqlStatement> values(const FetchRequest& request, const QStringList& keyPaths,
+                                       StoreError* error = nullptr) const;
+
     // SQL names are always quoted, since the model uses words such as `order` and `desc`.
     static QString quoted(const QString& name);
 
 private:
-    enum class Shape { Records, Count, Aggregate, GroupedSums };
+    enum class Shape { Records, Count, Aggregate, GroupedSums, Values };
     struct Projection
     {
         Shape shape = Shape::Records;
         Aggregate function = Aggregate::Sum;
-        QString keyPath; // the aggregated key path, or the group's
-        QStringList sumKeyPaths = {};
+        QString keyPath;              // the aggregated key path, or the group's
+        QStringList sumKeyPaths = {}; // the summed key paths, or the values' key paths
         QString* groupEntity = nullptr;
         std::optional<AttributeType>* groupType = nullptr;
     };

@@ -498,6 +498,40 @@ std::optional<QList<GroupSums>> SqliteDatabase::groupedSums(const FetchRequest& 
     return groups;
 }
 
+std::optional<QList<StoredRow>> SqliteDatabase::values(const FetchRequest& request,
+                                                       const QStringList& keyPaths, StoreError* error)
+{
+    const std::optional<SqlStatement> statement = SqlCompiler(*m_model).values(request, keyPaths, error);
+    if (!statement)
+        return std::nullopt;
+    const QString failure = tr("The records could not be read.");
+    QString why;
+    QSqlQuery* query = prepared(statement->text, &why);
+    if (!query) {
+        report(error, StoreError::make(StoreError::InvalidFetch, failure, why));
+        return std::nullopt;
+    }
+    for (qsizetype i = 0; i < statement->bindings.size(); ++i)
+        query->bindValue(int(i), statement->bindings.at(i));
+    if (!query->exec()) {
+        report(error, StoreError::make(StoreError::InvalidFetch, failure, query->lastError().text()));
+        query->finish();
+        return std::nullopt;
+    }
+    QList<StoredRow> rows;
+    const int columns = int(keyPaths.size());
+    while (query->next()) {
+        StoredRow row;
+        row.key = query->value(0).toLongLong();
+        row.values.reserve(columns);
+        for (int i = 1; i <= columns; ++i)
+            row.values << query->value(i);
+        rows << std::move(row);
+    }
+    query->finish();
+    return rows;
+}
+
 QueryPlan SqliteDatabase::explain(const FetchRequest& request, Aggregate function, const QString& keyPath)
 {
     QueryPlan plan;

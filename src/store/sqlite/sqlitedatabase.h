@@ -81,6 +81,9 @@ public:
     // The sums of a fetch's records per value of `groupKeyPath` (see EditingContext).
     std::optional<QList<GroupSums>> groupedSums(const FetchRequest& request, const QString& groupKeyPath,
                                                 const QStringList& sumKeyPaths, StoreError* error);
+    // The values of `keyPaths` of a fetch's records, in their stored form (see EditingContext).
+    std::optional<QList<StoredRow>> values(const FetchRequest& request, const QStringList& keyPaths,
+                                           StoreError* error);
     // The statement and plan of an aggregate; an empty plan when it cannot be compiled.
     QueryPlan explain(const FetchRequest& request, Aggregate function, const QString& keyPath);
 
