@@ -1,6 +1,7 @@
 #include "browse/pageaddress.h"
 
 #include <QRegularExpression>
+#include <QUrl>
 
 namespace corvanta::browse {
 
@@ -25,7 +26,10 @@ QString PageAddress::of(const QString& path, ListKind kind, const QString& ident
 {
     if (kind == ListKind::None)
         return path;
-    return QStringLiteral("%1?%2&%3").arg(path).arg(int(kind)).arg(identifier);
+    // A UUID stays as it is; any other character an identifier may hold (an imported address
+    // book's UID) is percent-encoded, so that it cannot end the query or the address.
+    return QStringLiteral("%1?%2&%3")
+        .arg(path, QString::number(int(kind)), QString::fromLatin1(QUrl::toPercentEncoding(identifier)));
 }
 
 std::optional<PageAddress> PageAddress::parse(const QString& address)
@@ -40,14 +44,18 @@ std::optional<PageAddress> PageAddress::parse(const QString& address)
     if (digit < u'1' || digit > u'4')
         return std::nullopt;
     const ListKind kind = ListKind(digit - u'0');
-    static const QRegularExpression identifierForm(QStringLiteral("^[A-Za-z0-9_-]+$"));
-    if (!identifierForm.match(parts[1]).hasMatch())
+    static const QRegularExpression encodedForm(QStringLiteral("^[A-Za-z0-9._~%-]+$"));
+    if (!encodedForm.match(parts[1]).hasMatch())
+        return std::nullopt;
+    const QString identifier = QUrl::fromPercentEncoding(parts[1].toLatin1());
+    static const QRegularExpression controlCharacter(QStringLiteral("[\\x00-\\x1f\\x7f]"));
+    if (identifier.trimmed().isEmpty() || identifier.contains(controlCharacter))
         return std::nullopt;
     const QString path = address.left(question);
     const QString page = path.mid(path.lastIndexOf(QLatin1Char('/')) + 1);
     if (page != pageName(kind))
         return std::nullopt;
-    return PageAddress{kind, parts[1]};
+    return PageAddress{kind, identifier};
 }
 
 } // namespace corvanta::browse

@@ -101,6 +101,9 @@ void tst_DetailPages::address_data()
     QTest::newRow("no identifier") << s("client.html?1&") << 0 << QString();
     QTest::newRow("no separator") << s("client.html?1x") << 0 << QString();
     QTest::newRow("extra part") << s("client.html?1&x&y") << 0 << QString();
+    QTest::newRow("address book UID") << s("client.html?1&urn%3Auuid%3A1%40x") << 1 << s("urn:uuid:1@x");
+    QTest::newRow("line break in identifier") << s("client.html?1&a%0Ab") << 0 << QString();
+    QTest::newRow("blank identifier") << s("client.html?1&%20") << 0 << QString();
     QTest::newRow("quote in identifier") << s("client.html?1&x'y") << 0 << QString();
     QTest::newRow("another kind's page") << s("item.html?1&x") << 0 << QString();
 }
