@@ -53,7 +53,8 @@ const QList<Command>& CommandLine::commands()
 {
     static const QList<Command> all = generalCommands() + databasesCommands() + clientsCommands() +
                                       itemsCommands() + documentsCommands() + documentActionsCommands() +
-                                      printCommands() + templatesCommands() + demoCommands();
+                                      printCommands() + templatesCommands() + foldersCommands() +
+                                      tagsCommands() + demoCommands();
     return all;
 }
 

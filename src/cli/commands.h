@@ -18,6 +18,8 @@ QList<Command> documentActionsCommands(); // finalize, cancel, duplicate, pay, s
 QList<Command> demoCommands();
 QList<Command> templatesCommands(); // list, new, rename, duplicate, delete, default, export, import, preview
 QList<Command> printCommands();     // documents pdf, reports pdf
+QList<Command> foldersCommands();   // the sidebar's tree: show, list, new-*, rename, delete, move
+QList<Command> tagsCommands();      // add, remove
 
 // What a command that made or changed a document prints: its number (or draft text) and its
 // identifier, or the whole document with --json.
@@ -26,6 +28,10 @@ void printDocumentMade(Invocation& invocation, const store::Record* document);
 // The one design template that `key` (an identifier or a name) names; null after reporting why
 // there is none.
 store::Record* namedTemplate(Invocation& invocation, const QString& key);
+
+// The one sidebar node that `key` (an indexpath, or a name) names; null after reporting why
+// there is none.
+store::Record* namedFolder(Invocation& invocation, const QString& key);
 
 // What a command that wrote a PDF prints: its path and page count.
 void printPdfWritten(Invocation& invocation, const QString& path, int pages);

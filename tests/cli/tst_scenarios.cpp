@@ -13,6 +13,7 @@ private Q_SLOTS:
     void invoiceToCancelledAndForeignQuotation();
     void numberingWithStartNumberAndDrafts();
     void templatesAndPdf();
+    void sidebarFoldersAndTags();
 
 private:
     std::unique_ptr<Cli> m_cli;
@@ -152,6 +153,62 @@ void tst_Scenarios::templatesAndPdf()
     QVERIFY2(run.err.contains(s("The file format is wrong.")), qPrintable(run.err));
     QCOMPARE(m_cli->json("templates list").toArray().size(), 15);
     QCOMPARE(m_cli->run(s("templates new --type cheque")).exitCode, 2);
+}
+
+void tst_Scenarios::sidebarFoldersAndTags()
+{
+    QCOMPARE(m_cli->run(invoice("--row Bolt;1")).exitCode, 0);
+    const auto node = [&](const QString& name) {
+        // The nodes of the tree, depth first, found by name.
+        QJsonArray pending = m_cli->json("folders").toArray();
+        while (!pending.isEmpty()) {
+            const QJsonObject next = pending.takeAt(0).toObject();
+            if (next[s("name")].toString() == name)
+                return next;
+            for (const QJsonValue& child : next[s("children")].toArray())
+                pending.append(child);
+        }
+        return QJsonObject();
+    };
+    QCOMPARE(node(s("Company"))[s("count")].toString(), s("1"));
+    QCOMPARE(node(s("Unpaid Invoices"))[s("count")].toString(), s("1"));
+    QCOMPARE(node(s("Supplier"))[s("subtype")].toInt(), 1);
+    QVERIFY(node(s("My Folder"))[s("count")].isNull());
+
+    // Relative dates are fixed at each count: the invoice was made today.
+    QCOMPARE(
+        m_cli
+            ->run(QStringList{s("folders"), s("new-smart"), s("Today"), s("--kind"), s("documents"),
+                              s("--where"), s("date_creation >= \"@today\""), s("--parent"), s("Documents")})
+            .line(0),
+        s("002013 Today"));
+    QCOMPARE(node(s("Today"))[s("count")].toString(), s("1"));
+    Run refused = m_cli->run("folders new-smart Broken --kind items --where name==");
+    QCOMPARE(refused.exitCode, 1);
+    QVERIFY2(refused.err.contains(s("malformed")), qPrintable(refused.err));
+
+    // Refusals change nothing.
+    const QJsonValue before = m_cli->json("folders");
+    refused = m_cli->run("folders delete Clients");
+    QCOMPARE(refused.exitCode, 1);
+    QVERIFY2(refused.err.startsWith(s("Cannot be deleted")), qPrintable(refused.err));
+    QCOMPARE(m_cli->run("folders move 004 --to 004000").exitCode, 1);
+    QCOMPARE(m_cli->run("folders move 004000 --to Invoice").exitCode, 1);
+    QCOMPARE(m_cli->json("folders"), before);
+
+    QCOMPARE(m_cli->run("folders move Cancellation --to 004 --position 0").line(0), s("004000 Cancellation"));
+    QCOMPARE(node(s("My Folder"))[s("indexpath")].toString(), s("004001"));
+    QCOMPARE(node(s("Today"))[s("indexpath")].toString(), s("002012"));
+
+    // A tag of the user's own beside the client's system tag, which stays.
+    QCOMPARE(m_cli->run("folders new-tag VIP --kind clients --parent 000 --colors #FFFFFF AA0000").line(0),
+             s("000004 VIP"));
+    QCOMPARE(node(s("VIP"))[s("background_color")].toString(), s("#AA0000"));
+    const QJsonArray tagged = m_cli->json("tags add VIP Acme").toArray();
+    QCOMPARE(tagged.first()[s("tags")].toArray(), (QJsonArray{s("VIP"), s("Company")}));
+    QCOMPARE(m_cli->run("tags remove Company Acme").exitCode, 1);
+    QCOMPARE(m_cli->run("folders list VIP").out, s("Acme\n"));
+    QCOMPARE(m_cli->run("tags remove VIP Acme").out, s("Acme: Company\n"));
 }
 
 QTEST_GUILESS_MAIN(tst_Scenarios)
