@@ -156,11 +156,10 @@ void PageBridge::setChartRange(const QDate& from, const QDate& to)
         emitChart();
 }
 
-bool PageBridge::refuse(const char* call, const QString& reason)
+void PageBridge::refuse(const char* call, const QString& reason)
 {
     qCWarning(lcPageBridge, "The page's call %s was refused: %s", call, qPrintable(reason));
     Q_EMIT callRefused(s(call), reason);
-    return false;
 }
 
 Record* PageBridge::shownOf(const char* call, ListKind kind)

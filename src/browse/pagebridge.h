@@ -82,7 +82,7 @@ Q_SIGNALS:
     void callRefused(const QString& call, const QString& reason);
 
 private:
-    bool refuse(const char* call, const QString& reason);
+    void refuse(const char* call, const QString& reason);
     // The shown record when it is of `kind`; refuses the call otherwise.
     store::Record* shownOf(const char* call, ListKind kind);
     store::Record* shownClientOrItem(const char* call);
