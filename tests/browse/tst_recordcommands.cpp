@@ -1,0 +1,320 @@
+#include "../documents/documenttestsupport.h"
+#include "browse/addtodocument.h"
+#include "browse/commandavailability.h"
+#include "browse/recordcommands.h"
+#include "browse/recordmenus.h"
+#include "documents/documentcanceller.h"
+#include "editors/documentcontroller.h"
+#include "model/companysettings.h"
+
+using namespace corvanta;
+using browse::RecordCommand;
+using browse::RecordMenus;
+using documents::testing::at;
+using documents::testing::s;
+using documents::testing::TestCompany;
+using predicate::RecordRef;
+using store::Record;
+
+namespace {
+
+// A list of names, sorted.
+QString tagNames(const QVariant& names)
+{
+    QStringList sorted = names.toStringList();
+    sorted.sort();
+    return sorted.join(s(", "));
+}
+
+QString choicesText(const QList<RecordMenus::Choice>& choices)
+{
+    QStringList texts;
+    for (const RecordMenus::Choice& choice : choices)
+        texts << choice.title + (choice.checked ? s(" [x]") : s(" [ ]"));
+    return texts.join(s(", "));
+}
+
+// A company with a client in two invoices (one cancelled), an item on three document lines, a
+// draft and an estimate, a to-do and some user tags.
+class CommandCompany : public TestCompany
+{
+public:
+    CommandCompany()
+    {
+        client = addClient(s("Alpha AG"));
+        item = addItem(s("Widget"), 10);
+        invoice = addDocument(0, client, item, 2);
+        cancelled = addDocument(0, client, item, 1);
+        draft = addDocument(0, {}, item, 1, false);
+        estimate = addDocument(2, {}, item, 1);
+        // The canceller asks once; the scripted prompter takes "Cancel Invoice".
+        cancellation = *make<documents::DocumentCanceller>().cancel(cancelled);
+        prompter().clear();
+        todo = add("ToDos", {{s("title"), s("Call Alpha")}, {s("identifier"), s("todo-1")}});
+        vip = add("Categories", {{s("name"), s("VIP")}, {s("type"), 1}});
+        latePayer = add("Categories", {{s("name"), s("Late payer")}, {s("type"), 1}});
+        documentTag = add("Categories", {{s("name"), s("Urgent")}, {s("type"), 3}});
+        Record* alpha = record(client);
+        alpha->addRelated(s("tags"), record(vip));
+        alpha->addRelated(s("tags"), named("Categories", s("Company")));
+        Record* address = main().insertRecord(s("Addresses"), {{s("street"), s("Main Street 1")}});
+        address->setRelated(s("client"), alpha);
+        alpha->setRelated(s("default_address"), address);
+        record(item)->addRelated(s("tags"), named("Categories", s("Product")));
+        saveMain();
+    }
+
+    RecordRef byName(const QString& name)
+    {
+        const QHash<QString, RecordRef> refs{{s("client"), client},   {s("item"), item},
+                                             {s("invoice"), invoice}, {s("cancelled invoice"), cancelled},
+                                             {s("draft"), draft},     {s("estimate"), estimate},
+                                             {s("to-do"), todo},      {s("cancellation"), cancellation}};
+        return refs.value(name);
+    }
+
+    RecordRef client, item, invoice, cancelled, cancellation, draft, estimate, todo;
+    RecordRef vip, latePayer, documentTag;
+};
+
+} // namespace
+
+// The browser's commands on the selected record: when they are offered, the questions before
+// deleting and cancelling, duplicates, handing a client or item to the document editor, and the
+// design-template and tag menus.
+class tst_RecordCommands : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void availability_data();
+    void availability();
+    void deleteAsks_data();
+    void deleteAsks();
+    void cancelAsks();
+    void duplicates_data();
+    void duplicates();
+    void addToDocument();
+    void designTemplateMenu();
+    void tagMenu();
+};
+
+void tst_RecordCommands::availability_data()
+{
+    QTest::addColumn<int>("command");
+    QTest::addColumn<QStringList>("selection");
+    QTest::addColumn<bool>("enabled");
+    const int sort = int(RecordCommand::Sort);
+    const int cancel = int(RecordCommand::Cancel);
+    QTest::newRow("sort without a selection") << sort << QStringList{} << true;
+    QTest::newRow("sort with two") << sort << QStringList{s("client"), s("item")} << true;
+    QTest::newRow("edit without a selection") << int(RecordCommand::Edit) << QStringList{} << false;
+    QTest::newRow("delete with two") << int(RecordCommand::Delete) << QStringList{s("client"), s("item")}
+                                     << false;
+    QTest::newRow("duplicate one") << int(RecordCommand::Duplicate) << QStringList{s("client")} << true;
+    QTest::newRow("tags of one") << int(RecordCommand::Tags) << QStringList{s("to-do")} << true;
+    QTest::newRow("cancel a final invoice") << cancel << QStringList{s("invoice")} << true;
+    QTest::newRow("cancel a draft") << cancel << QStringList{s("draft")} << false;
+    QTest::newRow("cancel an estimate") << cancel << QStringList{s("estimate")} << false;
+    QTest::newRow("cancel a cancelled invoice") << cancel << QStringList{s("cancelled invoice")} << false;
+    QTest::newRow("cancel a cancellation") << cancel << QStringList{s("cancellation")} << false;
+    QTest::newRow("cancel a client") << cancel << QStringList{s("client")} << false;
+}
+
+void tst_RecordCommands::availability()
+{
+    QFETCH(int, command);
+    QFETCH(QStringList, selection);
+    QFETCH(bool, enabled);
+    CommandCompany company;
+    QList<Record*> records;
+    for (const QString& name : selection)
+        records << company.record(company.byName(name));
+    QCOMPARE(browse::CommandAvailability::isEnabled(RecordCommand(command), records), enabled);
+}
+
+void tst_RecordCommands::deleteAsks_data()
+{
+    QTest::addColumn<QString>("record");
+    QTest::addColumn<QString>("nameKey");
+    QTest::addColumn<QString>("question");
+    QTest::addColumn<bool>("confirm");
+    QTest::newRow("client in use") << s("client") << s("full_name")
+                                   << s("Are you sure you want to delete the client \"%1\"? | The chosen "
+                                        "client is in use in 3 documents. "
+                                        "This action cannot be undone. | Delete Client, Cancel")
+                                   << true;
+    QTest::newRow("client kept")
+        << s("client") << s("full_name")
+        << s("Are you sure you want to delete the client \"%1\"? | The chosen client is "
+             "in use in 3 documents. This action cannot be undone. | Delete Client, Cancel")
+        << false;
+    // Two invoices, the cancellation, the draft and the estimate: five lines.
+    QTest::newRow("item in use")
+        << s("item") << s("name")
+        << s("Are you sure you want to delete the item \"%1\"? | The chosen item is in use "
+             "in 5 document lines. This action cannot be undone. | Delete Item, Cancel")
+        << true;
+    QTest::newRow("document")
+        << s("invoice") << s("number_formatted")
+        << s("Are you sure you want to delete the document \"%1\"? | This action cannot be "
+             "undone. | Delete Document, Cancel")
+        << true;
+    QTest::newRow("to-do")
+        << s("to-do") << s("title")
+        << s("Are you sure you want to delete the ToDo \"%1\"? | This action cannot be undone. | "
+             "Delete ToDo, Cancel")
+        << true;
+}
+
+void tst_RecordCommands::deleteAsks()
+{
+    QFETCH(QString, record);
+    QFETCH(QString, nameKey);
+    QFETCH(QString, question);
+    QFETCH(bool, confirm);
+    CommandCompany company;
+    const RecordRef ref = company.byName(record);
+    const QString name = company.record(ref)->value(nameKey).toString();
+    if (!confirm)
+        company.prompter().addAnswer(s("Cancel"));
+    browse::RecordCommands commands(company.store(), company.prompter(), company.clock());
+    QCOMPARE(commands.deleteRecord(ref), confirm);
+    QCOMPARE(company.asked(), QStringList{question.arg(name)});
+    QCOMPARE(company.stored(ref, "self").isNull(), confirm);
+}
+
+void tst_RecordCommands::cancelAsks()
+{
+    CommandCompany company;
+    browse::RecordCommands commands(company.store(), company.prompter(), company.clock());
+    const QString number = company.record(company.invoice)->value(s("number_formatted")).toString();
+    company.prompter().addAnswer(s("Don't Cancel"));
+    QVERIFY(!commands.cancelDocument(company.invoice));
+    QCOMPARE(company.asked(),
+             QStringList{s("Are you sure you want to cancel the document \"%1\"? | This action "
+                           "cannot be undone. | Cancel Invoice, Don't Cancel")
+                             .arg(number)});
+    QVERIFY(company.stored(company.invoice, "cancel_reference").isNull());
+
+    const std::optional<RecordRef> twin = commands.cancelDocument(company.invoice);
+    QVERIFY(twin);
+    QCOMPARE(company.stored(company.invoice, "cancel_reference").value<RecordRef>(), *twin);
+    QVERIFY(!commands.cancelDocument(company.client));
+}
+
+void tst_RecordCommands::duplicates_data()
+{
+    QTest::addColumn<QString>("record");
+    QTest::addColumn<int>("firstNamePosition");
+    QTest::addColumn<QString>("keyPaths");
+    QTest::addColumn<QString>("copied");
+    const QString client = s("full_name default_address.street created");
+    QTest::newRow("company client")
+        << s("client") << 0 << client
+        << s("full_name=Alpha AG Copy default_address.street=Main Street 1 created=2024-03-15T10:30:00");
+    QTest::newRow("individual, first name first")
+        << s("individual") << 0 << client
+        << s("full_name=Jane Doe Copy default_address.street= created=2024-03-15T10:30:00");
+    QTest::newRow("individual, last name first")
+        << s("individual") << 1 << client
+        << s("full_name=Doe Jane Copy default_address.street= created=2024-03-15T10:30:00");
+    QTest::newRow("item, without stock of its own")
+        << s("item") << 0 << s("name code custom_price02 stock_current")
+        << s("name=Widget Copy code=WID custom_price02=20 stock_current=0");
+    QTest::newRow("to-do") << s("to-do") << 0 << s("title") << s("title=Call Alpha");
+}
+
+void tst_RecordCommands::duplicates()
+{
+    QFETCH(QString, record);
+    QFETCH(int, firstNamePosition);
+    QFETCH(QString, keyPaths);
+    QFETCH(QString, copied);
+    CommandCompany company;
+    QVERIFY(model::CompanySettings(company.main()).setSetting(s("first_name_position"), firstNamePosition));
+    RecordRef original = company.byName(record);
+    if (record == s("individual")) {
+        original = company.add("Clients",
+                               {{s("type"), 2}, {s("first_name"), s("Jane")}, {s("last_name"), s("Doe")}});
+    } else if (record == s("item")) {
+        company.record(original)->setValue(s("stock_current"), 5);
+        company.saveMain();
+    }
+
+    browse::RecordCommands commands(company.store(), company.prompter(), company.clock());
+    const std::optional<RecordRef> copy = commands.duplicate(original);
+    QVERIFY(copy);
+    QVERIFY(*copy != original);
+    QCOMPARE(company.storedText(*copy, keyPaths), copied);
+    QCOMPARE(tagNames(company.stored(*copy, "tags.name")), tagNames(company.stored(original, "tags.name")));
+    QVERIFY(company.stored(*copy, "identifier") != company.stored(original, "identifier"));
+}
+
+void tst_RecordCommands::addToDocument()
+{
+    CommandCompany company;
+    Record* term =
+        company.record(company.add("DueDays", {{s("name"), s("14 days")}, {s("days"), 14}, {s("type"), 0}}));
+    Record* paymentType = company.record(company.add("PaymentTypes", {{s("name"), s("Cash")}}));
+    Record* alpha = company.record(company.client);
+    alpha->setRelated(s("default_due_day"), term);
+    alpha->setRelated(s("default_payment_type"), paymentType);
+    company.saveMain();
+
+    editors::DocumentController editor(company.store(), company.prompter(), company.clock());
+    QVERIFY(!browse::AddToDocument::add(company.invoice, editor));
+    QVERIFY(!editor.document());
+    // A client opens a new invoice first and gives it its terms.
+    QVERIFY(browse::AddToDocument::add(company.client, editor));
+    QVERIFY(editor.document());
+    QCOMPARE(editor.document()->value(s("type")).toInt(), 0);
+    QCOMPARE(TestCompany::text(editor.document(), s("client.full_name payment_type.name")),
+             s("client.full_name=Alpha AG payment_type.name=Cash"));
+    QCOMPARE(editor.document()->value(s("date_due")).toDateTime().date(), QDate(2024, 3, 29));
+
+    // An item becomes a row at the third price level.
+    editor.defaultPriceChanged(3);
+    QVERIFY(browse::AddToDocument::add(company.item, editor));
+    QCOMPARE(editor.rows().size(), 1);
+    QCOMPARE(TestCompany::text(editor.rows().first(), s("name code unit_price item.name")),
+             s("name=Widget code=WID unit_price=30 item.name=Widget"));
+}
+
+void tst_RecordCommands::designTemplateMenu()
+{
+    CommandCompany company;
+    for (const char* name : {"Modern", "classic"})
+        company.add("Templates", {{s("name"), s(name)}, {s("type"), 0}});
+    const RecordRef quotation = company.add("Templates", {{s("name"), s("Quotation")}, {s("type"), 3}});
+    company.record(company.invoice)->setRelated(s("template"), company.named("Templates", s("Modern")));
+    company.saveMain();
+
+    RecordMenus menus(company.store(), company.prompter());
+    QCOMPARE(choicesText(menus.designTemplates(company.invoice)), s("classic [ ], Modern [x]"));
+    QVERIFY(!menus.setDesignTemplate(company.invoice, quotation));
+    QVERIFY(menus.setDesignTemplate(company.invoice, company.named("Templates", s("classic"))->ref()));
+    QCOMPARE(company.storedText(company.invoice, s("template.name")), s("template.name=classic"));
+    QCOMPARE(choicesText(menus.designTemplates(company.invoice)), s("classic [x], Modern [ ]"));
+}
+
+void tst_RecordCommands::tagMenu()
+{
+    CommandCompany company;
+    RecordMenus menus(company.store(), company.prompter());
+    QCOMPARE(choicesText(menus.tags(company.client)), s("Late payer [ ], VIP [x]"));
+    QCOMPARE(choicesText(menus.tags(company.invoice)), s("Urgent [ ]"));
+
+    QVERIFY(menus.toggleTag(company.vip, {company.client}));
+    QCOMPARE(company.storedText(company.client, s("tags.name")), s("tags.name=Company"));
+    QVERIFY(menus.toggleTag(company.latePayer, {company.client}));
+    // System tags and another kind's tags are not the menu's to change.
+    const RecordRef companyTag = company.named("Categories", s("Company"))->ref();
+    QVERIFY(!menus.toggleTag(companyTag, {company.client}));
+    QVERIFY(!menus.toggleTag(company.documentTag, {company.client}));
+    QCOMPARE(choicesText(menus.tags(company.client)), s("Late payer [x], VIP [ ]"));
+    QVERIFY(company.storedText(company.client, s("tags.name")).contains(s("Company")));
+}
+
+QTEST_GUILESS_MAIN(tst_RecordCommands)
+#include "tst_recordcommands.moc"
