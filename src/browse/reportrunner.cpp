@@ -1,0 +1,105 @@
+#include "browse/reportrunner.h"
+
+#include "browse/reportfilter.h"
+#include "store/editingcontext.h"
+#include "store/record.h"
+
+namespace corvanta::browse {
+
+namespace {
+
+QString s(const char* text)
+{
+    return QString::fromLatin1(text);
+}
+
+} // namespace
+
+store::Record* ReportResult::recordAt(qsizetype row) const
+{
+    if (row < 0 || row >= keys.size())
+        return nullptr;
+    if (!records.isEmpty())
+        return records.at(row);
+    return context ? context->record({entity, keys.at(row)}) : nullptr;
+}
+
+DocumentSums ReportResult::sumsOf(const store::Record* record) const
+{
+    return record ? recordSums.value(record->pk()) : DocumentSums{};
+}
+
+std::optional<ReportResult> ReportRunner::run(const ReportOptions& options, ZoomStep zoom, Records records,
+                                              store::StoreError* error)
+{
+    ReportResult result;
+    result.options = options;
+    result.entity = ReportViews::entity(options.view);
+    result.context = &m_context;
+    store::FetchRequest list(result.entity, ReportFilter::list(options), ReportViews::sort(options.view));
+    list.includesPendingChanges = false;
+    const bool perRecord = options.view == ReportView::ClientSums || options.view == ReportView::ItemSums;
+
+    ReportSums sums(m_context);
+    QList<qint64>& keys = result.keys;
+    // The documents and rows views read their list's keys with the amounts in one statement.
+    const std::optional<QList<DatedSums>> amounts =
+        perRecord ? sums.dated(options, ReportSums::chartRequest(options), nullptr, error)
+                  : sums.dated(options, list, &keys, error);
+    if (!amounts)
+        return std::nullopt;
+
+    if (records == Records::Whole) {
+        store::StoreError fetchError;
+        result.records = m_context.fetch(list, &fetchError);
+        if (fetchError.isError()) {
+            store::report(error, fetchError);
+            return std::nullopt;
+        }
+        keys.clear();
+        keys.reserve(result.records.size());
+        for (const store::Record* record : std::as_const(result.records))
+            keys << record->pk();
+    } else if (perRecord) {
+        const std::optional<QList<store::StoredRow>> listed = m_context.storedValues(list, {}, error);
+        if (!listed)
+            return std::nullopt;
+        keys.reserve(listed->size());
+        for (const store::StoredRow& row : *listed)
+            keys << row.key;
+    }
+
+    if (perRecord) {
+        std::optional<QHash<qint64, DocumentSums>> byRecord = sums.byRecord(options, error);
+        if (!byRecord)
+            return std::nullopt;
+        for (qint64 key : std::as_const(keys)) {
+            const auto it = byRecord->constFind(key);
+            if (it == byRecord->cend())
+                continue;
+            result.totals += *it;
+            result.recordSums.insert(key, *it);
+        }
+        // Whole records carry their sums, each written anew (zero without counted documents), so
+        // that none keeps the sums of an earlier report.
+        if (records == Records::Whole) {
+            for (store::Record* record : std::as_const(result.records)) {
+                const DocumentSums own = result.sumsOf(record);
+                record->setValue(s("documents_sum_net"), own.net);
+                record->setValue(s("documents_sum_tax1"), own.tax1);
+                record->setValue(s("documents_sum_tax2"), own.tax2);
+                record->setValue(s("documents_sum_total"), own.total);
+            }
+        }
+    } else {
+        for (const DatedSums& amount : *amounts)
+            result.totals += amount.sums;
+    }
+
+    result.zoomSteps = ReportZoom::enabledSteps(options.fromDate, options.toDate);
+    result.zoom = ReportZoom::inForce(zoom, options.fromDate, options.toDate);
+    result.chart = ReportChart::of(*amounts, options.fromDate, options.toDate, result.zoom);
+    return result;
+}
+
+} // namespace corvanta::browse

@@ -1,0 +1,293 @@
+#include "../documents/documenttestsupport.h"
+#include "browse/reportcolumns.h"
+#include "browse/reportfilter.h"
+#include "browse/reportgeneration.h"
+#include "browse/reportrunner.h"
+#include "templates/templatetypes.h"
+
+using namespace corvanta;
+using namespace corvanta::documents::testing;
+using browse::DocumentSums;
+using browse::ReportOptions;
+using browse::ReportView;
+
+Q_DECLARE_METATYPE(browse::ReportView)
+
+// A company with a handful of documents around March 2024, and the reports over them.
+class tst_ReportFilter : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void lists_data();
+    void lists();
+    void sumsPerClientAndItem_data();
+    void sumsPerClientAndItem();
+    void sumsOfAnEarlierPeriodDoNotStay();
+    void totalsAndChart();
+    void groupedReportInput();
+    void customFieldColumnsTakeTheirLabels_data();
+    void customFieldColumnsTakeTheirLabels();
+
+private:
+    ReportOptions march(ReportView view = ReportView::Documents);
+    QStringList labelsOf(const QList<store::Record*>& records) const;
+    QString sumsText(const DocumentSums& sums) const;
+
+    std::unique_ptr<TestCompany> m_company;
+    QHash<RecordRef, QString> m_labels;
+};
+
+ReportOptions tst_ReportFilter::march(ReportView view)
+{
+    ReportOptions options = ReportOptions::defaults(m_company->main(), m_company->now());
+    options.setView(view, m_company->main());
+    options.setDates(QDate(2024, 3, 1), QDate(2024, 3, 31));
+    return options;
+}
+
+QStringList tst_ReportFilter::labelsOf(const QList<store::Record*>& records) const
+{
+    QStringList labels;
+    for (const store::Record* record : records) {
+        const store::Record* document =
+            record->entityName() == s("DocumentRows") ? record->related(s("document")) : record;
+        labels << m_labels.value(document->ref());
+    }
+    return labels;
+}
+
+QString tst_ReportFilter::sumsText(const DocumentSums& sums) const
+{
+    return QStringLiteral("%1 %2 %3 %4 %5")
+        .arg(sums.net)
+        .arg(sums.tax1)
+        .arg(sums.tax2)
+        .arg(sums.total)
+        .arg(sums.quantity);
+}
+
+void tst_ReportFilter::initTestCase()
+{
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+    m_company = std::make_unique<TestCompany>(at(2024, 3, 15));
+    TestCompany& c = *m_company;
+    const RecordRef vat20 = c.addTax(s("VAT 20"), 20);
+    const RecordRef vat10 = c.addTax(s("VAT 10"), 10);
+    const RecordRef bolt = c.addItem(s("Bolt"), 100, vat20);
+    const RecordRef nut = c.addItem(s("Nut"), 50, vat10);
+    const RecordRef alpha = c.addClient(s("Alpha"));
+    const RecordRef beta = c.addClient(s("Beta"));
+    c.addClient(s("Gamma"));
+    const QVariant usd = QVariant::fromValue(
+        c.main().fetchFirst(store::FetchRequest(s("Currencies"), predicate::literal("code == 'USD'"))));
+    const QVariant eur = QVariant::fromValue(
+        c.main().fetchFirst(store::FetchRequest(s("Currencies"), predicate::literal("code == 'EUR'"))));
+    const QVariant transfer = QVariant::fromValue(c.named("PaymentTypes", s("Bank Transfer")));
+    const QVariant cash = QVariant::fromValue(c.named("PaymentTypes", s("Cash")));
+    const auto day = [](int month, int d) { return QDateTime(QDate(2024, month, d), QTime(12, 0)); };
+
+    const struct
+    {
+        const char* label;
+        int type;
+        RecordRef client;
+        RecordRef item;
+        double quantity;
+        bool final;
+        QDateTime date;
+        QVariant currency;
+        QVariant paymentType;
+    } documents[] = {
+        {"d1", 0, alpha, bolt, 1, true, day(3, 1), usd, transfer}, // net 100, tax 20
+        {"d2", 0, alpha, nut, 2, true, day(3, 10), usd, transfer}, // net 100, tax 10
+        {"draft", 0, beta, bolt, 3, false, day(3, 12), usd, transfer},
+        {"d4", 2, beta, nut, 1, true, day(3, 5), usd, transfer},     // an estimate: net 50, tax 5
+        {"feb", 0, beta, bolt, 1, true, day(2, 10), usd, transfer},  // before the period
+        {"cash", 0, alpha, bolt, 1, true, day(3, 11), usd, cash},    // another payment type
+        {"euro", 0, beta, bolt, 1, true, day(3, 13), eur, transfer}, // another currency
+        {"april", 0, alpha, nut, 1, true, day(4, 1), usd, transfer}, // after the period
+        {"due", 0, beta, nut, 1, true, day(1, 2), usd, transfer},    // due in the period
+    };
+    for (const auto& d : documents) {
+        QVariantMap values{
+            {s("date_creation"), d.date}, {s("currency"), d.currency}, {s("payment_type"), d.paymentType}};
+        if (QByteArray(d.label) == "due")
+            values.insert(s("date_due"), day(3, 20));
+        m_labels.insert(c.addDocument(d.type, d.client, d.item, d.quantity, d.final, values), s(d.label));
+    }
+}
+
+void tst_ReportFilter::lists_data()
+{
+    QTest::addColumn<ReportView>("view");
+    QTest::addColumn<std::function<void(ReportOptions&, TestCompany&)>>("change");
+    QTest::addColumn<QStringList>("expected"); // sorted labels of the listed documents or rows' documents
+
+    using Change = std::function<void(ReportOptions&, TestCompany&)>;
+    const Change none = [](ReportOptions&, TestCompany&) {};
+    const auto tags = [](int join, const QStringList& names) {
+        return Change([=](ReportOptions& o, TestCompany& c) {
+            o.tagsJoin = join;
+            for (const QString& name : names)
+                o.tags << c.named("Categories", name);
+        });
+    };
+    QTest::newRow("period, default currency and payment type, no drafts")
+        << ReportView::Documents << none << QStringList{s("d1"), s("d2"), s("d4")};
+    QTest::newRow("all payment types")
+        << ReportView::Documents << Change([](ReportOptions& o, TestCompany&) { o.allPaymentTypes = true; })
+        << QStringList{s("cash"), s("d1"), s("d2"), s("d4")};
+    QTest::newRow("another currency")
+        << ReportView::Documents << Change([](ReportOptions& o, TestCompany& c) {
+               o.currency = c.main().fetchFirst(
+                   store::FetchRequest(s("Currencies"), predicate::literal("code == 'EUR'")));
+           })
+        << QStringList{s("euro")};
+    QTest::newRow("the last day counts whole")
+        << ReportView::Documents
+        << Change([](ReportOptions& o, TestCompany&) { o.setDates(QDate(2024, 3, 2), QDate(2024, 3, 10)); })
+        << QStringList{s("d2"), s("d4")};
+    QTest::newRow("by due date") << ReportView::Documents
+                                 << Change([](ReportOptions& o, TestCompany&) { o.dateType = 2; })
+                                 << QStringList{s("due")};
+    QTest::newRow("all of one tag") << ReportView::Documents << tags(0, {s("Invoice")})
+                                    << QStringList{s("d1"), s("d2")};
+    QTest::newRow("all of two tags") << ReportView::Documents << tags(0, {s("Invoice"), s("Estimate")})
+                                     << QStringList{};
+    QTest::newRow("any of two tags") << ReportView::Documents << tags(1, {s("Invoice"), s("Estimate")})
+                                     << QStringList{s("d1"), s("d2"), s("d4")};
+    QTest::newRow("rows of the counted documents")
+        << ReportView::DocumentRows << none << QStringList{s("d1"), s("d2"), s("d4")};
+    QTest::newRow("rows by their document's tags")
+        << ReportView::DocumentRows << tags(0, {s("Estimate")}) << QStringList{s("d4")};
+}
+
+void tst_ReportFilter::lists()
+{
+    QFETCH(ReportView, view);
+    QFETCH(std::function<void(ReportOptions&, TestCompany&)>, change);
+    ReportOptions options = march(view);
+    change(options, *m_company);
+    const std::optional<browse::ReportResult> result = browse::ReportRunner(m_company->main()).run(options);
+    QVERIFY(result);
+    QList<store::Record*> records;
+    for (qsizetype row = 0; row < result->size(); ++row)
+        records << result->recordAt(row);
+    QStringList labels = labelsOf(records);
+    labels.sort();
+    QTEST(labels, "expected");
+}
+
+void tst_ReportFilter::sumsPerClientAndItem_data()
+{
+    QTest::addColumn<ReportView>("view");
+    QTest::addColumn<QStringList>("expected"); // "name: net tax1 tax2 total quantity" in list order
+    QTest::newRow("clients, one without documents")
+        << ReportView::ClientSums
+        << QStringList{s("Alpha: 200 30 0 230 0"), s("Beta: 50 5 0 55 0"), s("Gamma: 0 0 0 0 0")};
+    QTest::newRow("items with their rows' quantity")
+        << ReportView::ItemSums << QStringList{s("Bolt: 100 20 0 120 1"), s("Nut: 150 15 0 165 3")};
+}
+
+void tst_ReportFilter::sumsPerClientAndItem()
+{
+    QFETCH(ReportView, view);
+    const std::optional<browse::ReportResult> result =
+        browse::ReportRunner(m_company->main())
+            .run(march(view), browse::ZoomStep::Day, browse::ReportRunner::Records::Whole);
+    QVERIFY(result);
+    QStringList actual;
+    for (const store::Record* record : result->records) {
+        const QString name =
+            record->value(s(view == ReportView::ClientSums ? "full_name" : "name")).toString();
+        actual << name + s(": ") + sumsText(result->sumsOf(record));
+        // The record carries the same sums, for the list's columns and the templates.
+        QCOMPARE(record->value(s("documents_sum_total")).toDouble(), result->sumsOf(record).total);
+    }
+    QTEST(actual, "expected");
+}
+
+void tst_ReportFilter::sumsOfAnEarlierPeriodDoNotStay()
+{
+    browse::ReportRunner runner(m_company->main());
+    const auto whole = browse::ReportRunner::Records::Whole;
+    QVERIFY(runner.run(march(ReportView::ClientSums), browse::ZoomStep::Day, whole));
+    ReportOptions february = march(ReportView::ClientSums);
+    february.setDates(QDate(2024, 2, 1), QDate(2024, 2, 29));
+    const std::optional<browse::ReportResult> result = runner.run(february, browse::ZoomStep::Day, whole);
+    QVERIFY(result);
+    QStringList totals;
+    for (const store::Record* client : result->records)
+        totals << client->value(s("full_name")).toString() + QLatin1Char('=') +
+                      client->value(s("documents_sum_total")).toString();
+    QCOMPARE(totals, (QStringList{s("Alpha=0"), s("Beta=120"), s("Gamma=0")}));
+}
+
+void tst_ReportFilter::totalsAndChart()
+{
+    const std::optional<browse::ReportResult> result =
+        browse::ReportRunner(m_company->main()).run(march(), browse::ZoomStep::Week);
+    QVERIFY(result);
+    QCOMPARE(sumsText(result->totals), s("250 35 0 285 3"));
+    QCOMPARE(result->zoom, browse::ZoomStep::Week);
+    // ISO weeks 9 (26 Feb - 3 March) to 13 (25 - 31 March); Sunday 10 March ends week 10.
+    QCOMPARE(result->chart.keys,
+             (QStringList{s("202409"), s("202410"), s("202411"), s("202412"), s("202413")}));
+    QCOMPARE(result->chart.value, (QList<double>{100, 150, 0, 0, 0}));
+    QCOMPARE(result->chart.value2, (QList<double>{20, 15, 0, 0, 0}));
+    QCOMPARE(result->chart.value3, (QList<double>{1, 2, 0, 0, 0}));
+}
+
+void tst_ReportFilter::groupedReportInput()
+{
+    ReportOptions options = march();
+    options.setDates(QDate(2024, 3, 1), QDate(2024, 3, 10));
+    options.tags << m_company->named("Categories", s("Invoice"));
+    const std::optional<browse::ReportResult> result = browse::ReportRunner(m_company->main()).run(options);
+    QVERIFY(result);
+    const templates::ReportInput input =
+        browse::ReportGeneration::input(*result, templates::TemplateTypes::DocumentsGroupedReport);
+    QStringList entries;
+    for (const templates::ReportInput::Row& row : input.rows)
+        entries << row.groupType + QLatin1Char(':') + labelsOf({row.record}).value(0);
+    QCOMPARE(entries, (QStringList{s("group_header:d1"), s("group_detail:d1"), s("group_footer:d1"),
+                                   s("group_header:d2"), s("group_detail:d2"), s("group_footer:d2")}));
+    const QVariantMap generationOptions =
+        browse::ReportGeneration::options(*result, templates::TemplateTypes::DocumentsGroupedReport);
+    QCOMPARE(generationOptions.value(s("date_end")).toDate(), QDate(2024, 3, 10));
+    QCOMPARE(generationOptions.value(s("currency")).value<store::Record*>()->value(s("code")).toString(),
+             s("USD"));
+}
+
+void tst_ReportFilter::customFieldColumnsTakeTheirLabels_data()
+{
+    QTest::addColumn<ReportView>("view");
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<QString>("title");
+    QTest::newRow("client field of documents")
+        << ReportView::Documents << s("client_custom01") << s("Region");
+    QTest::newRow("client field through the rows' document")
+        << ReportView::DocumentRows << s("document.client_custom01") << s("Region");
+    QTest::newRow("item field of rows") << ReportView::DocumentRows << s("custom02") << s("Colour");
+    QTest::newRow("item price level") << ReportView::ItemSums << s("custom_price01") << s("Unit Price");
+    QTest::newRow("plain column keeps its title") << ReportView::Documents << s("sum_net") << s("Net");
+}
+
+void tst_ReportFilter::customFieldColumnsTakeTheirLabels()
+{
+    QFETCH(ReportView, view);
+    QFETCH(QString, key);
+    m_company->named("Compose", s("client_custom01"))->setValue(s("label"), s("Region"));
+    m_company->named("Compose", s("item_custom02"))->setValue(s("label"), s("Colour"));
+    m_company->saveMain();
+    const QList<browse::ReportColumn> columns = browse::ReportColumns::of(m_company->main(), view);
+    const auto column = std::find_if(columns.cbegin(), columns.cend(),
+                                     [&](const browse::ReportColumn& c) { return c.key == key; });
+    QVERIFY(column != columns.cend());
+    QTEST(column->title, "title");
+}
+
+QTEST_GUILESS_MAIN(tst_ReportFilter)
+#include "tst_reportfilter.moc"
