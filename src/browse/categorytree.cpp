@@ -80,6 +80,12 @@ QList<Record*> CategoryTree::topLevel() const
     return nodes;
 }
 
+QList<Record*> CategoryTree::groupsByName() const
+{
+    return m_context.fetch(store::FetchRequest(s("Categories"), predicate::literal("parent == NULL"),
+                                               {store::SortDescriptor::localized(s("name"))}));
+}
+
 QList<Record*> CategoryTree::children(const Record* node)
 {
     QList<Record*> nodes = node->relatedList(s("children"));
@@ -188,7 +194,7 @@ Record* CategoryTree::newTag(const QString& name, int type, Record* parent)
 
 Record* CategoryTree::newSmartFolder(const QString& name, int kind, const QString& predicate, Record* parent)
 {
-    Record* folder = insertNode(name, parent);
+    Record* folder = insertNode(name.isEmpty() ? tr("Smart Folder") : name, parent);
     folder->setValue(s("type"), -kind);
     folder->setValue(s("predicate"), predicate);
     return folder;

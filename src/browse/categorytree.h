@@ -30,6 +30,8 @@ public:
     // Every node in `indexpath` order, and the top-level ones ("parent == NULL").
     QList<store::Record*> all() const;
     QList<store::Record*> topLevel() const;
+    // The groups as the rename and group-delete menus list them: by name.
+    QList<store::Record*> groupsByName() const;
 
     static QList<store::Record*> children(const store::Record* node);
     // Children, grandchildren … depth first, each level in `indexpath` order.
@@ -56,7 +58,8 @@ public:
     store::Record* newFolder(const QString& name, store::Record* parent);
     // A tag of list kind `type` (1 to 4), white on orange.
     store::Record* newTag(const QString& name, int type, store::Record* parent);
-    // A smart folder of list kind `kind` (1 to 4) selecting by `predicate`.
+    // A smart folder of list kind `kind` (1 to 4) selecting by `predicate`; named "Smart Folder"
+    // when `name` is empty, as the predicate editor opens a new one.
     store::Record* newSmartFolder(const QString& name, int kind, const QString& predicate,
                                   store::Record* parent);
 

@@ -225,6 +225,8 @@ void tst_Sidebar::newNodeUnderTwelveChildren()
     QCOMPARE(pathOf(tree.newTag(s("Thirteenth"), 1, folder)), s("004000012"));
     QCOMPARE(pathOf(tree.newGroup()), s("005"));
     QCOMPARE(tree.topLevel().last()->value(s("name")).toString(), s("New Group"));
+    QCOMPARE(tree.newSmartFolder({}, 2, s("type == 1"), folder)->value(s("name")).toString(),
+             s("Smart Folder"));
 }
 
 void tst_Sidebar::deleteQuestions_data()
@@ -404,6 +406,8 @@ void tst_Sidebar::folderOrTagSheet()
     QCOMPARE(FolderOrTagSheet::parentEntries(tree.containers()),
              (QStringList{s("Clients"), s("Items"), s("Documents"), s("ToDos"), s("My Group"),
                           s("\tMy Folder"), s("\t\tInner")}));
+    QCOMPARE(namesOf(tree.groupsByName()),
+             (QStringList{s("Clients"), s("Documents"), s("Items"), s("My Group"), s("ToDos")}));
     QCOMPARE(FolderOrTagSheet::title(FolderOrTagSheet::Mode::NewTag), s("New Tag"));
     QCOMPARE(FolderOrTagSheet::informativeText(FolderOrTagSheet::Mode::EditTag, s("Items")),
              s("For tag to be edited inside \"Items\", enter name, choose background color and font color."));
