@@ -8,6 +8,7 @@
 #include "documents/savefailure.h"
 #include "documents/stockcalculator.h"
 #include "model/companycache.h"
+#include "predicate/literal.h"
 #include "store/editingcontext.h"
 #include "store/store.h"
 #include "support/prompter.h"
@@ -57,6 +58,16 @@ RecordCommands::RecordCommands(store::Store& store, support::Prompter& prompter,
     , m_prompter(prompter)
     , m_clock(clock ? std::move(clock) : Clock([] { return QDateTime::currentDateTime(); }))
 {}
+
+std::optional<RecordRef> RecordCommands::lookUp(store::EditingContext& context, ListKind kind,
+                                                const QString& identifier)
+{
+    if (kind == ListKind::None || identifier.isEmpty())
+        return std::nullopt;
+    const Record* record = context.fetchFirst(
+        store::FetchRequest(ListKinds::entity(kind), predicate::literal("identifier == %@", {identifier})));
+    return record ? std::optional<RecordRef>(record->ref()) : std::nullopt;
+}
 
 bool RecordCommands::deleteRecord(const RecordRef& record)
 {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "browse/listkind.h"
 #include "predicate/recordref.h"
 
 #include <QDateTime>
@@ -30,6 +31,10 @@ public:
 
     RecordCommands(store::Store& store, support::Prompter& prompter, Clock clock = {},
                    QObject* parent = nullptr);
+
+    // The record a detail page shows, by its kind and `identifier`; nothing when none has it.
+    static std::optional<predicate::RecordRef> lookUp(store::EditingContext& context, ListKind kind,
+                                                      const QString& identifier);
 
     // Asks with the kind's question, then deletes a client, item, document or to-do. True
     // when it is gone.

@@ -87,6 +87,7 @@ class tst_RecordCommands : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void lookUp();
     void availability_data();
     void availability();
     void deleteAsks_data();
@@ -98,6 +99,18 @@ private Q_SLOTS:
     void designTemplateMenu();
     void tagMenu();
 };
+
+void tst_RecordCommands::lookUp()
+{
+    using browse::ListKind;
+    CommandCompany company;
+    const QString identifier = company.record(company.invoice)->value(s("identifier")).toString();
+    QCOMPARE(browse::RecordCommands::lookUp(company.main(), ListKind::Documents, identifier),
+             company.invoice);
+    QCOMPARE(browse::RecordCommands::lookUp(company.main(), ListKind::ToDos, s("todo-1")), company.todo);
+    QVERIFY(!browse::RecordCommands::lookUp(company.main(), ListKind::Clients, identifier));
+    QVERIFY(!browse::RecordCommands::lookUp(company.main(), ListKind::Documents, QString()));
+}
 
 void tst_RecordCommands::availability_data()
 {
