@@ -18,7 +18,9 @@ QString s(const char* text)
     return QString::fromLatin1(text);
 }
 
-// Whether a change set moved the tree's shape or names, not only its counts.
+// Whether a change set moved nodes, added or removed some. The company's saved selection and
+// expansion change the categories too (the other end of those sets), and must not reread the
+// tree under a view that is selecting in it.
 bool reshapesTree(const store::ChangeSet& changes)
 {
     const QString categories = s("Categories");
@@ -28,11 +30,25 @@ bool reshapesTree(const store::ChangeSet& changes)
         return true;
     for (const store::ChangeSet::Update& update : changes.updated) {
         if (update.ref.entity == categories &&
-            std::any_of(update.keys.begin(), update.keys.end(),
-                        [](const QString& key) { return key != s("count"); }))
+            (update.keys.contains(s("parent")) || update.keys.contains(s("indexpath"))))
             return true;
     }
     return false;
+}
+
+// The nodes whose shown values (name, kind, colours, condition) changed.
+QList<predicate::RecordRef> redrawnNodes(const store::ChangeSet& changes)
+{
+    static const QStringList shown{
+        s("name"), s("type"), s("subtype"), s("predicate"), s("foreground_color"), s("background_color")};
+    QList<predicate::RecordRef> nodes;
+    for (const store::ChangeSet::Update& update : changes.updated) {
+        if (update.ref.entity == s("Categories") &&
+            std::any_of(update.keys.begin(), update.keys.end(),
+                        [](const QString& key) { return shown.contains(key); }))
+            nodes << update.ref;
+    }
+    return nodes;
 }
 } // namespace
 
@@ -107,10 +123,16 @@ void SidebarModel::contextChanged(const store::ChangeSet& changes)
 {
     if (m_saving)
         return;
-    if (reshapesTree(changes))
+    if (reshapesTree(changes)) {
         reload();
-    else
-        recount();
+        return;
+    }
+    for (const predicate::RecordRef& ref : redrawnNodes(changes)) {
+        const QModelIndex at = indexOf(m_context.record(ref));
+        if (at.isValid())
+            Q_EMIT dataChanged(at, at);
+    }
+    recount();
 }
 
 Record* SidebarModel::recordAt(const QModelIndex& index) const

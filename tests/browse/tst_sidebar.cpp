@@ -97,6 +97,18 @@ void tst_Sidebar::modelShowsTheTree()
     QVERIFY(clients.data(SidebarModel::IsContainerRole).toBool());
     QVERIFY(model.index(1, 0, model.index(1, 0)).data(SidebarModel::IsSmartFolderRole).toBool());
 
+    // Saving the selection leaves the tree as it is under the view; a rename elsewhere redraws.
+    QSignalSpy resets(&model, &QAbstractItemModel::modelReset);
+    QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
+    QVERIFY(browse::SidebarState(company.main()).save({model.recordAt(supplier)}, {}));
+    auto editor = company.store().newContext();
+    editor->record(model.recordAt(supplier)->ref())->setValue(s("name"), s("Vendor"));
+    QVERIFY(editor->save());
+    QCOMPARE(resets.size(), 0);
+    QCOMPARE(changed.size(), 1);
+    QCOMPARE(changed.first().first().value<QModelIndex>(), supplier);
+    QCOMPARE(supplier.data().toString(), s("Vendor"));
+
     // Renaming through the model is saved.
     QVERIFY(model.setData(model.index(4, 0), s("Archive")));
     QCOMPARE(company.storedText(node(company, s("Archive"))->ref(), s("name")), s("name=Archive"));
