@@ -18,9 +18,9 @@ QString s(const char* text)
     return QString::fromLatin1(text);
 }
 
-const QStringList& summaryKeys()
+const QStringList& documentKeys()
 {
-    static const QStringList keys{s("net"), s("tax1_value"), s("tax2_value"), s("total")};
+    static const QStringList keys{s("sum_net"), s("sum_tax1"), s("sum_tax2"), s("sum_total")};
     return keys;
 }
 
@@ -46,12 +46,12 @@ std::optional<QHash<qint64, DocumentSums>> ReportSums::byRecord(const ReportOpti
                                                                 store::StoreError* error)
 {
     const bool items = options.view == ReportView::ItemSums;
-    const Predicate documents = ReportFilter::documents(options, s("document."));
     const std::optional<QList<GroupSums>> groups =
-        items ? m_context.storedGroupedSums(FetchRequest(s("DocumentRows"), documents), s("item"), rowKeys(),
-                                            error)
-              : m_context.storedGroupedSums(FetchRequest(s("DocumentSummaries"), documents),
-                                            s("document.client"), summaryKeys(), error);
+        items ? m_context.storedGroupedSums(
+                    FetchRequest(s("DocumentRows"), ReportFilter::documents(options, s("document."))),
+                    s("item"), rowKeys(), error)
+              : m_context.storedGroupedSums(FetchRequest(s("Documents"), ReportFilter::documents(options)),
+                                            s("client"), documentKeys(), error);
     if (!groups)
         return std::nullopt;
     QHash<qint64, DocumentSums> sums;
@@ -64,7 +64,7 @@ std::optional<QHash<qint64, DocumentSums>> ReportSums::byRecord(const ReportOpti
         own.tax1 = group.sums.value(1);
         own.tax2 = group.sums.value(2);
         own.total = group.sums.value(3);
-        own.quantity = group.sums.value(4);
+        own.quantity = items ? group.sums.value(4) : double(group.count);
         sums.insert(group.group.value<predicate::RecordRef>().pk, own);
     }
     return sums;
@@ -74,9 +74,8 @@ std::optional<QList<DatedSums>> ReportSums::dated(const ReportOptions& options, 
                                                   QList<qint64>* keys, store::StoreError* error)
 {
     const bool documents = request.entity == QLatin1String("Documents");
-    const QStringList keyPaths =
-        documents ? QStringList{options.dateKey(), s("sum_net"), s("sum_tax1"), s("sum_tax2"), s("sum_total")}
-                  : QStringList{s("document.") + options.dateKey()} + rowKeys();
+    const QStringList keyPaths = documents ? QStringList{options.dateKey()} + documentKeys()
+                                           : QStringList{s("document.") + options.dateKey()} + rowKeys();
     const std::optional<QList<store::StoredRow>> rows = m_context.storedValues(request, keyPaths, error);
     if (!rows)
         return std::nullopt;

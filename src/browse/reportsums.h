@@ -43,9 +43,11 @@ public:
     {}
 
     // The client and item views' sums, in one statement grouped by client or item: per client
-    // over its counted documents' tax summaries (`total`, `net`, `tax1_value`, `tax2_value`), per
-    // item over its counted rows (the same and `quantity`; clients have none). By the key of the
-    // client or item; one without counted documents has no entry. Nothing on a store error.
+    // over its counted documents' own sums (`sum_net` ... `sum_total`, which add up the tax
+    // summaries and also the rows without a tax; `quantity` is how many documents), per item
+    // over its counted rows (`net`, `tax1_value`, `tax2_value`, `total`, `quantity`). By the key
+    // of the client or item; one without counted documents has no entry. Nothing on a store
+    // error.
     std::optional<QHash<qint64, DocumentSums>> byRecord(const ReportOptions& options,
                                                         store::StoreError* error = nullptr);
 

@@ -183,10 +183,11 @@ void tst_ReportFilter::lists()
 void tst_ReportFilter::sumsPerClientAndItem_data()
 {
     QTest::addColumn<ReportView>("view");
-    QTest::addColumn<QStringList>("expected"); // "name: net tax1 tax2 total quantity" in list order
+    // "name: net tax1 tax2 total quantity" in list order; a client's quantity is its documents.
+    QTest::addColumn<QStringList>("expected");
     QTest::newRow("clients, one without documents")
         << ReportView::ClientSums
-        << QStringList{s("Alpha: 200 30 0 230 0"), s("Beta: 50 5 0 55 0"), s("Gamma: 0 0 0 0 0")};
+        << QStringList{s("Alpha: 200 30 0 230 2"), s("Beta: 50 5 0 55 1"), s("Gamma: 0 0 0 0 0")};
     QTest::newRow("items with their rows' quantity")
         << ReportView::ItemSums << QStringList{s("Bolt: 100 20 0 120 1"), s("Nut: 150 15 0 165 3")};
 }
