@@ -53,8 +53,8 @@ const QList<Command>& CommandLine::commands()
 {
     static const QList<Command> all = generalCommands() + databasesCommands() + clientsCommands() +
                                       itemsCommands() + documentsCommands() + documentActionsCommands() +
-                                      printCommands() + templatesCommands() + foldersCommands() +
-                                      tagsCommands() + demoCommands();
+                                      printCommands() + reportsCommands() + templatesCommands() +
+                                      foldersCommands() + tagsCommands() + demoCommands();
     return all;
 }
 

@@ -17,7 +17,8 @@ QList<Command> documentsCommands();       // new, list, show
 QList<Command> documentActionsCommands(); // finalize, cancel, duplicate, pay, settle, delete
 QList<Command> demoCommands();
 QList<Command> templatesCommands(); // list, new, rename, duplicate, delete, default, export, import, preview
-QList<Command> printCommands();     // documents pdf, reports pdf
+QList<Command> printCommands();     // documents pdf
+QList<Command> reportsCommands();   // reports show, reports pdf
 QList<Command> foldersCommands();   // the sidebar's tree: show, list, new-*, rename, delete, move
 QList<Command> tagsCommands();      // add, remove
 

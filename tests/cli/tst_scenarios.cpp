@@ -14,6 +14,7 @@ private Q_SLOTS:
     void numberingWithStartNumberAndDrafts();
     void templatesAndPdf();
     void sidebarFoldersAndTags();
+    void reportsOverAPeriod();
 
 private:
     std::unique_ptr<Cli> m_cli;
@@ -209,6 +210,54 @@ void tst_Scenarios::sidebarFoldersAndTags()
     QCOMPARE(m_cli->run("tags remove Company Acme").exitCode, 1);
     QCOMPARE(m_cli->run("folders list VIP").out, s("Acme\n"));
     QCOMPARE(m_cli->run("tags remove VIP Acme").out, s("Acme: Company\n"));
+}
+
+// Reports on the documents of a period: drafts and other periods left out, sums per client with
+// a client that has none, the zoom a long period allows, the chart's periods and a refused tag.
+void tst_Scenarios::reportsOverAPeriod()
+{
+    for (const QString& line :
+         {s("clients add --kind company --name Zed"), invoice("--row Bolt;3 --date 2024-03-01"),
+          invoice("--row Labour;1 --date 2024-03-20"), invoice("--row Bolt;50 --date 2024-03-21 --draft"),
+          invoice("--row Bolt;7 --date 2024-05-02"),
+          s("documents new --type quotation --client Acme --row Bolt;2 --date 2024-03-05")})
+        QVERIFY2(m_cli->run(line).exitCode == 0, qPrintable(line));
+
+    const QString march = s("reports show --from 2024-03-01 --to 2024-03-31 ");
+    const QJsonObject documents = m_cli->json(march + s("--tags Invoice --zoom month")).toObject();
+    const QJsonArray rows = documents.value(s("rows")).toArray();
+    QCOMPARE(rows.size(), 2);
+    QCOMPARE(rows.at(1)[s("sum_total")].toDouble(), 100.0);
+    QCOMPARE(documents.value(s("sums"))[s("total")].toDouble(), 133.0);
+    QCOMPARE(documents.value(s("chart"))[s("labels")].toArray(), QJsonArray{s("March")});
+
+    // Labour has no tax: the client's sums are its documents' sums all the same.
+    const QJsonObject clients = m_cli->json(march + s("--view clients")).toObject();
+    QStringList sums;
+    for (const QJsonValue client : clients.value(s("rows")).toArray())
+        sums << client[s("full_name")].toString() + QLatin1Char(' ') +
+                    QString::number(client[s("documents_sum_net")].toDouble()) + QLatin1Char(' ') +
+                    QString::number(client[s("documents_sum_total")].toDouble());
+    QCOMPARE(sums, (QStringList{s("Acme 150 155"), s("Zed 0 0")}));
+
+    // 51 days: no day step, so a day moves to the week; the weeks run from the first day on.
+    const QJsonObject weeks =
+        m_cli->json(s("reports show --from 2024-03-01 --to 2024-04-21 --zoom day --all-payment-types"))
+            .toObject();
+    QCOMPARE(weeks.value(s("zoom")).toString(), s("week"));
+    QCOMPARE(weeks.value(s("zoom_steps")).toArray(), (QJsonArray{s("week"), s("month"), s("year")}));
+    const QJsonArray value = weeks.value(s("chart"))[s("value")].toArray();
+    QCOMPARE(value.size(), 8); // ISO weeks 9 to 16
+    QCOMPARE(value.at(0).toDouble(), 30.0);
+    QCOMPARE(value.at(1).toDouble(), 20.0);
+
+    const Run refused = m_cli->run(march + s("--tags Nope"));
+    QCOMPARE(refused.exitCode, 1);
+    QVERIFY2(refused.err.contains(s("\"Nope\"")), qPrintable(refused.err));
+
+    const Run pdf =
+        m_cli->run(s("reports pdf --from 2024-03-01 --to 2024-03-31 --view clients -o clients.pdf"));
+    QVERIFY2(pdf.exitCode == 0 && QFileInfo(m_cli->path("clients.pdf")).size() > 0, qPrintable(pdf.err));
 }
 
 QTEST_GUILESS_MAIN(tst_Scenarios)
