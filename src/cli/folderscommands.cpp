@@ -50,6 +50,7 @@ void writeTree(QTextStream& out, const QList<Record*>& nodes, int level)
     }
 }
 
+// The count is given as a number (null for a folder or group), though the node keeps it as text.
 QJsonArray treeJson(const QList<Record*>& nodes)
 {
     QJsonArray array;
@@ -60,7 +61,7 @@ QJsonArray treeJson(const QList<Record*>& nodes)
                            {s("type"), node->value(s("type")).toLongLong()},
                            {s("subtype"), subtype.isNull() ? QJsonValue() : QJsonValue(subtype.toLongLong())},
                            {s("indexpath"), pathOf(node)},
-                           {s("count"), count.isEmpty() ? QJsonValue() : QJsonValue(count)},
+                           {s("count"), count.isEmpty() ? QJsonValue() : QJsonValue(count.toLongLong())},
                            {s("children"), treeJson(CategoryTree::children(node))}};
         const QString foreground = CategoryTree::colourText(node->value(s("foreground_color")));
         if (!foreground.isEmpty())

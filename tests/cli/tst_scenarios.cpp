@@ -171,8 +171,8 @@ void tst_Scenarios::sidebarFoldersAndTags()
         }
         return QJsonObject();
     };
-    QCOMPARE(node(s("Company"))[s("count")].toString(), s("1"));
-    QCOMPARE(node(s("Unpaid Invoices"))[s("count")].toString(), s("1"));
+    QCOMPARE(node(s("Company"))[s("count")].toInt(), 1);
+    QCOMPARE(node(s("Unpaid Invoices"))[s("count")].toInt(), 1);
     QCOMPARE(node(s("Supplier"))[s("subtype")].toInt(), 1);
     QVERIFY(node(s("My Folder"))[s("count")].isNull());
 
@@ -183,7 +183,7 @@ void tst_Scenarios::sidebarFoldersAndTags()
                               s("--where"), s("date_creation >= \"@today\""), s("--parent"), s("Documents")})
             .line(0),
         s("002013 Today"));
-    QCOMPARE(node(s("Today"))[s("count")].toString(), s("1"));
+    QCOMPARE(node(s("Today"))[s("count")].toInt(), 1);
     Run refused = m_cli->run("folders new-smart Broken --kind items --where name==");
     QCOMPARE(refused.exitCode, 1);
     QVERIFY2(refused.err.contains(s("malformed")), qPrintable(refused.err));
