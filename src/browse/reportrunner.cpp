@@ -102,4 +102,25 @@ std::optional<ReportResult> ReportRunner::run(const ReportOptions& options, Zoom
     return result;
 }
 
+std::optional<ReportResult> ReportRunner::documentsReport(const QDate& from, const QDate& to,
+                                                          store::StoreError* error)
+{
+    return runView(ReportView::Documents, from, to, error);
+}
+
+std::optional<ReportResult> ReportRunner::clientSumsReport(const QDate& from, const QDate& to,
+                                                           store::StoreError* error)
+{
+    return runView(ReportView::ClientSums, from, to, error);
+}
+
+std::optional<ReportResult> ReportRunner::runView(ReportView view, const QDate& from, const QDate& to,
+                                                  store::StoreError* error)
+{
+    ReportOptions options = ReportOptions::defaults(m_context, QDateTime::currentDateTime());
+    options.setView(view, m_context);
+    options.setDates(from, to);
+    return run(options, ZoomStep::Day, Records::Keys, error);
+}
+
 } // namespace corvanta::browse

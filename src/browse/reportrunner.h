@@ -65,7 +65,18 @@ public:
     std::optional<ReportResult> run(const ReportOptions& options, ZoomStep zoom = ZoomStep::Day,
                                     Records records = Records::Keys, store::StoreError* error = nullptr);
 
+    // The documents report and the client-sums report over a period, as the report screen
+    // first shows them: by creation date, in the company's currency and payment type, no tags,
+    // the finest zoom the period allows, the list as keys.
+    std::optional<ReportResult> documentsReport(const QDate& from, const QDate& to,
+                                                store::StoreError* error = nullptr);
+    std::optional<ReportResult> clientSumsReport(const QDate& from, const QDate& to,
+                                                 store::StoreError* error = nullptr);
+
 private:
+    std::optional<ReportResult> runView(ReportView view, const QDate& from, const QDate& to,
+                                        store::StoreError* error);
+
     store::EditingContext& m_context;
 };
 

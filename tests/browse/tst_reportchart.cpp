@@ -1,4 +1,5 @@
 #include "browse/reportchart.h"
+#include "browse/reportoptions.h"
 #include "browse/reportzoom.h"
 #include "store/valueconversion.h"
 
@@ -23,13 +24,16 @@ QStringList names(const QList<ZoomStep>& steps)
 
 } // namespace
 
-// The zoom steps a period allows and the chart's periods, keys and labels.
+// The periods of the presets, the zoom steps a period allows and the chart's periods, keys and
+// labels.
 class tst_ReportChart : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
     void initTestCase() { QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates)); }
+    void periodPresets_data();
+    void periodPresets();
     void zoomByRangeLength_data();
     void zoomByRangeLength();
     void bucketKeysAndLabels_data();
@@ -39,6 +43,34 @@ private Q_SLOTS:
     void amountsFallInTheirPeriod();
     void pageCall();
 };
+
+void tst_ReportChart::periodPresets_data()
+{
+    QTest::addColumn<int>("preset");
+    QTest::addColumn<QDate>("from");
+    QTest::addColumn<QDate>("to");
+    // On Wednesday 13 March 2024; weeks begin on Sunday.
+    QTest::newRow("yesterday") << int(ReportPeriod::Yesterday) << QDate(2024, 3, 12) << QDate(2024, 3, 12);
+    QTest::newRow("this week so far")
+        << int(ReportPeriod::ThisWeek) << QDate(2024, 3, 10) << QDate(2024, 3, 13);
+    QTest::newRow("seven days back") << int(ReportPeriod::LastWeek) << QDate(2024, 3, 6)
+                                     << QDate(2024, 3, 13);
+    QTest::newRow("last month whole, a leap February")
+        << int(ReportPeriod::LastMonth) << QDate(2024, 2, 1) << QDate(2024, 2, 29);
+    QTest::newRow("three months back")
+        << int(ReportPeriod::LastThreeMonths) << QDate(2023, 12, 13) << QDate(2024, 3, 13);
+    QTest::newRow("last year whole") << int(ReportPeriod::LastYear) << QDate(2023, 1, 1)
+                                     << QDate(2023, 12, 31);
+}
+
+void tst_ReportChart::periodPresets()
+{
+    QFETCH(int, preset);
+    ReportOptions options;
+    options.setDefinedDate(ReportPeriod(preset), QDateTime(QDate(2024, 3, 13), QTime(10, 30)));
+    QTEST(options.fromDate, "from");
+    QTEST(options.toDate, "to");
+}
 
 void tst_ReportChart::zoomByRangeLength_data()
 {
