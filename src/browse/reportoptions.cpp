@@ -2,6 +2,8 @@
 
 #include "format/relativedates.h"
 #include "model/companyrecord.h"
+#include "predicate/literal.h"
+#include "store/editingcontext.h"
 #include "store/record.h"
 #include "templates/templatetypes.h"
 
@@ -186,6 +188,27 @@ void ReportOptions::setDates(const QDate& from, const QDate& to)
     definedDate = ReportPeriod::Custom;
     fromDate = from;
     toDate = to;
+}
+
+QList<store::Record*> ReportOptions::offeredCurrencies(store::EditingContext& context)
+{
+    return context.fetch(store::FetchRequest(
+        s("Currencies"),
+        predicate::literal("selectable == YES || my_company_default_currency.default_currency == self"),
+        {{s("code"), true}}));
+}
+
+QList<store::Record*> ReportOptions::offeredTemplates(store::EditingContext& context, ReportView view)
+{
+    return context.fetch(store::FetchRequest(s("Templates"),
+                                             predicate::literal(ReportViews::templatePredicate(view)),
+                                             {SortDescriptor::localized(s("name"))}));
+}
+
+QList<store::Record*> ReportOptions::offeredTags(store::EditingContext& context, ReportView view)
+{
+    return context.fetch(store::FetchRequest(
+        s("Categories"), predicate::literal(ReportViews::tagsPredicate(view)), {{s("indexpath"), true}}));
 }
 
 QString ReportOptions::dateKeyOf(int dateType)

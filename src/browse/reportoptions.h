@@ -96,6 +96,12 @@ public:
     // Chooses the dates by hand.
     void setDates(const QDate& from, const QDate& to);
 
+    // What the screen's choosers offer: the selectable currencies and the company's own, the
+    // view's report templates by name, and the tags of the kind of record the view filters by.
+    static QList<store::Record*> offeredCurrencies(store::EditingContext& context);
+    static QList<store::Record*> offeredTemplates(store::EditingContext& context, ReportView view);
+    static QList<store::Record*> offeredTags(store::EditingContext& context, ReportView view);
+
     // `date_creation`, `date_completion` or `date_due`.
     QString dateKey() const;
     static QString dateKeyOf(int dateType);

@@ -4,7 +4,6 @@
 #include "commands.h"
 #include "model/companyrecord.h"
 #include "output.h"
-#include "predicate/literal.h"
 #include "recordjson.h"
 #include "recordlookup.h"
 #include "session.h"
@@ -163,8 +162,7 @@ int readOptions(Invocation& invocation, ReportOptions* options, browse::ZoomStep
         return invocation.usageError(
             CommandLine::tr("\"%1\" is not an option; tags follow --tags.").arg(arguments.words().first()));
     options->tagsJoin = arguments.has(s("any")) ? 1 : 0;
-    const QList<Record*> offered = context.fetch(
-        store::FetchRequest(s("Categories"), predicate::literal(ReportViews::tagsPredicate(options->view))));
+    const QList<Record*> offered = ReportOptions::offeredTags(context, options->view);
     QStringList offeredNames;
     for (const Record* tag : offered)
         offeredNames << tag->value(s("name")).toString();
