@@ -58,88 +58,42 @@ constexpr double kMillimetre = 72 / 25.4;
 
 } // namespace
 
-// The templates that come with the program: every one loads into a new database as the default
-// of its type, prints every field it shows, and places the address for a window envelope.
+// The templates that come with the program: every one loads into a new database, the default of
+// its type, prints every field it shows, and places the address for a window envelope.
 class tst_ShippedTemplates : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void defaultOfEveryType_data();
-    void defaultOfEveryType();
     void printsWhatItShows_data();
     void printsWhatItShows();
 };
 
-void tst_ShippedTemplates::defaultOfEveryType_data()
-{
-    QTest::addColumn<QString>("typeKey");
-    QTest::addColumn<QString>("name");
-
-    QTest::newRow("invoice: the second, modern one") << "invoice"
-                                                     << "Invoice";
-    QTest::newRow("pro forma") << "proforma"
-                               << "Pro Forma Invoice";
-    QTest::newRow("estimate") << "estimate"
-                              << "Estimate";
-    QTest::newRow("quotation") << "quotation"
-                               << "Quotation";
-    QTest::newRow("delivery note") << "delivery_note"
-                                   << "Delivery Note";
-    QTest::newRow("credit note") << "credit_note"
-                                 << "Credit Note";
-    QTest::newRow("credit memo") << "credit_memo"
-                                 << "Credit Memo";
-    QTest::newRow("purchase order") << "purchase_order"
-                                    << "Purchase Order";
-    QTest::newRow("document report") << "report_documents"
-                                     << "Document Report";
-    QTest::newRow("grouped report") << "report_documents_grouped"
-                                    << "Document Report by Document";
-    QTest::newRow("client report") << "report_summary_client"
-                                   << "Client Report";
-    QTest::newRow("item report") << "report_summary_item"
-                                 << "Item Report";
-}
-
-void tst_ShippedTemplates::defaultOfEveryType()
-{
-    QFETCH(QString, typeKey);
-    QFETCH(QString, name);
-
-    ShippedCompany company;
-    QCOMPARE(company.installed(), 13);
-    QCOMPARE(company.main().count(FetchRequest(s("Templates"))), 13);
-    const Record* chosen = company.defaultTemplate(typeKey);
-    QVERIFY(chosen);
-    QCOMPARE(chosen->value(s("name")).toString(), name);
-    QCOMPARE(chosen->value(s("type")).toLongLong(), TemplateTypes::typeFromText(typeKey));
-}
-
 void tst_ShippedTemplates::printsWhatItShows_data()
 {
     QTest::addColumn<QString>("typeKey");
-    QTest::addColumn<QString>("name"); // empty for the type's default
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("byDefault"); // the default of its type in a new database
     QTest::addColumn<QString>("title");
     QTest::addColumn<bool>("prices"); // with amounts, and so with the exchange rate
 
-    const QString byDefault;
-    QTest::newRow("classic invoice") << "invoice"
-                                     << "Invoice Classic"
-                                     << "INVOICE" << true;
-    QTest::newRow("modern invoice") << "invoice" << byDefault << "Invoice" << true;
-    QTest::newRow("pro forma") << "proforma" << byDefault << "Pro Forma Invoice" << true;
-    QTest::newRow("estimate") << "estimate" << byDefault << "Estimate" << true;
-    QTest::newRow("quotation") << "quotation" << byDefault << "Quotation" << true;
-    QTest::newRow("delivery note") << "delivery_note" << byDefault << "Delivery Note" << false;
-    QTest::newRow("credit note") << "credit_note" << byDefault << "Credit Note" << true;
-    QTest::newRow("credit memo") << "credit_memo" << byDefault << "Credit Memo" << true;
-    QTest::newRow("purchase order") << "purchase_order" << byDefault << "Purchase Order" << true;
-    QTest::newRow("document report") << "report_documents" << byDefault << "Document Report" << true;
-    QTest::newRow("grouped report") << "report_documents_grouped" << byDefault
-                                    << "Document Report by Document" << true;
-    QTest::newRow("client report") << "report_summary_client" << byDefault << "Client Report" << true;
-    QTest::newRow("item report") << "report_summary_item" << byDefault << "Item Report" << true;
+    const auto row = [](const char* tag, const char* typeKey, const char* name, bool byDefault = true,
+                        const char* title = nullptr, bool prices = true) {
+        QTest::newRow(tag) << s(typeKey) << s(name) << byDefault << s(title ? title : name) << prices;
+    };
+    row("classic invoice", "invoice", "Invoice Classic", false, "INVOICE");
+    row("modern invoice: the later file, the default", "invoice", "Invoice");
+    row("pro forma", "proforma", "Pro Forma Invoice");
+    row("estimate", "estimate", "Estimate");
+    row("quotation", "quotation", "Quotation");
+    row("delivery note: no prices", "delivery_note", "Delivery Note", true, nullptr, false);
+    row("credit note", "credit_note", "Credit Note");
+    row("credit memo", "credit_memo", "Credit Memo");
+    row("purchase order", "purchase_order", "Purchase Order");
+    row("document report", "report_documents", "Document Report");
+    row("grouped report", "report_documents_grouped", "Document Report by Document");
+    row("client report", "report_summary_client", "Client Report");
+    row("item report", "report_summary_item", "Item Report");
 }
 
 // Filled with the demo values (a document in a foreign currency, so that its exchange rate
@@ -149,15 +103,19 @@ void tst_ShippedTemplates::printsWhatItShows()
 {
     QFETCH(QString, typeKey);
     QFETCH(QString, name);
+    QFETCH(bool, byDefault);
     QFETCH(QString, title);
     QFETCH(bool, prices);
 
     ShippedCompany company;
-    Record* chosen = name.isEmpty() ? company.defaultTemplate(typeKey)
-                                    : company.main().fetchFirst(FetchRequest(
-                                          s("Templates"), predicate::literal("name == %@", {name})));
+    QCOMPARE(company.installed(), 13);
+    QCOMPARE(company.main().count(FetchRequest(s("Templates"))), 13);
+    Record* chosen =
+        company.main().fetchFirst(FetchRequest(s("Templates"), predicate::literal("name == %@", {name})));
     QVERIFY(chosen);
     const qint64 type = chosen->value(s("type")).toLongLong();
+    QCOMPARE(type, TemplateTypes::typeFromText(typeKey));
+    QCOMPARE(company.defaultTemplate(typeKey) == chosen, byDefault);
     const templates::PrintedOutput output(company.templateFiles());
     const QString path = company.file(s("printed.pdf"));
     int pages = 0;

