@@ -1,5 +1,8 @@
 #include "orderbook.h"
 
+#include <QSqlDatabase>
+#include <QSqlQuery>
+
 namespace corvanta::store::testing {
 
 namespace {
@@ -106,6 +109,23 @@ void ScratchStore::reopen()
     m_store = openOrderBook(path(), &error);
     if (!m_store)
         qFatal("cannot open the scratch store: %s", qPrintable(error.message()));
+}
+
+QStringList runSql(const QString& path, const QStringList& statements)
+{
+    QStringList column;
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(s("QSQLITE"), s("raw"));
+        db.setDatabaseName(path);
+        db.open();
+        QSqlQuery q(db);
+        for (const QString& statement : statements)
+            q.exec(statement);
+        while (q.next())
+            column << q.value(0).toString();
+    }
+    QSqlDatabase::removeDatabase(s("raw"));
+    return column;
 }
 
 } // namespace corvanta::store::testing

@@ -89,6 +89,10 @@ inline predicate::Predicate totalAgainstPayments(predicate::Predicate::Operator 
                                             predicate::Expression::keyPath(s("payments.@sum.amount")));
 }
 
+// Runs SQL on a database file through a connection of its own, as another program would, and
+// gives the first column of what the last statement returns.
+QStringList runSql(const QString& path, const QStringList& statements);
+
 // The values of `key` of the records, in order.
 inline QStringList valuesOf(const QList<Record*>& records, const char* key = "name")
 {

@@ -3,8 +3,6 @@
 
 #include <QProcess>
 #include <QRandomGenerator>
-#include <QSqlDatabase>
-#include <QSqlQuery>
 #include <QThread>
 #include <sys/stat.h>
 
@@ -14,23 +12,10 @@ using corvanta::predicate::Predicate;
 
 namespace {
 
-// Runs SQL on a database file through a connection of its own, as another program would, and
-// gives the first column of what the last statement returns.
-QStringList runSql(const QString& path, const QStringList& statements)
+QByteArray contentOf(const QString& path)
 {
-    QStringList column;
-    {
-        QSqlDatabase db = QSqlDatabase::addDatabase(s("QSQLITE"), s("raw"));
-        db.setDatabaseName(path);
-        db.open();
-        QSqlQuery q(db);
-        for (const QString& statement : statements)
-            q.exec(statement);
-        while (q.next())
-            column << q.value(0).toString();
-    }
-    QSqlDatabase::removeDatabase(s("raw"));
-    return column;
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
 }
 
 QStringList columnsOf(const QString& path, const QString& table)
@@ -53,8 +38,7 @@ private Q_SLOTS:
     void leftLockFileNeverBlocks();
     void killedHolderNeverBlocks();
     void migratesOlderFile();
-    void snapshotWhileOpen();
-    void closedFileIsReadBeside();
+    void copiesWhileOpen();
 };
 
 void tst_Store::opensNewDatabaseWithEveryTable()
@@ -112,32 +96,28 @@ void tst_Store::refusesBadLocations()
     QString path = dir.filePath(s("orders.db"));
     const auto overwrite = [&](qint64 offset, const QByteArray& bytes) {
         QFile f(path);
-        QVERIFY(f.open(QIODevice::ReadWrite));
-        QVERIFY(f.seek(offset));
-        f.write(bytes);
+        QVERIFY(f.open(QIODevice::ReadWrite) && f.seek(offset) && f.write(bytes) == bytes.size());
     };
-    if (setup == QLatin1String("garbage") || setup == QLatin1String("text")) {
-        QFile f(path);
-        QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write(setup == QLatin1String("garbage") ? QByteArray(4096, '\xA5')
-                                                  : QByteArray("name;city\nAnn;Oslo\n"));
-    } else if (setup == QLatin1String("foreign")) {
+    if (setup == QLatin1String("garbage"))
+        overwrite(0, QByteArray(4096, '\xA5'));
+    else if (setup == QLatin1String("text"))
+        overwrite(0, "name;city\nAnn;Oslo\n");
+    else if (setup == QLatin1String("foreign"))
         runSql(path, {s("CREATE TABLE songs (title TEXT)"), s("INSERT INTO songs VALUES ('Blue')")});
-    } else if (setup == QLatin1String("foreignSettings")) {
+    else if (setup == QLatin1String("foreignSettings"))
         runSql(path, {s("CREATE TABLE Settings (key TEXT, value)"), s("CREATE TABLE songs (title TEXT)"),
                       s("INSERT INTO Settings VALUES ('version', '1.0')")});
-    } else if (setup == QLatin1String("folder")) {
+    else if (setup == QLatin1String("folder"))
         QVERIFY(QDir().mkpath(path));
-    } else if (setup == QLatin1String("pipe")) {
+    else if (setup == QLatin1String("pipe"))
         QCOMPARE(::mkfifo(QFile::encodeName(path).constData(), 0600), 0);
-    } else if (setup == QLatin1String("folderIsFile")) {
-        folder = dir.filePath(s("data"));
-        QFile f(folder);
-        QVERIFY(f.open(QIODevice::WriteOnly));
+    else if (setup == QLatin1String("folderIsFile") || setup == QLatin1String("unwritable")) {
+        folder = setup == QLatin1String("unwritable")
+                     ? s("/proc/corvanta-test-%1").arg(QCoreApplication::applicationPid())
+                     : dir.filePath(s("data"));
         path = folder + QLatin1String("/orders.db");
-    } else if (setup == QLatin1String("unwritable")) {
-        folder = s("/proc/corvanta-test-%1").arg(QCoreApplication::applicationPid());
-        path = folder + QLatin1String("/orders.db");
+        if (setup == QLatin1String("folderIsFile"))
+            QVERIFY(QFile(folder).open(QIODevice::WriteOnly));
     } else {
         // A healthy order book of a few pages to spoil.
         {
@@ -163,12 +143,7 @@ void tst_Store::refusesBadLocations()
         else if (setup == QLatin1String("readOnlyFolder"))
             QVERIFY(QFile::setPermissions(folder, QFile::ReadOwner | QFile::ExeOwner));
     }
-    QByteArray before;
-    if (QFileInfo(path).isFile()) {
-        QFile f(path);
-        QVERIFY(f.open(QIODevice::ReadOnly));
-        before = f.readAll();
-    }
+    const QByteArray before = QFileInfo(path).isFile() ? contentOf(path) : QByteArray();
 
     StoreError error;
     QVERIFY(!openOrderBook(path, &error));
@@ -182,9 +157,7 @@ void tst_Store::refusesBadLocations()
     // Nothing was written over what stood there, nothing was added beside it, and no lock is
     // left behind.
     if (!before.isEmpty()) {
-        QFile f(path);
-        QVERIFY(f.open(QIODevice::ReadOnly));
-        QVERIFY(f.readAll() == before);
+        QVERIFY(contentOf(path) == before);
         QCOMPARE(QDir(folder).entryList(QDir::Files), QStringList{s("orders.db")});
     }
     if (setup.startsWith(QLatin1String("foreign")))
@@ -323,46 +296,39 @@ void tst_Store::migratesOlderFile()
     QCOMPARE(reread->relatedList(s("orders")).size(), 1);
 }
 
-void tst_Store::snapshotWhileOpen()
-{
-    ScratchStore st;
-    st.main().insertRecord(s("Tags"), {{s("name"), s("Saved")}});
-    saveOrFail(st.main());
-    st.main().insertRecord(s("Tags"), {{s("name"), s("Not yet saved")}});
-    QTemporaryDir copies;
-    const QString copy = copies.filePath(s("copy.db"));
-    StoreError error;
-    QVERIFY2(st.store().writeSnapshot(copy, &error), qPrintable(error.message()));
-    QVERIFY(!st.store().writeSnapshot(copy, &error)); // never over an existing file
-    QCOMPARE(error.code, int(StoreError::NotWritable));
-
-    auto reopened = openOrderBook(copy, &error);
-    QVERIFY2(reopened, qPrintable(error.message()));
-    QCOMPARE(valuesOf(reopened->mainContext().fetch(FetchRequest(s("Tags")))), QStringList{s("Saved")});
-    // New keys continue after the largest one stored.
-    const qint64 saved = reopened->mainContext().fetchFirst(FetchRequest(s("Tags")))->pk();
-    QVERIFY(reopened->mainContext().insertRecord(s("Tags"))->pk() > saved);
-}
-
-// A database that another store holds open is copied and peeked at through a connection of
-// its own; one that is not there yields nothing.
-void tst_Store::closedFileIsReadBeside()
+// A database that a store holds open is copied whole as far as it is saved, through the store or
+// through a connection of its own, never over an existing file; a file that is not there yields
+// nothing and is not made.
+void tst_Store::copiesWhileOpen()
 {
     ScratchStore st;
     st.main().insertRecord(s("Customers"), {{s("name"), s("First")}});
     st.main().insertRecord(s("Customers"), {{s("name"), s("Second")}});
     saveOrFail(st.main());
+    st.main().insertRecord(s("Customers"), {{s("name"), s("Not yet saved")}});
+    QTemporaryDir copies;
+    const QString snapshot = copies.filePath(s("snapshot.db")), copy = copies.filePath(s("copy.db"));
+    StoreError error;
+    QVERIFY2(st.store().writeSnapshot(snapshot, &error), qPrintable(error.message()));
+    QVERIFY(!st.store().writeSnapshot(snapshot, &error));
+    QCOMPARE(error.code, int(StoreError::NotWritable));
     StoreFile file(st.path());
     QCOMPARE(file.firstValue(s("Customers"), s("name")).toString(), s("First"));
-    QTemporaryDir copies;
     QString why;
-    QVERIFY2(file.writeCopy(copies.filePath(s("copy.db")), &why), qPrintable(why));
-    QVERIFY(!file.writeCopy(copies.filePath(s("copy.db")), &why));
+    QVERIFY2(file.writeCopy(copy, &why), qPrintable(why));
+    QVERIFY(!file.writeCopy(copy, &why));
     QVERIFY(why.contains(s("already exists")));
-    QCOMPARE(StoreFile(copies.filePath(s("copy.db"))).firstValue(s("Customers"), s("name")).toString(),
-             s("First"));
+    QCOMPARE(StoreFile(copy).firstValue(s("Customers"), s("name")).toString(), s("First"));
     QVERIFY(StoreFile(copies.filePath(s("none.db"))).firstValue(s("Customers"), s("name")).isNull());
     QVERIFY(!QFileInfo::exists(copies.filePath(s("none.db"))));
+
+    auto reopened = openOrderBook(snapshot, &error);
+    QVERIFY2(reopened, qPrintable(error.message()));
+    EditingContext& c = reopened->mainContext();
+    const QList<Record*> saved = c.fetch(FetchRequest(s("Customers"), {}, {SortDescriptor{s("name")}}));
+    QCOMPARE(valuesOf(saved), (QStringList{s("First"), s("Second")}));
+    // New keys continue after the largest one stored.
+    QVERIFY(c.insertRecord(s("Customers"))->pk() > saved.last()->pk());
 }
 
 QTEST_GUILESS_MAIN(tst_Store)
