@@ -272,8 +272,6 @@ void tst_TemplateFileLoader::badFilesLeaveNothing_data()
     row("text for a margin", withText({}, {{s("margin_left"), s("2cm")}}),
         "The value of \"margin_left\" is of the wrong kind.");
     row("an unknown template type", withText({}, {{s("type"), 55}}), "It is of no known template type.");
-    row("a list for a text", withText({{s("format"), QVariantList{s("a")}}}),
-        "The value of \"format\" is of the wrong kind.");
     row("a number for a colour", withText({{s("font_color"), 255}}),
         "The value of \"font_color\" is of the wrong kind.");
     row("a colour that is no colour", withText({{s("border_color"), QByteArray("no colour")}}),

@@ -46,14 +46,10 @@ void tst_TemplateModel::units_data()
     QTest::addColumn<QString>("label");
     QTest::addColumn<QString>("margins"); // of margins 1, 2, 1.5 and 0: left top right bottom
 
-    QTest::newRow("centimetres, rounded factor") << qint64(0) << 28.35 << "cm"
-                                                 << "28.35 56.7 42.525 0";
-    QTest::newRow("picas") << qint64(3) << 12.0 << "pc"
-                           << "12 24 18 0";
-    QTest::newRow("unknown code counts as points") << qint64(7) << 1.0 << "pt"
-                                                   << "1 2 1.5 0";
-    QTest::newRow("negative code counts as points") << qint64(-1) << 1.0 << "pt"
-                                                    << "1 2 1.5 0";
+    QTest::newRow("centimetres, rounded factor") << qint64(0) << 28.35 << s("cm") << s("28.35 56.7 42.525 0");
+    QTest::newRow("picas") << qint64(3) << 12.0 << s("pc") << s("12 24 18 0");
+    QTest::newRow("unknown code counts as points") << qint64(7) << 1.0 << s("pt") << s("1 2 1.5 0");
+    QTest::newRow("negative code counts as points") << qint64(-1) << 1.0 << s("pt") << s("1 2 1.5 0");
 }
 
 void tst_TemplateModel::units()
