@@ -7,6 +7,7 @@
 #include "store/store.h"
 #include "support/propertylist.h"
 #include "support/scriptedprompter.h"
+#include "support/zipreader.h"
 
 #include <QDir>
 #include <QFile>
@@ -99,6 +100,21 @@ inline QStringList names(const std::optional<QList<DatabaseEntry>>& entries)
     for (const DatabaseEntry& entry : entries.value_or(QList<DatabaseEntry>()))
         result << entry.name + (entry.selected ? QStringLiteral("*") : QString());
     return result;
+}
+
+// The comment, then the sorted entry names of an archive, extracted into `folder` when one is
+// given; the error when it cannot be read.
+inline QStringList archiveContents(const QString& archive, const QString& folder = {})
+{
+    support::ZipReader zip;
+    QString error;
+    if (!zip.open(archive, &error) || (!folder.isEmpty() && !zip.extractAll(folder, &error)))
+        return {error};
+    QStringList names;
+    for (const support::ZipReader::Entry& entry : zip.entries())
+        names << entry.name;
+    names.sort();
+    return QStringList{zip.comment()} + names;
 }
 
 // A real company database whose company is called `name`.

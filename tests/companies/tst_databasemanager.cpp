@@ -1,7 +1,6 @@
 #include "companies/backupfolder.h"
 #include "companies/databasemanager.h"
 #include "companiestestsupport.h"
-#include "support/zipreader.h"
 #include "support/zipwriter.h"
 
 #include <QSignalSpy>
@@ -17,7 +16,6 @@ using corvanta::store::FetchRequest;
 using corvanta::store::Store;
 using corvanta::store::StoreError;
 using corvanta::support::ScriptedPrompter;
-using corvanta::support::ZipReader;
 
 namespace {
 
@@ -57,41 +55,17 @@ QString inspect(const QString& database)
     {
         QSqlDatabase db = QSqlDatabase::addDatabase(s("QSQLITE"), s("integrity"));
         db.setDatabaseName(database);
-        db.setConnectOptions(s("QSQLITE_OPEN_READONLY"));
-        if (db.open()) {
-            QSqlQuery q(db);
-            if (q.exec(s("PRAGMA integrity_check")) && q.next())
-                integrity = q.value(0).toString();
-        }
+        QSqlQuery q(db);
+        if (db.open() && q.exec(s("PRAGMA integrity_check")) && q.next())
+            integrity = q.value(0).toString();
     }
     QSqlDatabase::removeDatabase(s("integrity"));
-    StoreError error;
-    auto store = CompanyDatabase::open(database, &error);
+    auto store = CompanyDatabase::open(database);
     return integrity + s(" ") +
            QString::number(store ? store->mainContext().count(FetchRequest(s("Clients"))) : -1);
 }
 
-// The names in an archive, sorted, after extracting it into `folder`.
-QStringList extract(const QString& archive, const QString& folder)
-{
-    ZipReader zip;
-    QString error;
-    if (!zip.open(archive, &error) || !zip.extractAll(folder, &error))
-        return {error};
-    QStringList names{zip.comment()};
-    for (const ZipReader::Entry& entry : zip.entries())
-        names << entry.name;
-    names.sort();
-    return names;
-}
-
-void setModified(const QString& file, const QDateTime& when)
-{
-    QFile f(file);
-    QVERIFY(f.open(QIODevice::ReadWrite) && f.setFileTime(when, QFileDevice::FileModificationTime));
-}
-
-// Sets the modification time of a folder as well as of a file.
+// Sets the modification time of a file or a folder.
 void age(const QString& path, const QDateTime& when)
 {
     const timespec times[2] = {{when.toSecsSinceEpoch(), 0}, {when.toSecsSinceEpoch(), 0}};
@@ -183,7 +157,7 @@ void tst_DatabaseManager::unusableOrDamagedList()
     ScratchFolders::writeBytes(folders.listFile(), "garbage");
     makeDatabase(folders.app(s("OLD.cvdb")), s("Older Ltd"));
     makeDatabase(folders.app(s("NEW.cvdb")), s("Newer Ltd"));
-    setModified(folders.app(s("OLD.cvdb")), QDateTime::currentDateTime().addDays(-3));
+    age(folders.app(s("OLD.cvdb")), QDateTime::currentDateTime().addDays(-3));
     prompter.clear();
     DatabaseManager manager(prompter, folders.folders());
     // The database used last is opened; both stay known under their companies' names.
@@ -447,7 +421,7 @@ void tst_DatabaseManager::archivesOfAnOpenDatabaseRestore()
     QVERIFY(manager.backupApplicationFiles(QDate(2024, 5, 6)));
     // The databases as snapshots, without their logs and locks; scratch files stay out.
     const QString restored = folders.root() + s("/restored/");
-    QCOMPARE(extract(backups + s("CorvantaBackup20240506.zip"), restored),
+    QCOMPARE(archiveContents(backups + s("CorvantaBackup20240506.zip"), restored),
              (QStringList{s("Corvanta daily backup"), s("MINE.cvdb"), s("OTHER.cvdb"),
                           s("corvanta.databases"), s("templates/logo.png")}));
     QCOMPARE(inspect(restored + s("MINE.cvdb")), s("ok 20")); // every saved client, not the pending one
@@ -460,7 +434,7 @@ void tst_DatabaseManager::archivesOfAnOpenDatabaseRestore()
     QVERIFY(manager.backupApplicationFiles(QDate(2024, 5, 6)));
     QCOMPARE(QDir(backups).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
              QStringList{s("CorvantaBackup20240506.zip")});
-    extract(backups + s("CorvantaBackup20240506.zip"), folders.root() + s("/again"));
+    archiveContents(backups + s("CorvantaBackup20240506.zip"), folders.root() + s("/again"));
     QCOMPARE(inspect(folders.root() + s("/again/MINE.cvdb")), s("ok 21"));
 
     // The copy to the desktop is confirmed even when it could not be written (the failure goes
@@ -477,7 +451,7 @@ void tst_DatabaseManager::archivesOfAnOpenDatabaseRestore()
     QVERIFY(QFile::remove(desktop));
     QVERIFY(manager.saveDatabase(QDateTime(QDate(2024, 5, 6), QTime(9, 30))));
     QCOMPARE(alerts(prompter), (QStringList{confirmation, confirmation}));
-    QCOMPARE(extract(desktop + s("/Corvanta 2024-05-06 0930.zip"), folders.root() + s("/copy")),
+    QCOMPARE(archiveContents(desktop + s("/Corvanta 2024-05-06 0930.zip"), folders.root() + s("/copy")),
              (QStringList{s("Corvanta copy"), s("MINE.cvdb"), s("OTHER.cvdb"), s("corvanta.databases"),
                           s("templates/logo.png")}));
 }
@@ -508,7 +482,7 @@ void tst_DatabaseManager::pruneRemovesOnlyOwnOldArchives()
         corvanta::support::ZipWriter zip;
         QVERIFY(zip.open(folder + s(name), nullptr) && zip.addData(s("notes.txt"), "x", nullptr) &&
                 zip.setComment(s(comment), nullptr) && zip.close(nullptr));
-        setModified(folder + s(name), modified);
+        age(folder + s(name), modified);
     };
     write("CorvantaBackup20240405.zip", BackupFolder::kComment, old);
     write("CorvantaBackup20240406.zip", BackupFolder::kComment, boundary.startOfDay());
@@ -516,7 +490,7 @@ void tst_DatabaseManager::pruneRemovesOnlyOwnOldArchives()
     write("CorvantaBackup20241305.zip", BackupFolder::kComment, old);
     write("CorvantaBackup20240102.zip", "Another program", old);
     ScratchFolders::writeBytes(folder + s("CorvantaBackup20240101.zip"), "not an archive");
-    setModified(folder + s("CorvantaBackup20240101.zip"), old);
+    age(folder + s("CorvantaBackup20240101.zip"), old);
     QVERIFY(
         QFile::link(folder + s("CorvantaBackup20240405.zip.bak"), folder + s("CorvantaBackup20240104.zip")));
     // What backups that never finished left: a snapshot folder and a partial archive go once

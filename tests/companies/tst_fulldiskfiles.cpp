@@ -2,7 +2,6 @@
 #include "companies/backupfolder.h"
 #include "companies/datafolderarchive.h"
 #include "companiestestsupport.h"
-#include "support/zipreader.h"
 
 #include <QRandomGenerator>
 
@@ -10,11 +9,11 @@ using namespace corvanta::companies;
 using corvanta::model::CompanyDatabase;
 using corvanta::store::Store;
 using corvanta::store::StoreError;
-using corvanta::support::ZipReader;
 using corvanta::testing::SmallDisk;
 
 namespace {
 
+using corvanta::companies::testing::archiveContents;
 using corvanta::companies::testing::s;
 using corvanta::companies::testing::ScratchFolders;
 
@@ -22,20 +21,6 @@ QStringList everythingIn(const QString& folder)
 {
     return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
                                   QDir::Name);
-}
-
-// The comment and the entry names of an archive; the error when it cannot be read.
-QStringList contentsOf(const QString& archive)
-{
-    ZipReader zip;
-    QString error;
-    if (!zip.open(archive, &error))
-        return {error};
-    QStringList names;
-    for (const ZipReader::Entry& entry : zip.entries())
-        names << entry.name;
-    names.sort();
-    return QStringList{zip.comment()} + names;
 }
 
 DatabaseEntry entry(const QString& folder, const char* name)
@@ -114,7 +99,7 @@ void tst_FullDiskFiles::backupKeepsTheOlderArchive()
     QVERIFY2(folder.write(archive, comment, &why), qPrintable(why));
     const QByteArray older = ScratchFolders::readBytes(archive);
     const QStringList olderContents{comment, s("MINE.cvdb"), s("corvanta.databases")};
-    QCOMPARE(contentsOf(archive), olderContents);
+    QCOMPARE(archiveContents(archive), olderContents);
 
     // Two MiB that do not compress make the next archive larger than the space left.
     QByteArray picture(2 << 20, Qt::Uninitialized);
@@ -126,12 +111,12 @@ void tst_FullDiskFiles::backupKeepsTheOlderArchive()
         QCOMPARE(why, s("The disk is full: the archive \"%1\" could not be written.").arg(archive));
     QCOMPARE(everythingIn(backups.path()), QStringList{QFileInfo(archive).fileName()});
     QCOMPARE(ScratchFolders::readBytes(archive), older);
-    QCOMPARE(contentsOf(archive), olderContents);
+    QCOMPARE(archiveContents(archive), olderContents);
 
     disk.release();
     QVERIFY2(folder.write(archive, comment, &why), qPrintable(why));
     QCOMPARE(everythingIn(backups.path()), QStringList{QFileInfo(archive).fileName()});
-    QCOMPARE(contentsOf(archive),
+    QCOMPARE(archiveContents(archive),
              (QStringList{comment, s("MINE.cvdb"), s("corvanta.databases"), s("templates/logo.png")}));
 }
 
