@@ -41,56 +41,18 @@ std::optional<ReportResult> ReportRunner::run(const ReportOptions& options, Zoom
     const bool perRecord = options.view == ReportView::ClientSums || options.view == ReportView::ItemSums;
 
     ReportSums sums(m_context);
-    QList<qint64>& keys = result.keys;
     // The documents and rows views read their list's keys with the amounts in one statement.
     const std::optional<QList<DatedSums>> amounts =
         perRecord ? sums.dated(options, ReportSums::chartRequest(options), nullptr, error)
-                  : sums.dated(options, list, &keys, error);
+                  : sums.dated(options, list, &result.keys, error);
     if (!amounts)
         return std::nullopt;
 
-    if (records == Records::Whole) {
-        store::StoreError fetchError;
-        result.records = m_context.fetch(list, &fetchError);
-        if (fetchError.isError()) {
-            store::report(error, fetchError);
-            return std::nullopt;
-        }
-        keys.clear();
-        keys.reserve(result.records.size());
-        for (const store::Record* record : std::as_const(result.records))
-            keys << record->pk();
-    } else if (perRecord) {
-        const std::optional<QList<store::StoredRow>> listed = m_context.storedValues(list, {}, error);
-        if (!listed)
-            return std::nullopt;
-        keys.reserve(listed->size());
-        for (const store::StoredRow& row : *listed)
-            keys << row.key;
-    }
-
+    if (!readList(result, list, records, perRecord, error))
+        return std::nullopt;
     if (perRecord) {
-        std::optional<QHash<qint64, DocumentSums>> byRecord = sums.byRecord(options, error);
-        if (!byRecord)
+        if (!addRecordSums(result, sums, records, error))
             return std::nullopt;
-        for (qint64 key : std::as_const(keys)) {
-            const auto it = byRecord->constFind(key);
-            if (it == byRecord->cend())
-                continue;
-            result.totals += *it;
-            result.recordSums.insert(key, *it);
-        }
-        // Whole records carry their sums, each written anew (zero without counted documents), so
-        // that none keeps the sums of an earlier report.
-        if (records == Records::Whole) {
-            for (store::Record* record : std::as_const(result.records)) {
-                const DocumentSums own = result.sumsOf(record);
-                record->setValue(s("documents_sum_net"), own.net);
-                record->setValue(s("documents_sum_tax1"), own.tax1);
-                record->setValue(s("documents_sum_tax2"), own.tax2);
-                record->setValue(s("documents_sum_total"), own.total);
-            }
-        }
     } else {
         for (const DatedSums& amount : *amounts)
             result.totals += amount.sums;
@@ -100,6 +62,59 @@ std::optional<ReportResult> ReportRunner::run(const ReportOptions& options, Zoom
     result.zoom = ReportZoom::inForce(zoom, options.fromDate, options.toDate);
     result.chart = ReportChart::of(*amounts, options.fromDate, options.toDate, result.zoom);
     return result;
+}
+
+bool ReportRunner::readList(ReportResult& result, const store::FetchRequest& list, Records records,
+                            bool perRecord, store::StoreError* error)
+{
+    QList<qint64>& keys = result.keys;
+    if (records == Records::Whole) {
+        store::StoreError fetchError;
+        result.records = m_context.fetch(list, &fetchError);
+        if (fetchError.isError()) {
+            store::report(error, fetchError);
+            return false;
+        }
+        keys.clear();
+        keys.reserve(result.records.size());
+        for (const store::Record* record : std::as_const(result.records))
+            keys << record->pk();
+    } else if (perRecord) {
+        const std::optional<QList<store::StoredRow>> listed = m_context.storedValues(list, {}, error);
+        if (!listed)
+            return false;
+        keys.reserve(listed->size());
+        for (const store::StoredRow& row : *listed)
+            keys << row.key;
+    }
+    return true;
+}
+
+bool ReportRunner::addRecordSums(ReportResult& result, ReportSums& sums, Records records,
+                                 store::StoreError* error)
+{
+    const std::optional<QHash<qint64, DocumentSums>> byRecord = sums.byRecord(result.options, error);
+    if (!byRecord)
+        return false;
+    for (qint64 key : std::as_const(result.keys)) {
+        const auto it = byRecord->constFind(key);
+        if (it == byRecord->cend())
+            continue;
+        result.totals += *it;
+        result.recordSums.insert(key, *it);
+    }
+    // Whole records carry their sums, each written anew (zero without counted documents), so that
+    // none keeps the sums of an earlier report.
+    if (records == Records::Whole) {
+        for (store::Record* record : std::as_const(result.records)) {
+            const DocumentSums own = result.sumsOf(record);
+            record->setValue(s("documents_sum_net"), own.net);
+            record->setValue(s("documents_sum_tax1"), own.tax1);
+            record->setValue(s("documents_sum_tax2"), own.tax2);
+            record->setValue(s("documents_sum_total"), own.total);
+        }
+    }
+    return true;
 }
 
 std::optional<ReportResult> ReportRunner::documentsReport(const QDate& from, const QDate& to,

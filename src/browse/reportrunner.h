@@ -74,6 +74,11 @@ public:
                                                  store::StoreError* error = nullptr);
 
 private:
+    // The list's keys (unless the amounts' statement read them), or its records whole.
+    bool readList(ReportResult& result, const store::FetchRequest& list, Records records, bool perRecord,
+                  store::StoreError* error);
+    // The client or item sums of the listed records, and their totals.
+    bool addRecordSums(ReportResult& result, ReportSums& sums, Records records, store::StoreError* error);
     std::optional<ReportResult> runView(ReportView view, const QDate& from, const QDate& to,
                                         store::StoreError* error);
 
