@@ -32,7 +32,6 @@ class tst_RecordClasses : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void relationshipsPairUp();
     void companyDefaultsAreNamedForTheirKind();
     void theOneOpenGivesEveryClass();
     void settingsReadAfreshAndSaveAtOnce();
@@ -42,24 +41,6 @@ private Q_SLOTS:
     void rowAmounts();
     void onlyQuantityPriceAndTaxRecomputeARow();
 };
-
-void tst_RecordClasses::relationshipsPairUp()
-{
-    const DataModel& model = corvantaDataModel();
-    for (const EntityDescription& entity : model.entities()) {
-        for (const RelationshipDescription& r : entity.relationships()) {
-            const QString name = entity.name() + QLatin1Char('.') + r.name;
-            const RelationshipDescription& inverse = model.inverseOf(r);
-            QVERIFY2(inverse.destination == entity.name() && inverse.inverse == r.name, qPrintable(name));
-            // Exactly one side of a to-one pair keeps the column, unless the relationship is its
-            // own inverse.
-            if (!r.toMany && !inverse.toMany && &inverse != &r)
-                QVERIFY2((r.storage == RelationshipStorage::ForeignKey) !=
-                             (inverse.storage == RelationshipStorage::ForeignKey),
-                         qPrintable(name));
-        }
-    }
-}
 
 // A record tells whether it is the company's default through its first relationship whose name
 // begins with "my_company_"; the rest of that name is the company's key.
