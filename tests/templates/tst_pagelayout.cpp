@@ -90,10 +90,11 @@ public:
         return filled;
     }
 
-    QString render(const QStringList& rows, const QString& name = s("out.pdf"))
+    // The template filled with `rows` as a PDF; its path.
+    QString render(const QStringList& rows)
     {
         DesignManager manager(m_template, folder());
-        const QString path = QDir(m_dir.path()).filePath(name);
+        const QString path = QDir(m_dir.path()).filePath(s("out.pdf"));
         int pages = 0;
         QString error;
         if (!manager.writePdf(filled(rows), path, &pages, &error))
