@@ -284,6 +284,7 @@ void tst_EditingContext::mainMergesOtherContextsSaves()
     theirDoc->addRelated(s("tags"), editor->record(tag->ref()));
     saveOrFail(*editor);
 
+    QCOMPARE(customer->value(s("name")).toString(), s("New Name"));
     QCOMPARE(customer->value(s("full_name")).toString(), s("New Name")); // derived again
     QCOMPARE(other->value(s("name")).toString(), s("Other (typed here)"));
     QCOMPARE(other->value(s("tax_number")).toString(), s("2"));
