@@ -225,6 +225,8 @@ QJsonObject rowJson(const Record* record, ReportView view)
     case ReportView::ItemSums:
         row.insert(s("unit"), linkName(record, "unit", "name"));
         row.insert(s("tax"), linkName(record, "tax", "name"));
+        // The report's "stock" column: the item's current stock.
+        row.insert(s("stock"), row.value(s("stock_current")));
         break;
     }
     return row;
