@@ -9,15 +9,13 @@ using predicate::Predicate;
 
 namespace {
 
-// "%K == %@" for a relationship. A record is asked for as the member of a one-record list, which
-// selects the same: written so, it leaves the database to search by the date's index. Nearly
-// every document shares the currency and the payment type, while a period may hold a small part
-// of them.
+// "%K == %@" for a relationship, "%K == nil" without a record. The documents' covering index
+// for reports begins with the currency, then the creation date.
 Predicate oneOf(const QString& key, store::Record* record)
 {
     if (!record)
         return predicate::literal("%K == nil", {key});
-    return predicate::literal("%K IN %@", {key, QVariantList{QVariant::fromValue(record)}});
+    return predicate::literal("%K == %@", {key, QVariant::fromValue(record)});
 }
 
 } // namespace

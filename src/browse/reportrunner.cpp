@@ -40,11 +40,14 @@ std::optional<ReportResult> ReportRunner::run(const ReportOptions& options, Zoom
     list.includesPendingChanges = false;
     const bool perRecord = options.view == ReportView::ClientSums || options.view == ReportView::ItemSums;
 
+    result.zoomSteps = ReportZoom::enabledSteps(options.fromDate, options.toDate);
+    result.zoom = ReportZoom::inForce(zoom, options.fromDate, options.toDate);
     ReportSums sums(m_context);
-    // The documents and rows views read their list's keys with the amounts in one statement.
-    const std::optional<QList<DatedSums>> amounts =
-        perRecord ? sums.dated(options, ReportSums::chartRequest(options), nullptr, error)
-                  : sums.dated(options, list, &result.keys, error);
+    // The documents and rows views read their list's keys with the amounts in one statement; the
+    // client and item views' chart is added up period by period.
+    const std::optional<QList<DatedSums>> amounts = perRecord
+                                                        ? sums.perPeriod(options, result.zoom, error)
+                                                        : sums.dated(options, list, &result.keys, error);
     if (!amounts)
         return std::nullopt;
 
@@ -58,8 +61,6 @@ std::optional<ReportResult> ReportRunner::run(const ReportOptions& options, Zoom
             result.totals += amount.sums;
     }
 
-    result.zoomSteps = ReportZoom::enabledSteps(options.fromDate, options.toDate);
-    result.zoom = ReportZoom::inForce(zoom, options.fromDate, options.toDate);
     result.chart = ReportChart::of(*amounts, options.fromDate, options.toDate, result.zoom);
     return result;
 }

@@ -1,9 +1,11 @@
 #include "browse/reportsums.h"
 
+#include "browse/reportchart.h"
 #include "browse/reportfilter.h"
 #include "predicate/literal.h"
 #include "store/editingcontext.h"
 #include "store/record.h"
+#include "store/valueconversion.h"
 
 namespace corvanta::browse {
 
@@ -94,6 +96,46 @@ std::optional<QList<DatedSums>> ReportSums::dated(const ReportOptions& options, 
         dated << entry;
         if (keys)
             *keys << row.key;
+    }
+    return dated;
+}
+
+std::optional<QList<DatedSums>> ReportSums::perPeriod(const ReportOptions& options, ZoomStep step,
+                                                      store::StoreError* error)
+{
+    const ChartSeries periods = ReportChart::periods(options.fromDate, options.toDate, step);
+    const FetchRequest request = chartRequest(options);
+    const bool documents = request.entity == QLatin1String("Documents");
+    const QString path = documents ? QString() : s("document.");
+    const QString dateKey = path + options.dateKey();
+    // The filter asks for one currency, so grouping by it gives the period's sums as one group.
+    const QString oneGroup = path + s("currency");
+    QList<DatedSums> dated;
+    for (qsizetype i = 0; i < periods.starts.size(); ++i) {
+        const QDateTime start = store::valueconversion::fromReferenceSeconds(periods.starts.at(i));
+        const bool last = i + 1 == periods.starts.size();
+        const Predicate within =
+            last ? predicate::literal(
+                       "%K >= %@ && %K <= %@",
+                       {dateKey, start, dateKey, store::valueconversion::fromReferenceSeconds(periods.end)})
+                 : predicate::literal("%K >= %@ && %K < %@", {dateKey, start, dateKey,
+                                                              store::valueconversion::fromReferenceSeconds(
+                                                                  periods.starts.at(i + 1))});
+        const std::optional<QList<GroupSums>> groups = m_context.storedGroupedSums(
+            FetchRequest(request.entity, Predicate::andOf({request.predicate, within})), oneGroup,
+            documents ? documentKeys() : rowKeys(), error);
+        if (!groups)
+            return std::nullopt;
+        for (const GroupSums& group : *groups) {
+            DatedSums entry;
+            entry.moment = periods.starts.at(i);
+            entry.sums.net = group.sums.value(0);
+            entry.sums.tax1 = group.sums.value(1);
+            entry.sums.tax2 = group.sums.value(2);
+            entry.sums.total = group.sums.value(3);
+            entry.sums.quantity = documents ? double(group.count) : group.sums.value(4);
+            dated << entry;
+        }
     }
     return dated;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "browse/reportoptions.h"
+#include "browse/reportzoom.h"
 
 #include <QHash>
 #include <optional>
@@ -56,6 +57,13 @@ public:
     // keys go to `keys` when asked for.
     std::optional<QList<DatedSums>> dated(const ReportOptions& options, const store::FetchRequest& request,
                                           QList<qint64>* keys = nullptr, store::StoreError* error = nullptr);
+
+    // The chart's amounts of the client and item views: what chartRequest() selects, summed by
+    // the database period by period of `step` over the range, one entry at the start of each
+    // period. Each period is a search of the documents' date index, so a report over years adds
+    // up its tens of thousands of documents without reading them one by one.
+    std::optional<QList<DatedSums>> perPeriod(const ReportOptions& options, ZoomStep step,
+                                              store::StoreError* error = nullptr);
 
     // What a view's chart adds up: the listed documents or rows, the counted documents of the
     // listed clients, or the counted rows of the listed items.

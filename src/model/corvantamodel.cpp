@@ -223,7 +223,15 @@ void defineDocuments(DataModelBuilder& b)
         .index({s("type"), s("draft"), s("cancel_reference"), s("sum_total"), s("payments.@sum.amount")})
         .index({s("date_creation")})
         .index({s("identifier")})
-        .index({s("number_formatted")});
+        .index({s("number_formatted")})
+        // Covers the reports by creation date: a currency's documents over a period with their
+        // payment type, client, number and amounts, read without touching the wide table.
+        .index({s("currency"), s("date_creation"), s("draft"), s("payment_type"), s("client"),
+                s("number_formatted"), s("sum_net"), s("sum_tax1"), s("sum_tax2"), s("sum_total")})
+        // Covers the client sums: a currency's documents in the order of their client, summed
+        // client by client without sorting them first.
+        .index({s("currency"), s("client"), s("date_creation"), s("draft"), s("payment_type"), s("sum_net"),
+                s("sum_tax1"), s("sum_tax2"), s("sum_total")});
 
     b.symmetricToOne(s("Documents"), s("cancel_reference"), R::Nullify);
     b.oneToMany(s("Clients"), s("documents"), R::Nullify, s("Documents"), s("client"), R::Nullify);
