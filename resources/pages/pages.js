@@ -45,73 +45,51 @@ function showView(view) {
     }
 }
 
-var svgNamespace = "http://www.w3.org/2000/svg";
+// Charts are drawn by Chart.js: the system's copy, built into the pages' resources as
+// chart.min.js. Each container holds one chart, drawn anew with each call.
+var charts = {};
 
-function svgElement(name, attributes) {
-    var element = document.createElementNS(svgNamespace, name);
-    for (var key in attributes)
-        element.setAttribute(key, attributes[key]);
-    return element;
+function drawChart(containerId, width, height, config) {
+    var container = document.getElementById(containerId);
+    if (!container || typeof Chart === "undefined")
+        return;
+    if (charts[containerId])
+        charts[containerId].destroy();
+    container.innerHTML = "";
+    var canvas = document.createElement("canvas");
+    canvas.width = width;
+    canvas.height = height;
+    container.appendChild(canvas);
+    config.options = config.options || {};
+    config.options.responsive = false;
+    config.options.animation = false;
+    config.options.plugins = {legend: {display: false}};
+    charts[containerId] = new Chart(canvas, config);
 }
 
 // The paid and unpaid parts of a document's total as a pie: values [paid, unpaid] and their
-// labels.
+// labels. A document of nothing shows a grey disc.
 function addPieValues(values, labels) {
-    var pie = document.getElementById("pie");
-    if (!pie)
-        return;
-    var colours = ["#0acd8c", "#d10103"];
-    var total = 0;
-    for (var i = 0; i < values.length; ++i)
-        total += Math.max(values[i], 0);
-    var svg = svgElement("svg", {width: 120, height: 120, viewBox: "-1 -1 2 2"});
-    if (total <= 0) {
-        svg.appendChild(svgElement("circle", {cx: 0, cy: 0, r: 1, fill: "#e4e4e4"}));
-    } else {
-        var angle = -Math.PI / 2;
-        for (var j = 0; j < values.length; ++j) {
-            var share = Math.max(values[j], 0) / total;
-            if (share <= 0)
-                continue;
-            if (share >= 1) {
-                svg.appendChild(svgElement("circle", {cx: 0, cy: 0, r: 1, fill: colours[j % 2]}));
-                break;
-            }
-            var end = angle + share * 2 * Math.PI;
-            var path = "M 0 0 L " + Math.cos(angle) + " " + Math.sin(angle) + " A 1 1 0 " +
-                       (share > 0.5 ? 1 : 0) + " 1 " + Math.cos(end) + " " + Math.sin(end) + " Z";
-            var slice = svgElement("path", {d: path, fill: colours[j % 2]});
-            var title = svgElement("title", {});
-            title.textContent = labels[j];
-            slice.appendChild(title);
-            svg.appendChild(slice);
-            angle = end;
-        }
-    }
-    pie.innerHTML = "";
-    pie.appendChild(svg);
+    var parts = values.map(function (value) { return Math.max(value, 0); });
+    var empty = parts.every(function (value) { return value <= 0; });
+    drawChart("pie", 120, 120, {
+        type: "pie",
+        data: {
+            labels: empty ? [""] : labels,
+            datasets: [{data: empty ? [1] : parts, borderWidth: 0,
+                        backgroundColor: empty ? ["#e4e4e4"] : ["#0acd8c", "#d10103"]}]
+        },
+        options: empty ? {plugins: {tooltip: {enabled: false}}} : {}
+    });
 }
 
 // The sums of the chart view as bars, one per period.
 function addChartValues(labels, values) {
-    var chart = document.getElementById("chart");
-    if (!chart)
-        return;
-    var width = 40 * Math.max(labels.length, 1), height = 160, top = 0;
-    for (var i = 0; i < values.length; ++i)
-        top = Math.max(top, values[i]);
-    var svg = svgElement("svg", {width: width, height: height + 30});
-    for (var j = 0; j < values.length; ++j) {
-        var barHeight = top > 0 ? Math.max(values[j], 0) / top * height : 0;
-        svg.appendChild(svgElement("rect", {x: j * 40 + 8, y: height - barHeight, width: 24,
-                                            height: barHeight, fill: "#1f5fa8"}));
-        var label = svgElement("text", {x: j * 40 + 20, y: height + 16, "text-anchor": "middle",
-                                        "font-size": 10});
-        label.textContent = labels[j];
-        svg.appendChild(label);
-    }
-    chart.innerHTML = "";
-    chart.appendChild(svg);
+    drawChart("chart", Math.max(40 * labels.length, 320), 180, {
+        type: "bar",
+        data: {labels: labels, datasets: [{data: values, backgroundColor: "#1f5fa8"}]},
+        options: {scales: {y: {beginAtZero: true}}}
+    });
 }
 
 // A right click on a link shows no menu; elsewhere the view's own menu stays.
