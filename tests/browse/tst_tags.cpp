@@ -1,25 +1,14 @@
-#include "../documents/documenttestsupport.h"
-#include "browse/categorytree.h"
 #include "browse/tagchoices.h"
 #include "browse/tagrow.h"
+#include "browsetestsupport.h"
 #include "model/companysettings.h"
 
 using namespace corvanta;
+using namespace corvanta::browse::testing;
 using browse::TagChoices;
 using browse::TagRow;
-using documents::testing::s;
-using documents::testing::TestCompany;
-using store::Record;
 
 namespace {
-
-QString names(const QList<Record*>& records)
-{
-    QStringList texts;
-    for (const Record* record : records)
-        texts << record->value(s("name")).toString();
-    return texts.join(s(", "));
-}
 
 QString rowsText(const QList<TagChoices::Row>& rows)
 {
@@ -69,29 +58,26 @@ void tst_Tags::shownRow()
     QFETCH(QString, setting);
     QFETCH(int, systemTags);
     QFETCH(QString, shown);
-    TestCompany company;
-    browse::CategoryTree tree(company.main());
+    BrowseCompany company;
     Record* supplier = company.main().insertRecord(s("Clients"), {{s("type"), 1}});
     QVERIFY(TagRow::shown(supplier).isEmpty());
-    for (const char* name : {"Supplier", "Company"})
-        supplier->addRelated(s("tags"), company.named("Categories", s(name)));
-    Record* folder = company.named("Categories", s("My Folder"));
-    supplier->addRelated(s("tags"), tree.newTag(s("beta"), 1, folder));
-    supplier->addRelated(s("tags"), tree.newTag(s("Alpha"), 1, folder));
+    for (Record* tag : {company.category(s("Supplier")), company.category(s("Company")),
+                        company.userTag(s("beta"), 1), company.userTag(s("Alpha"), 1)})
+        supplier->addRelated(s("tags"), tag);
     Record* item = company.main().insertRecord(s("Items"), {{s("name"), s("Vase")}});
-    item->addRelated(s("tags"), company.named("Categories", s("Product")));
-    item->addRelated(s("tags"), tree.newTag(s("Fragile"), 2, folder));
+    item->addRelated(s("tags"), company.category(s("Product")));
+    item->addRelated(s("tags"), company.userTag(s("Fragile"), 2));
     company.saveMain();
     if (!setting.isEmpty())
         QVERIFY(model::CompanySettings(company.main()).setSetting(setting, 1));
 
     Record* record = entity == s("Clients") ? supplier : item;
     const QList<Record*> row = TagRow::shown(record, TagRow::SystemTags(systemTags));
-    QCOMPARE(names(row), shown);
+    QCOMPARE(namesOf(row), shown);
     // When nothing is hidden the row is in the order the store sorts the same tags in.
     if (row.size() == record->relatedList(s("tags")).size()) {
         const char* inverse = entity == s("Clients") ? "ANY clients == %@" : "ANY items == %@";
-        QCOMPARE(names(company.main().fetch(store::FetchRequest(
+        QCOMPARE(namesOf(company.main().fetch(store::FetchRequest(
                      s("Categories"), predicate::literal(inverse, {QVariant::fromValue(record->ref())}),
                      {{s("subtype")}, {s("name")}}))),
                  shown);
@@ -102,14 +88,12 @@ void tst_Tags::shownRow()
 
 void tst_Tags::choicesKeepSystemTags()
 {
-    TestCompany company;
-    browse::CategoryTree tree(company.main());
-    Record* folder = company.named("Categories", s("My Folder"));
-    Record* vip = tree.newTag(s("VIP"), 1, folder);
-    Record* late = tree.newTag(s("Late payer"), 1, folder);
-    tree.newTag(s("Fragile"), 2, folder); // another kind's tag is not offered
+    BrowseCompany company;
+    Record* vip = company.userTag(s("VIP"), 1);
+    Record* late = company.userTag(s("Late payer"), 1);
+    company.userTag(s("Fragile"), 2); // another kind's tag is not offered
     Record* client = company.main().insertRecord(s("Clients"), {{s("type"), 0}});
-    Record* companyTag = company.named("Categories", s("Company"));
+    Record* companyTag = company.category(s("Company"));
     client->addRelated(s("tags"), companyTag);
     client->addRelated(s("tags"), vip);
     company.saveMain();
@@ -123,7 +107,7 @@ void tst_Tags::choicesKeepSystemTags()
     QCOMPARE(rowsText(choices.rows()), s("Late payer [x], VIP [ ]"));
     // A system tag is no choice: it can be neither taken off nor put on here.
     QVERIFY(!choices.setSelected(companyTag, false));
-    QVERIFY(!choices.setSelected(company.named("Categories", s("Supplier")), true));
+    QVERIFY(!choices.setSelected(company.category(s("Supplier")), true));
     company.saveMain();
     QCOMPARE(company.storedText(client->ref(), s("tags.name")).split(s("=")).last().split(s("|")).size(), 2);
     QVERIFY(client->relatedList(s("tags")).contains(companyTag));

@@ -1,21 +1,54 @@
 #pragma once
 
 #include "../documents/documenttestsupport.h"
+#include "browse/categorytree.h"
 
 namespace corvanta::browse::testing {
 
 using documents::testing::at;
 using documents::testing::s;
+using documents::testing::TestCompany;
 using predicate::RecordRef;
 using store::Record;
 
+// The records' names, joined by ", ".
+inline QString namesOf(const QList<Record*>& records)
+{
+    QStringList names;
+    for (const Record* record : records)
+        names << record->value(s("name")).toString();
+    return names.join(s(", "));
+}
+
+// A scratch company with the sidebar's nodes, currencies and user tags at hand.
+class BrowseCompany : public TestCompany
+{
+public:
+    using TestCompany::TestCompany;
+
+    // The sidebar node of that name; none for an empty name.
+    Record* category(const QString& name) { return name.isEmpty() ? nullptr : named("Categories", name); }
+
+    Record* currency(const char* code)
+    {
+        return main().fetchFirst(
+            store::FetchRequest(s("Currencies"), predicate::literal("code == %@", {s(code)})));
+    }
+
+    // A user tag for clients (1), items (2) or documents (3), filed in "My Folder".
+    Record* userTag(const QString& name, int kind)
+    {
+        return CategoryTree(main()).newTag(name, kind, category(s("My Folder")));
+    }
+};
+
 // A company whose records carry identifiers, as the detail pages address them by, with a client,
 // an item and helpers for their documents and to-dos.
-class PageCompany : public documents::testing::TestCompany
+class PageCompany : public BrowseCompany
 {
 public:
     PageCompany()
-        : TestCompany(at(2024, 3, 15))
+        : BrowseCompany(at(2024, 3, 15))
     {
         client = addClient(s("Acme <b>Ltd</b>"));
         identify(client, s("client-1"));
@@ -23,9 +56,7 @@ public:
         identify(other, s("client-2"));
         item = addItem(s("Bolt"), 10, addTax(s("VAT"), 20));
         identify(item, s("item-1"));
-        euro = main()
-                   .fetchFirst(store::FetchRequest(s("Currencies"), predicate::literal("code == 'EUR'")))
-                   ->ref();
+        euro = currency("EUR")->ref();
     }
 
     void identify(const RecordRef& ref, const QString& identifier)
