@@ -261,16 +261,28 @@ store::Record* busiestCurrency(store::EditingContext& context)
     return busiest;
 }
 
-Figure documentsReport(store::Store& store, HandWritten& hand, const QDate& from, const QDate& to, int runs)
+// What the hand-written statements of a report found: how many records they list and the grand
+// total, to be compared with the report's own.
+struct HandReport
+{
+    int listed = 0;
+    double total = 0;
+};
+
+// A report's figure: the report runner against hand-written statements of the same question,
+// which get the period's first and last instant and the currency as their bindings.
+Figure reportFigure(store::Store& store, browse::ReportView view, const QString& what, const QDate& from,
+                    const QDate& to, int runs,
+                    const std::function<HandReport(const QVariantList&)>& byHandWork)
 {
     QList<double> ours, byHand;
     qsizetype listed = 0;
-    int handListed = 0;
-    double total = 0, handTotal = 0;
+    double total = 0;
+    HandReport hand;
     for (int i = 0; i < runs; ++i) {
         std::unique_ptr<store::EditingContext> context = store.newContext();
         browse::ReportOptions options;
-        options.view = browse::ReportView::Documents;
+        options.view = view;
         options.currency = busiestCurrency(*context);
         options.allPaymentTypes = true;
         options.setDates(from, to);
@@ -282,91 +294,70 @@ Figure documentsReport(store::Store& store, HandWritten& hand, const QDate& from
         });
         const QVariantList bindings{storedInstant(options.fromInstant()), storedInstant(options.toInstant()),
                                     options.currency->pk()};
-        byHand << millisecondsOf([&] {
-            // The list in its order with the amounts, summed and put into monthly buckets here.
-            QMap<QString, std::pair<double, double>> months;
-            handTotal = 0;
-            handListed = hand.run(
-                s("SELECT pk, date_creation, sum_net, sum_total FROM Documents WHERE date_creation >= ? AND "
-                  "date_creation <= ? AND draft IS NOT 1 AND currency = ? ORDER BY number_formatted"),
-                bindings, [&](const QSqlQuery& q) {
-                    const QDateTime date =
-                        QDateTime::fromSecsSinceEpoch(qint64(q.value(1).toDouble() + 978307200.0));
-                    auto& month = months[date.toString(s("yyyyMM"))];
-                    month.first += q.value(2).toDouble();
-                    month.second += q.value(3).toDouble() - q.value(2).toDouble();
-                    handTotal += q.value(3).toDouble();
-                });
-        });
+        byHand << millisecondsOf([&] { hand = byHandWork(bindings); });
     }
-    const bool same = listed == handListed && qAbs(total - handTotal) < 0.01 * qMax(1.0, qAbs(handTotal));
-    return {QStringLiteral("documents report %1 to %2 (%3 listed)")
-                .arg(from.toString(Qt::ISODate), to.toString(Qt::ISODate))
+    const bool same = listed == hand.listed && qAbs(total - hand.total) < 0.01 * qMax(1.0, qAbs(hand.total));
+    return {QStringLiteral("%1 %2 to %3 (%4 listed)")
+                .arg(what, from.toString(Qt::ISODate), to.toString(Qt::ISODate))
                 .arg(listed),
             medianOf(ours), medianOf(byHand), 150,
             same ? QString()
                  : QStringLiteral("%1 listed, total %2; by hand %3, %4")
                        .arg(listed)
                        .arg(total, 0, 'f', 2)
-                       .arg(handListed)
-                       .arg(handTotal, 0, 'f', 2)};
+                       .arg(hand.listed)
+                       .arg(hand.total, 0, 'f', 2)};
+}
+
+Figure documentsReport(store::Store& store, HandWritten& hand, const QDate& from, const QDate& to, int runs)
+{
+    // The list in its order with the amounts, summed and put into monthly buckets here.
+    return reportFigure(
+        store, browse::ReportView::Documents, s("documents report"), from, to, runs,
+        [&hand](const QVariantList& bindings) {
+            HandReport result;
+            QMap<QString, std::pair<double, double>> months;
+            result.listed =
+                hand.run(s("SELECT pk, date_creation, sum_net, sum_total FROM Documents WHERE "
+                           "date_creation >= ? AND date_creation <= ? AND draft IS NOT 1 AND currency = "
+                           "? ORDER BY number_formatted"),
+                         bindings, [&](const QSqlQuery& q) {
+                             const QDateTime date =
+                                 QDateTime::fromSecsSinceEpoch(qint64(q.value(1).toDouble() + 978307200.0));
+                             auto& month = months[date.toString(s("yyyyMM"))];
+                             month.first += q.value(2).toDouble();
+                             month.second += q.value(3).toDouble() - q.value(2).toDouble();
+                             result.total += q.value(3).toDouble();
+                         });
+            return result;
+        });
 }
 
 Figure clientSumsReport(store::Store& store, HandWritten& hand, const QDate& from, const QDate& to, int runs)
 {
-    QList<double> ours, byHand;
-    double total = 0, handTotal = 0;
-    qsizetype listed = 0;
-    int handListed = 0;
-    for (int i = 0; i < runs; ++i) {
-        std::unique_ptr<store::EditingContext> context = store.newContext();
-        browse::ReportOptions options;
-        options.view = browse::ReportView::ClientSums;
-        options.currency = busiestCurrency(*context);
-        options.allPaymentTypes = true;
-        options.setDates(from, to);
-        ours << millisecondsOf([&] {
-            const std::optional<browse::ReportResult> result =
-                browse::ReportRunner(*context).run(options, browse::ZoomStep::Month);
-            listed = result ? result->size() : -1;
-            total = result ? result->totals.total : 0;
-        });
-        const QVariantList bindings{storedInstant(options.fromInstant()), storedInstant(options.toInstant()),
-                                    options.currency->pk()};
-        byHand << millisecondsOf([&] {
-            // Every client in name order, the sums of their counted documents by client, and the
-            // chart's monthly amounts.
+    // Every client in name order, the sums of their counted documents by client, and the chart's
+    // monthly amounts.
+    return reportFigure(
+        store, browse::ReportView::ClientSums, s("client sums"), from, to, runs,
+        [&hand](const QVariantList& bindings) {
+            HandReport result;
             QHash<qint64, double> sums;
-            handTotal = 0;
-            handListed = hand.run(s("SELECT pk FROM Clients ORDER BY full_name"), {});
+            result.listed = hand.run(s("SELECT pk FROM Clients ORDER BY full_name"), {});
             hand.run(
-                s("SELECT d.client, total(s.net), total(s.tax1_value), total(s.tax2_value), total(s.total) "
-                  "FROM DocumentSummaries s JOIN Documents d ON d.pk = s.document WHERE d.date_creation "
-                  ">= ? AND d.date_creation <= ? AND d.draft IS NOT 1 AND d.currency = ? GROUP BY "
-                  "d.client"),
+                s("SELECT client, total(sum_net), total(sum_tax1), total(sum_tax2), total(sum_total) FROM "
+                  "Documents WHERE date_creation >= ? AND date_creation <= ? AND draft IS NOT 1 AND "
+                  "currency = ? GROUP BY client"),
                 bindings, [&](const QSqlQuery& q) {
                     sums.insert(q.value(0).toLongLong(), q.value(4).toDouble());
-                    handTotal += q.value(4).toDouble();
+                    if (!q.value(0).isNull())
+                        result.total += q.value(4).toDouble();
                 });
-            hand.run(
-                s("SELECT strftime('%Y%m', d.date_creation + 978307200, 'unixepoch'), total(s.net), "
-                  "total(s.total) FROM DocumentSummaries s JOIN Documents d ON d.pk = s.document WHERE "
-                  "d.date_creation >= ? AND d.date_creation <= ? AND d.draft IS NOT 1 AND d.currency = ? "
-                  "GROUP BY 1"),
-                bindings);
+            hand.run(s("SELECT strftime('%Y%m', date_creation + 978307200, 'unixepoch'), total(sum_net), "
+                       "total(sum_total) FROM Documents WHERE date_creation >= ? AND date_creation <= ? AND "
+                       "draft IS NOT 1 AND currency = ? AND client IS NOT NULL GROUP BY 1"),
+                     bindings);
+            return result;
         });
-    }
-    const bool same = listed == handListed && qAbs(total - handTotal) < 0.01 * qMax(1.0, qAbs(handTotal));
-    return {QStringLiteral("client sums %1 to %2 (%3 clients)")
-                .arg(from.toString(Qt::ISODate), to.toString(Qt::ISODate))
-                .arg(listed),
-            medianOf(ours), medianOf(byHand), 150,
-            same ? QString()
-                 : QStringLiteral("%1 listed, total %2; by hand %3, %4")
-                       .arg(listed)
-                       .arg(total, 0, 'f', 2)
-                       .arg(handListed)
-                       .arg(handTotal, 0, 'f', 2)};
 }
 
 // The first page of a node's list, in a fresh context as a newly selected node gets it.

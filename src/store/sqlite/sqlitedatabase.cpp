@@ -418,21 +418,34 @@ bool SqliteDatabase::select(const FetchRequest& request,
     return true;
 }
 
+QSqlQuery* SqliteDatabase::executed(const SqlStatement& statement, const QString& failure, StoreError* error)
+{
+    QString why;
+    QSqlQuery* query = prepared(statement.text, &why);
+    if (!query) {
+        report(error, StoreError::make(StoreError::InvalidFetch, failure, why));
+        return nullptr;
+    }
+    for (qsizetype i = 0; i < statement.bindings.size(); ++i)
+        query->bindValue(int(i), statement.bindings.at(i));
+    if (!query->exec()) {
+        report(error, StoreError::make(StoreError::InvalidFetch, failure, query->lastError().text()));
+        query->finish();
+        return nullptr;
+    }
+    return query;
+}
+
 std::optional<QVariant> SqliteDatabase::scalar(const std::optional<SqlStatement>& statement,
                                                const QString& failure, StoreError* error)
 {
     if (!statement)
         return std::nullopt;
-    QString why;
-    QSqlQuery* query = prepared(statement->text, &why);
-    if (!query) {
-        report(error, StoreError::make(StoreError::InvalidFetch, failure, why));
+    QSqlQuery* query = executed(*statement, failure, error);
+    if (!query)
         return std::nullopt;
-    }
-    for (qsizetype i = 0; i < statement->bindings.size(); ++i)
-        query->bindValue(int(i), statement->bindings.at(i));
     std::optional<QVariant> result;
-    if (query->exec() && query->next())
+    if (query->next())
         result = query->value(0);
     else
         report(error, StoreError::make(StoreError::InvalidFetch, failure, query->lastError().text()));
@@ -464,20 +477,9 @@ std::optional<QList<GroupSums>> SqliteDatabase::groupedSums(const FetchRequest& 
         request, groupKeyPath, sumKeyPaths, &groupEntity, &groupType, error);
     if (!statement)
         return std::nullopt;
-    const QString failure = tr("The records could not be added up.");
-    QString why;
-    QSqlQuery* query = prepared(statement->text, &why);
-    if (!query) {
-        report(error, StoreError::make(StoreError::InvalidFetch, failure, why));
+    QSqlQuery* query = executed(*statement, tr("The records could not be added up."), error);
+    if (!query)
         return std::nullopt;
-    }
-    for (qsizetype i = 0; i < statement->bindings.size(); ++i)
-        query->bindValue(int(i), statement->bindings.at(i));
-    if (!query->exec()) {
-        report(error, StoreError::make(StoreError::InvalidFetch, failure, query->lastError().text()));
-        query->finish();
-        return std::nullopt;
-    }
     QList<GroupSums> groups;
     while (query->next()) {
         GroupSums group;
@@ -504,20 +506,9 @@ std::optional<QList<StoredRow>> SqliteDatabase::values(const FetchRequest& reque
     const std::optional<SqlStatement> statement = SqlCompiler(*m_model).values(request, keyPaths, error);
     if (!statement)
         return std::nullopt;
-    const QString failure = tr("The records could not be read.");
-    QString why;
-    QSqlQuery* query = prepared(statement->text, &why);
-    if (!query) {
-        report(error, StoreError::make(StoreError::InvalidFetch, failure, why));
+    QSqlQuery* query = executed(*statement, tr("The records could not be read."), error);
+    if (!query)
         return std::nullopt;
-    }
-    for (qsizetype i = 0; i < statement->bindings.size(); ++i)
-        query->bindValue(int(i), statement->bindings.at(i));
-    if (!query->exec()) {
-        report(error, StoreError::make(StoreError::InvalidFetch, failure, query->lastError().text()));
-        query->finish();
-        return std::nullopt;
-    }
     QList<StoredRow> rows;
     const int columns = int(keyPaths.size());
     while (query->next()) {

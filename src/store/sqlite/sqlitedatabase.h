@@ -128,6 +128,9 @@ private:
     // Notes SQLite's result and the system's error of a failed write, sets `error` to `text`
     // and returns false.
     bool writeFailed(const QString& text, QString* error);
+    // Prepares, binds and runs a reading statement; the query is then ready for next() and must
+    // be finished by the caller. Null after reporting `failure` with the database's reason.
+    QSqlQuery* executed(const SqlStatement& statement, const QString& failure, StoreError* error);
     std::optional<QVariant> scalar(const std::optional<SqlStatement>& statement, const QString& failure,
                                    StoreError* error);
     bool checkOwnership(const QString& path, QString* storedVersion, StoreError* error);
