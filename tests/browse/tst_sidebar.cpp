@@ -40,7 +40,6 @@ private Q_SLOTS:
     void modelShowsTheTree();
     void counts_data();
     void counts();
-    void recountsAfterAnotherContextSaves();
     void relativeDatesCountFromDayToDay();
     void newNodePlacement_data();
     void newNodePlacement();
@@ -116,6 +115,10 @@ void tst_Sidebar::counts()
     QFETCH(QString, name);
     QFETCH(QString, count);
     BrowseCompany company;
+    // The model is there before the records: it recounts after each save, the client editor's
+    // in a context of its own which the main context merges.
+    SidebarModel model(company.main());
+    QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
     // The client editor files each new client under its type's tags.
     editors::ClientController clients(company.store(), company.prompter(), company.clock());
     for (const auto& [type, clientName] : {std::pair{1, "Supplies Ltd"}, {0, "Acme"}, {0, "Bolt"}}) {
@@ -132,27 +135,9 @@ void tst_Sidebar::counts()
     company.add("Payments", {{s("amount"), company.record(paid)->value(s("sum_total"))},
                              {s("document"), QVariant::fromValue(paid)}});
 
-    SidebarModel model(company.main());
     const QModelIndex index = model.indexOf(company.category(name));
     QVERIFY(index.isValid());
     QCOMPARE(index.data(SidebarModel::CountRole).toString(), count);
-}
-
-void tst_Sidebar::recountsAfterAnotherContextSaves()
-{
-    BrowseCompany company;
-    SidebarModel model(company.main());
-    const QModelIndex supplier = model.indexOf(company.category(s("Supplier")));
-    QCOMPARE(supplier.data(SidebarModel::CountRole).toString(), s("0"));
-    QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
-
-    // The client editor saves in a context of its own; the main context merges it.
-    editors::ClientController controller(company.store(), company.prompter(), company.clock());
-    controller.newClient(1);
-    QVERIFY(controller.save(editors::RecordEditor::Sender::None));
-
-    QCOMPARE(supplier.data(SidebarModel::CountRole).toString(), s("1"));
-    QCOMPARE(model.indexOf(company.category(s("Company"))).data(SidebarModel::CountRole).toString(), s("1"));
     QVERIFY(!changed.isEmpty());
 }
 
