@@ -154,11 +154,7 @@ void RecordCommands::copyItem(Record* original, Record* copy)
 
 bool RecordCommands::save(store::EditingContext& context)
 {
-    store::StoreError error;
-    if (context.save(&error))
-        return true;
-    documents::SaveFailure::show(m_prompter, error);
-    return false;
+    return documents::SaveFailure::save(context, m_prompter);
 }
 
 } // namespace corvanta::browse

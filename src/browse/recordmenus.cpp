@@ -97,11 +97,7 @@ bool RecordMenus::toggleTag(const RecordRef& tagRef, const QList<RecordRef>& sel
 
 bool RecordMenus::save(store::EditingContext& context)
 {
-    store::StoreError error;
-    if (context.save(&error))
-        return true;
-    documents::SaveFailure::show(m_prompter, error);
-    return false;
+    return documents::SaveFailure::save(context, m_prompter);
 }
 
 } // namespace corvanta::browse

@@ -219,9 +219,14 @@ bool SidebarModel::setData(const QModelIndex& index, const QVariant& value, int 
     if (node->value(s("name")).toString() == name)
         return true;
     node->setValue(s("name"), name);
-    const bool saved = saveContext();
+    if (!saveContext()) {
+        // A name the database did not take is not shown as if it were kept.
+        m_context.rollback();
+        Q_EMIT dataChanged(index, index, {Qt::DisplayRole, Qt::EditRole, NameRole});
+        return false;
+    }
     Q_EMIT dataChanged(index, index, {Qt::DisplayRole, Qt::EditRole, NameRole});
-    return saved;
+    return true;
 }
 
 Qt::ItemFlags SidebarModel::flags(const QModelIndex& index) const
@@ -317,6 +322,8 @@ bool SidebarModel::dropMimeData(const QMimeData* data, Qt::DropAction action, in
     if (!m_tree.move(draggedNodes(data), recordAt(parent), row))
         return false;
     const bool saved = saveContext();
+    if (!saved)
+        m_context.rollback(); // the tree goes back to what is stored
     reload();
     // The rows were moved here; removeRows() stays refused, so a view's own removal after a
     // move does nothing.

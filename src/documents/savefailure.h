@@ -3,8 +3,9 @@
 #include <QCoreApplication>
 
 namespace corvanta::store {
+class EditingContext;
 struct StoreError;
-}
+} // namespace corvanta::store
 namespace corvanta::support {
 class Prompter;
 }
@@ -18,6 +19,9 @@ class SaveFailure
 
 public:
     static void show(support::Prompter& prompter, const store::StoreError& error);
+    // Saves the context. When the database does not take the changes, the context forgets them
+    // (its records go back to what is stored) and the user is told why; false then.
+    static bool save(store::EditingContext& context, support::Prompter& prompter);
 };
 
 } // namespace corvanta::documents

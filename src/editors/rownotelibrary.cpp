@@ -62,12 +62,7 @@ bool RowNoteLibrary::remove(const Entry& entry)
 
 bool RowNoteLibrary::save()
 {
-    store::StoreError error;
-    if (m_context->save(&error))
-        return true;
-    m_context->rollback();
-    SaveFailure::show(m_prompter, error);
-    return false;
+    return SaveFailure::save(*m_context, m_prompter);
 }
 
 } // namespace corvanta::editors

@@ -71,12 +71,7 @@ QList<Record*> TemplateLibrary::templates()
 
 bool TemplateLibrary::save()
 {
-    store::StoreError error;
-    if (m_context.save(&error))
-        return true;
-    m_context.rollback();
-    documents::SaveFailure::show(m_prompter, error);
-    return false;
+    return documents::SaveFailure::save(m_context, m_prompter);
 }
 
 Record* TemplateLibrary::addRow(int type)
