@@ -69,8 +69,6 @@ private Q_SLOTS:
     void address();
     void scriptArgument_data();
     void scriptArgument();
-    void ratingAndStatus_data();
-    void ratingAndStatus();
     void clientPage();
     void filledPagesMatchTheirFiles();
     void documentPayment_data();
@@ -141,34 +139,6 @@ void tst_DetailPages::scriptArgument()
     for (const char* unsafe : {"'", "\"", "<", ">", "\n", "\\'"})
         QVERIFY2(!argument.contains(s(unsafe)), qPrintable(argument));
     QCOMPARE(decodedScriptArgument(argument), text);
-}
-
-void tst_DetailPages::ratingAndStatus_data()
-{
-    QTest::addColumn<int>("rating");
-    QTest::addColumn<int>("status");
-    QTest::addColumn<QString>("statusName");
-    QTest::newRow("no stars, lost") << 0 << 0 << s("lost");
-    QTest::newRow("three stars, possible") << 3 << 1 << s("possible");
-    QTest::newRow("five stars, available") << 5 << 2 << s("available");
-}
-
-void tst_DetailPages::ratingAndStatus()
-{
-    QFETCH(int, rating);
-    QFETCH(int, status);
-    QFETCH(QString, statusName);
-    // Full stars first; each star sets the rating of its place.
-    QString stars;
-    for (int n = 1; n <= 5; ++n)
-        stars += s("<span onclick='clientRating(%1)' class='%2</span>")
-                     .arg(n)
-                     .arg(n <= rating ? s("full'>&#9733;") : s("empty'>&#9734;"));
-    QCOMPARE(ClientPage::ratingStars(rating), stars);
-    const QString images = ClientPage::statusImages(status);
-    QCOMPARE(images.count(s("_selected.svg")), 1);
-    QVERIFY(images.contains(
-        s("status_%1_selected.svg' title='%1' onclick='clientStatus(%2)'").arg(statusName).arg(status)));
 }
 
 void tst_DetailPages::clientPage()

@@ -168,28 +168,43 @@ void tst_PageBridge::clientRatingAndStatus_data()
 {
     QTest::addColumn<QString>("call");
     QTest::addColumn<QVariant>("argument");
-    QTest::addColumn<QString>("stored");
-    QTest::newRow("five stars from the page") << s("clientRating") << QVariant(5.0) << s("rating=5 status=1");
-    QTest::newRow("no stars") << s("clientRating") << QVariant(0) << s("rating=0 status=1");
-    QTest::newRow("lost") << s("clientStatus") << QVariant(0.0) << s("rating=2 status=0");
-    QTest::newRow("available") << s("clientStatus") << QVariant(2.0) << s("rating=2 status=2");
+    QTest::addColumn<int>("rating"); // the client's was 2
+    QTest::addColumn<int>("status"); // and 1, "possible"
+    QTest::addColumn<QString>("statusName");
+    QTest::newRow("five stars from the page")
+        << s("clientRating") << QVariant(5.0) << 5 << 1 << s("possible");
+    QTest::newRow("no stars") << s("clientRating") << QVariant(0) << 0 << 1 << s("possible");
+    QTest::newRow("lost") << s("clientStatus") << QVariant(0.0) << 2 << 0 << s("lost");
+    QTest::newRow("available") << s("clientStatus") << QVariant(2.0) << 2 << 2 << s("available");
 }
 
 void tst_PageBridge::clientRatingAndStatus()
 {
     QFETCH(QString, call);
     QFETCH(QVariant, argument);
-    QFETCH(QString, stored);
+    QFETCH(int, rating);
+    QFETCH(int, status);
+    QFETCH(QString, statusName);
     QVERIFY(m_bridge->showPage(s("client.html?1&client-1")));
     QSignalSpy changed(m_bridge.get(), &PageBridge::pageChanged);
     QVERIFY(
         QMetaObject::invokeMethod(m_bridge.get(), call.toLatin1().constData(), Q_ARG(QVariant, argument)));
     QCOMPARE(changed.count(), 1);
-    QCOMPARE(state().section(s(" events"), 0, 0), stored);
-    // The page drawn again shows the stored values.
+    QCOMPARE(state().section(s(" events"), 0, 0), s("rating=%1 status=%2").arg(rating).arg(status));
+    // The page drawn again shows them: full stars first, each star setting the rating of its place,
+    // and the one status image selected.
+    QString stars;
+    for (int n = 1; n <= 5; ++n)
+        stars += s("<span onclick='clientRating(%1)' class='%2</span>")
+                     .arg(n)
+                     .arg(n <= rating ? s("full'>&#9733;") : s("empty'>&#9734;"));
     const DetailPage page = m_bridge->page();
-    QCOMPARE(page.content(s("rating")).count(s("class='full'")), stored.mid(7, 1).toInt());
-    QVERIFY(page.content(s("status")).contains(s("onclick='clientStatus(%1)'").arg(stored.right(1))));
+    QCOMPARE(page.content(s("rating")), stars);
+    QCOMPARE(page.content(s("status")).count(s("_selected.svg")), 1);
+    QVERIFY(page.content(s("status"))
+                .contains(s("status_%1_selected.svg' title='%1' onclick='clientStatus(%2)'")
+                              .arg(statusName)
+                              .arg(status)));
 }
 
 void tst_PageBridge::doneTogglesStateAndTag()
