@@ -269,7 +269,6 @@ void tst_DetailPages::history()
     QFETCH(int, filter);
     QFETCH(int, count);
     QFETCH(int, shown);
-    QFETCH(int, more);
     for (int n = 0; n < documents; ++n)
         m_company->invoice(QDate(2024, 1, 1).addDays(3 * n));
     m_company->invoice(QDate(2024, 2, 1), 1, false); // a draft is no event
@@ -280,7 +279,7 @@ void tst_DetailPages::history()
     const QString html = EventHistory(m_company->record(m_company->client)).html(filter, count);
     const QStringList events = eventsOf(html);
     QCOMPARE(events.size(), shown);
-    QCOMPARE(moreCount(html), more);
+    QTEST(moreCount(html), "more");
     const QString onlyClass = filter == 0   ? s("eNotice")
                               : filter == 2 ? s("eDone")
                               : filter == 3 ? s("ePending")

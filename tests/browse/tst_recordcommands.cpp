@@ -130,12 +130,11 @@ void tst_RecordCommands::availability()
 {
     QFETCH(int, command);
     QFETCH(QStringList, selection);
-    QFETCH(bool, enabled);
     CommandCompany company;
     QList<Record*> records;
     for (const QString& name : selection)
         records << company.record(company.byName(name));
-    QCOMPARE(browse::CommandAvailability::isEnabled(RecordCommand(command), records), enabled);
+    QTEST(browse::CommandAvailability::isEnabled(RecordCommand(command), records), "enabled");
 }
 
 void tst_RecordCommands::deleteAsks_data()
@@ -223,7 +222,6 @@ void tst_RecordCommands::duplicates()
     QFETCH(QString, record);
     QFETCH(int, firstNamePosition);
     QFETCH(QString, keyPaths);
-    QFETCH(QString, copied);
     CommandCompany company;
     QVERIFY(model::CompanySettings(company.main()).setSetting(s("first_name_position"), firstNamePosition));
     RecordRef original = company.byName(record);
@@ -239,7 +237,7 @@ void tst_RecordCommands::duplicates()
     const std::optional<RecordRef> copy = commands.duplicate(original);
     QVERIFY(copy);
     QVERIFY(*copy != original);
-    QCOMPARE(company.storedText(*copy, keyPaths), copied);
+    QTEST(company.storedText(*copy, keyPaths), "copied");
     QCOMPARE(tagNames(company.stored(*copy, "tags.name")), tagNames(company.stored(original, "tags.name")));
     QVERIFY(company.stored(*copy, "identifier") != company.stored(original, "identifier"));
 }

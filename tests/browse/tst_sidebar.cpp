@@ -96,14 +96,12 @@ void tst_Sidebar::counts_data()
     // Two companies and a supplier (filed under Company and Supplier), two final invoices of
     // which one is paid, a draft invoice and an estimate.
     QTest::newRow("group without predicate") << s("Clients") << s("3");
-    QTest::newRow("all clients") << s("All Clients") << s("3");
     QTest::newRow("company tag holds the supplier") << s("Company") << s("3");
     QTest::newRow("supplier tag") << s("Supplier") << s("1");
     QTest::newRow("nobody is an individual") << s("Individual") << s("0");
     QTest::newRow("all documents") << s("All Documents") << s("4");
     QTest::newRow("paid invoices") << s("Paid Invoices") << s("1");
     QTest::newRow("unpaid invoices") << s("Unpaid Invoices") << s("1");
-    QTest::newRow("draft invoices") << s("Draft Invoices") << s("1");
     QTest::newRow("invoice tag") << s("Invoice") << s("3");
     QTest::newRow("estimate tag") << s("Estimate") << s("1");
     QTest::newRow("folder counts nothing") << s("My Folder") << QString();
@@ -113,7 +111,6 @@ void tst_Sidebar::counts_data()
 void tst_Sidebar::counts()
 {
     QFETCH(QString, name);
-    QFETCH(QString, count);
     BrowseCompany company;
     // The model is there before the records: it recounts after each save, the client editor's
     // in a context of its own which the main context merges.
@@ -137,7 +134,7 @@ void tst_Sidebar::counts()
 
     const QModelIndex index = model.indexOf(company.category(name));
     QVERIFY(index.isValid());
-    QCOMPARE(index.data(SidebarModel::CountRole).toString(), count);
+    QTEST(index.data(SidebarModel::CountRole).toString(), "count");
     QVERIFY(!changed.isEmpty());
 }
 
@@ -177,7 +174,6 @@ void tst_Sidebar::newNodePlacement()
     QFETCH(QString, selected);
     QFETCH(QString, parent);
     QFETCH(int, subfolders);
-    QFETCH(QString, path);
     BrowseCompany company;
     CategoryTree tree(company.main());
     for (int i = 0; i < subfolders; ++i)
@@ -186,7 +182,7 @@ void tst_Sidebar::newNodePlacement()
     QCOMPARE(under, company.category(parent));
 
     Record* tag = tree.newTag(s("Urgent"), 2, under);
-    QCOMPARE(pathOf(tag), path);
+    QTEST(pathOf(tag), "path");
     QCOMPARE(CategoryTree::colourText(tag->value(s("foreground_color"))), s("#FFFFFF"));
     QCOMPARE(CategoryTree::colourText(tag->value(s("background_color"))), s("#FF8000"));
 }
@@ -308,7 +304,6 @@ void tst_Sidebar::drops()
     QFETCH(QString, target);
     QFETCH(int, row);
     QFETCH(int, refusal);
-    QFETCH(QString, expected);
     BrowseCompany company;
     SidebarModel model(company.main());
     QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
@@ -339,7 +334,7 @@ void tst_Sidebar::drops()
         children << child.data(SidebarModel::IndexPathRole).toString() + QLatin1Char(' ') +
                         child.data().toString();
     }
-    QCOMPARE(children.join(s(", ")), expected);
+    QTEST(children.join(s(", ")), "expected");
     // Saved, and every path is its place in the tree: the stored outline agrees with the model.
     QVERIFY(!company.main().hasChanges());
     for (Record* record : CategoryTree(company.main()).all()) {
