@@ -57,7 +57,6 @@ void tst_Tags::shownRow()
     QFETCH(QString, entity);
     QFETCH(QString, setting);
     QFETCH(int, systemTags);
-    QFETCH(QString, shown);
     BrowseCompany company;
     Record* supplier = company.main().insertRecord(s("Clients"), {{s("type"), 1}});
     QVERIFY(TagRow::shown(supplier).isEmpty());
@@ -73,15 +72,7 @@ void tst_Tags::shownRow()
 
     Record* record = entity == s("Clients") ? supplier : item;
     const QList<Record*> row = TagRow::shown(record, TagRow::SystemTags(systemTags));
-    QCOMPARE(namesOf(row), shown);
-    // When nothing is hidden the row is in the order the store sorts the same tags in.
-    if (row.size() == record->relatedList(s("tags")).size()) {
-        const char* inverse = entity == s("Clients") ? "ANY clients == %@" : "ANY items == %@";
-        QCOMPARE(namesOf(company.main().fetch(store::FetchRequest(
-                     s("Categories"), predicate::literal(inverse, {QVariant::fromValue(record->ref())}),
-                     {{s("subtype")}, {s("name")}}))),
-                 shown);
-    }
+    QTEST(namesOf(row), "shown");
     // Hiding is only in the row: the record keeps every tag.
     QCOMPARE(record->relatedList(s("tags")).size(), entity == s("Clients") ? 4 : 2);
 }
