@@ -43,10 +43,8 @@ private Q_SLOTS:
     void relativeDatesCountFromDayToDay();
     void newNodePlacement_data();
     void newNodePlacement();
-    void deleteQuestions_data();
-    void deleteQuestions();
-    void systemNodesAreKept_data();
-    void systemNodesAreKept();
+    void deletion_data();
+    void deletion();
     void drops_data();
     void drops();
     void folderOrTagSheet();
@@ -187,11 +185,11 @@ void tst_Sidebar::newNodePlacement()
     QCOMPARE(CategoryTree::colourText(tag->value(s("background_color"))), s("#FF8000"));
 }
 
-void tst_Sidebar::deleteQuestions_data()
+void tst_Sidebar::deletion_data()
 {
     QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("question"); // its start: the node and what goes with it
-    QTest::addColumn<int>("removed");
+    QTest::addColumn<QString>("question"); // the start of the one asked, if any
+    QTest::addColumn<int>("removed");      // nodes; 0: refused
     QTest::newRow("group") << s("My Group")
                            << s("Delete the group \"My Group\"? | Included: My Folder, Inner, Label, \n\n")
                            << 4;
@@ -202,13 +200,22 @@ void tst_Sidebar::deleteQuestions_data()
                                   << s("Delete the Smart Folder \"Recent\"? | Deleting a Smart Folder "
                                        "removes it but does not delete its contents.")
                                   << 1;
+    QTest::newRow("group holding system tags")
+        << s("Clients")
+        << s("Cannot be deleted | Cannot be deleted because includes minimum one system tag. Before "
+             "deleting, "
+             "place system tags in another folder by drag & drop. | OK")
+        << 0;
+    QTest::newRow("system tag itself") << s("Cancellation") << QString() << 0;
+    QTest::newRow("system smart folder itself") << s("All Items") << QString() << 0;
 }
 
-void tst_Sidebar::deleteQuestions()
+void tst_Sidebar::deletion()
 {
     QFETCH(QString, name);
     QFETCH(QString, question);
     QFETCH(int, removed);
+    using Result = browse::CategoryDeletion::Result;
     BrowseCompany company;
     CategoryTree tree(company.main());
     Record* inner = tree.newFolder(s("Inner"), company.category(s("My Folder")));
@@ -218,50 +225,26 @@ void tst_Sidebar::deleteQuestions()
     const int before = company.count("Categories");
     const QString shape = outline(company);
 
+    // Declined or refused, the tree stays as it was.
     browse::CategoryDeletion deletion(tree, company.prompter());
-    company.prompter().addAnswer(s("Cancel"));
-    QCOMPARE(deletion.deleteCategory(company.category(name)), browse::CategoryDeletion::Result::Cancelled);
-    QVERIFY2(company.question().startsWith(question), qPrintable(company.question()));
+    QCOMPARE(browse::CategoryDeletion::canDelete(company.category(name)), !question.isEmpty());
+    if (removed)
+        company.prompter().addAnswer(s("Cancel"));
+    QCOMPARE(deletion.deleteCategory(company.category(name)), removed ? Result::Cancelled : Result::Refused);
+    QCOMPARE(company.asked().size(), question.isEmpty() ? 0 : 1);
+    QVERIFY2(company.asked().value(0).startsWith(question), qPrintable(company.question()));
     QCOMPARE(outline(company), shape);
 
-    QCOMPARE(deletion.deleteCategory(company.category(name)), browse::CategoryDeletion::Result::Deleted);
-    company.saveMain();
-    QCOMPARE(company.count("Categories"), before - removed);
-    QVERIFY(!company.category(name));
-}
-
-void tst_Sidebar::systemNodesAreKept_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<bool>("asked");
-    QTest::newRow("group holding system tags") << s("Clients") << true;
-    QTest::newRow("system tag itself") << s("Cancellation") << false;
-    QTest::newRow("system smart folder itself") << s("All Items") << false;
-}
-
-void tst_Sidebar::systemNodesAreKept()
-{
-    QFETCH(QString, name);
-    QFETCH(bool, asked);
-    BrowseCompany company;
-    CategoryTree tree(company.main());
-    const QString shape = outline(company);
-    QCOMPARE(browse::CategoryDeletion::canDelete(company.category(name)), asked);
-    browse::CategoryDeletion deletion(tree, company.prompter());
-    QCOMPARE(deletion.deleteCategory(company.category(name)), browse::CategoryDeletion::Result::Refused);
-    QCOMPARE(company.asked(),
-             asked
-                 ? QStringList{s("Cannot be deleted | Cannot be deleted because includes minimum one system "
-                                 "tag. Before deleting, place system tags in another folder by drag & "
-                                 "drop. | OK")}
-                 : QStringList{});
-    QCOMPARE(outline(company), shape);
-
-    // Once its system tags are dragged elsewhere the group can go.
-    if (name == s("Clients")) {
+    if (removed) {
+        QCOMPARE(deletion.deleteCategory(company.category(name)), Result::Deleted);
+        company.saveMain();
+        QCOMPARE(company.count("Categories"), before - removed);
+        QVERIFY(!company.category(name));
+    } else if (name == s("Clients")) {
+        // Once its system tags are dragged elsewhere the group can go.
         QVERIFY(
             tree.move(CategoryTree::children(company.category(name)), company.category(s("My Group")), 0));
-        QCOMPARE(deletion.deleteCategory(company.category(name)), browse::CategoryDeletion::Result::Deleted);
+        QCOMPARE(deletion.deleteCategory(company.category(name)), Result::Deleted);
         QCOMPARE(pathOf(company.category(s("My Group"))), s("003"));
         QCOMPARE(pathOf(company.category(s("All Clients"))), s("003000"));
         QCOMPARE(pathOf(company.category(s("My Folder"))), s("003004"));
