@@ -119,6 +119,9 @@ private Q_SLOTS:
 
     void roundTrip_data()
     {
+        using enum ListKind;
+        using enum RowValueType;
+        using enum Op;
         QTest::addColumn<ListKind>("kind");
         QTest::addColumn<PredicateRow>("rows");
         QTest::addColumn<QString>("text");
@@ -126,50 +129,44 @@ private Q_SLOTS:
 
         const QString smith = s("Smíth Ltd");
         QTest::newRow("client name contains, ignoring case and accents")
-            << ListKind::Clients << all({row("company_name", Op::Contains, s("SMITH"))})
+            << Clients << all({row("company_name", Contains, s("SMITH"))})
             << s("company_name CONTAINS[cd] \"SMITH\"") << QStringList{s("Blacksmith \"Anvil\""), smith};
         QTest::newRow("quotes in a value are escaped")
-            << ListKind::Clients << all({row("company_name", Op::EndsWith, s("\"Anvil\""))})
+            << Clients << all({row("company_name", EndsWith, s("\"Anvil\""))})
             << s("company_name ENDSWITH[cd] \"\\\"Anvil\\\"\"") << QStringList{s("Blacksmith \"Anvil\"")};
         QTest::newRow("client type individual")
-            << ListKind::Clients << all({row("type", Op::Equal, 1, RowValueType::Choice)}) << s("type == 1")
-            << QStringList{s("Ann Lee")};
-        QTest::newRow("city of any address")
-            << ListKind::Clients << all({row("addresses.city", Op::Equal, s("berlin"))})
-            << s("addresses.city ==[cd] \"berlin\"") << QStringList{smith};
+            << Clients << all({row("type", Equal, 1, Choice)}) << s("type == 1") << QStringList{s("Ann Lee")};
+        QTest::newRow("city of any address") << Clients << all({row("addresses.city", Equal, s("berlin"))})
+                                             << s("addresses.city ==[cd] \"berlin\"") << QStringList{smith};
         QTest::newRow("nested any under all")
-            << ListKind::Clients
-            << all({row("company_name", Op::Like, s("*smith*")),
-                    any({row("status", Op::Equal, 2, RowValueType::Choice),
-                         row("rating", Op::GreaterOrEqual, 5, RowValueType::Choice)})})
+            << Clients
+            << all({row("company_name", Like, s("*smith*")),
+                    any({row("status", Equal, 2, Choice), row("rating", GreaterOrEqual, 5, Choice)})})
             << s("company_name LIKE[cd] \"*smith*\" AND (status == 2 OR rating >= 5)")
             << QStringList{s("Blacksmith \"Anvil\""), smith};
         // Read as text, 10 would sort before 5.
         QTest::newRow("tax rate compared as a number")
-            << ListKind::Items << all({row("tax.rate1", Op::Greater, s("5"))}) << s("tax.rate1 >[cd] \"5\"")
+            << Items << all({row("tax.rate1", Greater, s("5"))}) << s("tax.rate1 >[cd] \"5\"")
             << QStringList{s("Widget")};
         QTest::newRow("price field without options")
-            << ListKind::Items << all({row("custom_price01", Op::GreaterOrEqual, s("20"))})
-            << s("custom_price01 >= \"20\"") << QStringList{s("Widget")};
+            << Items << all({row("custom_price01", GreaterOrEqual, s("20"))}) << s("custom_price01 >= \"20\"")
+            << QStringList{s("Widget")};
         // A relative date stands for one instant: this month is its first.
         QTest::newRow("creation date this month")
-            << ListKind::Documents
-            << all({row("date_creation", Op::Equal, s("@this_month"), RowValueType::RelativeDate)})
+            << Documents << all({row("date_creation", Equal, s("@this_month"), RelativeDate)})
             << s("date_creation == \"@this_month\"") << QStringList{s("INV-4")};
         QTest::newRow("creation date after a fixed date")
-            << ListKind::Documents
-            << all({row("date_creation", Op::Greater, QDateTime(QDate(2024, 3, 1), QTime(12, 0), Qt::UTC),
-                        RowValueType::Date)})
+            << Documents
+            << all({row("date_creation", Greater, QDateTime(QDate(2024, 3, 1), QTime(12, 0), Qt::UTC), Date)})
             << s("date_creation > CAST(730987200.0, \"NSDate\")") << QStringList{s("INV-1"), s("INV-3")};
         QTest::newRow("any of item name or document type")
-            << ListKind::Documents
-            << any({row("rows.name", Op::Contains, s("widget")),
-                    row("number_formatted", Op::Equal, s("inv-3"))})
+            << Documents
+            << any({row("rows.name", Contains, s("widget")), row("number_formatted", Equal, s("inv-3"))})
             << s("rows.name CONTAINS[cd] \"widget\" OR number_formatted ==[cd] \"inv-3\"")
             << QStringList{s("INV-1"), s("INV-3")};
         QTest::newRow("to-do event begins with")
-            << ListKind::ToDos << all({row("title", Op::BeginsWith, s("call"))})
-            << s("title BEGINSWITH[cd] \"call\"") << QStringList{s("Call Ann")};
+            << ToDos << all({row("title", BeginsWith, s("call"))}) << s("title BEGINSWITH[cd] \"call\"")
+            << QStringList{s("Call Ann")};
     }
 
     // Rows become the stored text, the text becomes the same rows, and the text selects the records.
@@ -204,22 +201,21 @@ private Q_SLOTS:
 
     void outsideTheRows_data()
     {
+        using enum ListKind;
         QTest::addColumn<ListKind>("kind");
         QTest::addColumn<QString>("text");
 
-        QTest::newRow("negation") << ListKind::Clients << s("NOT (type == 1)");
-        QTest::newRow("text without [cd]") << ListKind::Clients << s("company_name CONTAINS \"x\"");
-        QTest::newRow("choice out of its list") << ListKind::Clients << s("type == 7");
-        QTest::newRow("operator the row lacks") << ListKind::Clients << s("type > 0");
+        QTest::newRow("negation") << Clients << s("NOT (type == 1)");
+        QTest::newRow("text without [cd]") << Clients << s("company_name CONTAINS \"x\"");
+        QTest::newRow("choice out of its list") << Clients << s("type == 7");
+        QTest::newRow("operator the row lacks") << Clients << s("type > 0");
         QTest::newRow("key path compared with key path")
-            << ListKind::Documents << s("sum_total == payments.@sum.amount");
-        QTest::newRow("explicit ANY") << ListKind::Clients << s("ANY addresses.city ==[cd] \"x\"");
-        QTest::newRow("relative date on clients") << ListKind::Clients << s("created == \"@today\"");
-        QTest::newRow("relative date with another operator")
-            << ListKind::Documents << s("date_creation > \"@today\"");
-        QTest::newRow("no date rows for to-dos")
-            << ListKind::ToDos << s("date_start > CAST(730944000.0, \"NSDate\")");
-        QTest::newRow("not a predicate") << ListKind::ToDos << s("title CONTAINS[cd]");
+            << Documents << s("sum_total == payments.@sum.amount");
+        QTest::newRow("explicit ANY") << Clients << s("ANY addresses.city ==[cd] \"x\"");
+        QTest::newRow("relative date on clients") << Clients << s("created == \"@today\"");
+        QTest::newRow("relative date with another operator") << Documents << s("date_creation > \"@today\"");
+        QTest::newRow("no date rows for to-dos") << ToDos << s("date_start > CAST(730944000.0, \"NSDate\")");
+        QTest::newRow("not a predicate") << ToDos << s("title CONTAINS[cd]");
     }
 
     void outsideTheRows()
@@ -233,23 +229,21 @@ private Q_SLOTS:
 
     void customFieldRows_data()
     {
+        using enum ListKind;
         QTest::addColumn<ListKind>("kind");
         QTest::addColumn<QString>("keyPath");
         QTest::addColumn<QString>("label"); // empty: no row
         QTest::addColumn<bool>("numberOperators");
         QTest::addColumn<bool>("ignoresCase");
 
-        QTest::newRow("client field") << ListKind::Clients << s("custom01") << s("Region") << false << true;
-        QTest::newRow("hidden client field")
-            << ListKind::Clients << s("custom06") << QString() << false << false;
+        QTest::newRow("client field") << Clients << s("custom01") << s("Region") << false << true;
+        QTest::newRow("hidden client field") << Clients << s("custom06") << QString() << false << false;
         QTest::newRow("document copy of client field")
-            << ListKind::Documents << s("client_custom01") << s("Client Region") << false << true;
+            << Documents << s("client_custom01") << s("Client Region") << false << true;
         QTest::newRow("hidden on documents too")
-            << ListKind::Documents << s("client_custom06") << QString() << false << false;
-        QTest::newRow("item text field")
-            << ListKind::Items << s("custom02") << s("Custom Field 2") << false << true;
-        QTest::newRow("item price field")
-            << ListKind::Items << s("custom_price01") << s("Unit Price") << true << false;
+            << Documents << s("client_custom06") << QString() << false << false;
+        QTest::newRow("item text field") << Items << s("custom02") << s("Custom Field 2") << false << true;
+        QTest::newRow("item price field") << Items << s("custom_price01") << s("Unit Price") << true << false;
     }
 
     // Labels and visibility come from the definitions at the time the rows are built.
