@@ -114,6 +114,7 @@ void tst_ReportFilter::initTestCase()
 
 void tst_ReportFilter::lists_data()
 {
+    using enum ReportView;
     QTest::addColumn<ReportView>("view");
     QTest::addColumn<std::function<void(ReportOptions&, BrowseCompany&)>>("change");
     QTest::addColumn<QStringList>("expected"); // sorted labels of the listed documents or rows' documents
@@ -128,31 +129,27 @@ void tst_ReportFilter::lists_data()
         });
     };
     QTest::newRow("period, default currency and payment type, no drafts")
-        << ReportView::Documents << none << QStringList{s("d1"), s("d2"), s("d4")};
+        << Documents << none << QStringList{s("d1"), s("d2"), s("d4")};
     QTest::newRow("all payment types")
-        << ReportView::Documents << Change([](ReportOptions& o, BrowseCompany&) { o.allPaymentTypes = true; })
+        << Documents << Change([](ReportOptions& o, BrowseCompany&) { o.allPaymentTypes = true; })
         << QStringList{s("cash"), s("d1"), s("d2"), s("d4")};
     QTest::newRow("another currency")
-        << ReportView::Documents
-        << Change([](ReportOptions& o, BrowseCompany& c) { o.currency = c.currency("EUR"); })
+        << Documents << Change([](ReportOptions& o, BrowseCompany& c) { o.currency = c.currency("EUR"); })
         << QStringList{s("euro")};
-    QTest::newRow("the last day counts whole")
-        << ReportView::Documents
-        << Change([](ReportOptions& o, BrowseCompany&) { o.setDates(QDate(2024, 3, 2), QDate(2024, 3, 10)); })
-        << QStringList{s("d2"), s("d4")};
-    QTest::newRow("by due date") << ReportView::Documents
+    QTest::newRow("the last day counts whole") << Documents << Change([](ReportOptions& o, BrowseCompany&) {
+        o.setDates(QDate(2024, 3, 2), QDate(2024, 3, 10));
+    }) << QStringList{s("d2"), s("d4")};
+    QTest::newRow("by due date") << Documents
                                  << Change([](ReportOptions& o, BrowseCompany&) { o.dateType = 2; })
                                  << QStringList{s("due")};
-    QTest::newRow("all of one tag") << ReportView::Documents << tags(0, {s("Invoice")})
-                                    << QStringList{s("d1"), s("d2")};
-    QTest::newRow("all of two tags") << ReportView::Documents << tags(0, {s("Invoice"), s("Estimate")})
-                                     << QStringList{};
-    QTest::newRow("any of two tags") << ReportView::Documents << tags(1, {s("Invoice"), s("Estimate")})
+    QTest::newRow("all of one tag") << Documents << tags(0, {s("Invoice")}) << QStringList{s("d1"), s("d2")};
+    QTest::newRow("all of two tags") << Documents << tags(0, {s("Invoice"), s("Estimate")}) << QStringList{};
+    QTest::newRow("any of two tags") << Documents << tags(1, {s("Invoice"), s("Estimate")})
                                      << QStringList{s("d1"), s("d2"), s("d4")};
     QTest::newRow("rows of the counted documents")
-        << ReportView::DocumentRows << none << QStringList{s("d1"), s("d2"), s("d4")};
+        << DocumentRows << none << QStringList{s("d1"), s("d2"), s("d4")};
     QTest::newRow("rows by their document's tags")
-        << ReportView::DocumentRows << tags(0, {s("Estimate")}) << QStringList{s("d4")};
+        << DocumentRows << tags(0, {s("Estimate")}) << QStringList{s("d4")};
 }
 
 void tst_ReportFilter::lists()
@@ -173,17 +170,18 @@ void tst_ReportFilter::lists()
 
 void tst_ReportFilter::sumsPerClientAndItem_data()
 {
+    using enum ReportView;
     QTest::addColumn<ReportView>("view");
     QTest::addColumn<int>("month"); // reported after March was
     // "name: net tax1 tax2 total quantity" in list order; a client's quantity is its documents.
     QTest::addColumn<QStringList>("expected");
     QTest::newRow("clients, one without documents")
-        << ReportView::ClientSums << 3
+        << ClientSums << 3
         << QStringList{s("Alpha: 200 30 0 230 2"), s("Beta: 50 5 0 55 1"), s("Gamma: 0 0 0 0 0")};
     QTest::newRow("items with their rows' quantity")
-        << ReportView::ItemSums << 3 << QStringList{s("Bolt: 100 20 0 120 1"), s("Nut: 150 15 0 165 3")};
+        << ItemSums << 3 << QStringList{s("Bolt: 100 20 0 120 1"), s("Nut: 150 15 0 165 3")};
     QTest::newRow("clients of February: March's sums do not stay")
-        << ReportView::ClientSums << 2
+        << ClientSums << 2
         << QStringList{s("Alpha: 0 0 0 0 0"), s("Beta: 100 20 0 120 1"), s("Gamma: 0 0 0 0 0")};
 }
 
@@ -258,16 +256,16 @@ void tst_ReportFilter::groupedReportInput()
 
 void tst_ReportFilter::customFieldColumnsTakeTheirLabels_data()
 {
+    using enum ReportView;
     QTest::addColumn<ReportView>("view");
     QTest::addColumn<QString>("key");
     QTest::addColumn<QString>("title");
-    QTest::newRow("client field of documents")
-        << ReportView::Documents << s("client_custom01") << s("Region");
+    QTest::newRow("client field of documents") << Documents << s("client_custom01") << s("Region");
     QTest::newRow("client field through the rows' document")
-        << ReportView::DocumentRows << s("document.client_custom01") << s("Region");
-    QTest::newRow("item field of rows") << ReportView::DocumentRows << s("custom02") << s("Colour");
-    QTest::newRow("item price level") << ReportView::ItemSums << s("custom_price01") << s("Unit Price");
-    QTest::newRow("plain column keeps its title") << ReportView::Documents << s("sum_net") << s("Net");
+        << DocumentRows << s("document.client_custom01") << s("Region");
+    QTest::newRow("item field of rows") << DocumentRows << s("custom02") << s("Colour");
+    QTest::newRow("item price level") << ItemSums << s("custom_price01") << s("Unit Price");
+    QTest::newRow("plain column keeps its title") << Documents << s("sum_net") << s("Net");
 }
 
 void tst_ReportFilter::customFieldColumnsTakeTheirLabels()
