@@ -127,7 +127,9 @@ DetailPage ClientPage::fill(Record* client, int eventsFilter, int eventsCount)
     page.setContent(s("name"), HtmlText::escaped(client->value(s("full_name")).toString()));
     page.setContent(s("tags"), DetailPage::tagLabels(client));
     page.setContent(s("rating"), ratingStars(client->value(s("rating")).toLongLong()));
-    page.setContent(s("status"), statusImages(client->value(s("status")).toLongLong()));
+    // A client whose state was never chosen has none of the three images selected.
+    const QVariant status = client->value(s("status"));
+    page.setContent(s("status"), statusImages(status.isNull() ? -1 : status.toLongLong()));
 
     QString properties;
     if (const QString taxNumber = client->value(s("tax_number")).toString(); !taxNumber.isEmpty())

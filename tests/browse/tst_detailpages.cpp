@@ -171,6 +171,9 @@ void tst_DetailPages::clientPage()
     for (const char* empty : {"phones_group", "addresses_group", "contacts_group"})
         QVERIFY2(page.isHidden(s(empty)), empty);
     QVERIFY(page.html().contains(s("<tbody id=\"phones_group\" style=\"display:none;\"></tbody>")));
+    // A client whose state was never chosen has none of the status images selected.
+    QVERIFY(client->value(s("status")).isNull());
+    QVERIFY(!page.content(s("status")).contains(s("_selected.svg")));
 
     client->setValue(s("phones"), s("+49 1,555 <2>"));
     QCOMPARE(ClientPage::fill(client).content(s("phones_group")).section(s("<td>"), 1),
