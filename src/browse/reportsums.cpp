@@ -32,6 +32,19 @@ const QStringList& rowKeys()
     return keys;
 }
 
+// One group's totals, in the order of documentKeys() or, for rows, rowKeys(); a group of
+// documents counts them as its quantity.
+DocumentSums sumsOf(const GroupSums& group, bool rows)
+{
+    DocumentSums sums;
+    sums.net = group.sums.value(0);
+    sums.tax1 = group.sums.value(1);
+    sums.tax2 = group.sums.value(2);
+    sums.total = group.sums.value(3);
+    sums.quantity = rows ? group.sums.value(4) : double(group.count);
+    return sums;
+}
+
 } // namespace
 
 DocumentSums& DocumentSums::operator+=(const DocumentSums& other)
@@ -61,12 +74,7 @@ std::optional<QHash<qint64, DocumentSums>> ReportSums::byRecord(const ReportOpti
     for (const GroupSums& group : *groups) {
         if (group.group.isNull())
             continue;
-        DocumentSums own;
-        own.net = group.sums.value(0);
-        own.tax1 = group.sums.value(1);
-        own.tax2 = group.sums.value(2);
-        own.total = group.sums.value(3);
-        own.quantity = items ? group.sums.value(4) : double(group.count);
+        const DocumentSums own = sumsOf(group, items);
         sums.insert(group.group.value<predicate::RecordRef>().pk, own);
     }
     return sums;
@@ -122,14 +130,7 @@ std::optional<QList<DatedSums>> ReportSums::perPeriod(const ReportOptions& optio
         if (!groups)
             return std::nullopt;
         for (const GroupSums& group : *groups) {
-            DatedSums entry;
-            entry.moment = periods.starts.at(i);
-            entry.sums.net = group.sums.value(0);
-            entry.sums.tax1 = group.sums.value(1);
-            entry.sums.tax2 = group.sums.value(2);
-            entry.sums.total = group.sums.value(3);
-            entry.sums.quantity = documents ? double(group.count) : group.sums.value(4);
-            dated << entry;
+            dated << DatedSums{periods.starts.at(i), sumsOf(group, !documents)};
         }
     }
     return dated;
