@@ -13,6 +13,7 @@
 #include "store/editingcontext.h"
 #include "store/record.h"
 #include "store/store.h"
+#include "store/valueconversion.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -54,12 +55,6 @@ double millisecondsOf(const std::function<void()>& work)
     timer.start();
     work();
     return double(timer.nsecsElapsed()) / 1e6;
-}
-
-// Seconds since 2001-01-01 00:00:00 UTC, as the store keeps instants.
-double storedInstant(const QDateTime& instant)
-{
-    return double(instant.toMSecsSinceEpoch()) / 1000.0 - 978307200.0;
 }
 
 // Hand-written SQL on a read-only connection of its own; statements are prepared once, as the
@@ -196,7 +191,8 @@ QList<HandCount> prepareSidebar(store::EditingContext& context, const QDateTime&
         }
         context.save();
     }
-    const double lastYear = storedInstant(QDateTime(QDate(now.date().year() - 1, 1, 1), QTime(0, 0)));
+    const double lastYear = store::valueconversion::toReferenceSeconds(
+        QDateTime(QDate(now.date().year() - 1, 1, 1), QTime(0, 0)));
     QList<HandCount> counts;
     for (store::Record* node : context.fetch(store::FetchRequest(s("Categories")))) {
         const int type = node->value(s("type")).toInt();
@@ -292,7 +288,8 @@ Figure reportFigure(store::Store& store, browse::ReportView view, const QString&
             listed = result ? result->size() : -1;
             total = result ? result->totals.total : 0;
         });
-        const QVariantList bindings{storedInstant(options.fromInstant()), storedInstant(options.toInstant()),
+        const QVariantList bindings{store::valueconversion::toReferenceSeconds(options.fromInstant()),
+                                    store::valueconversion::toReferenceSeconds(options.toInstant()),
                                     options.currency->pk()};
         byHand << millisecondsOf([&] { hand = byHandWork(bindings); });
     }
