@@ -54,7 +54,8 @@ const QList<Command>& CommandLine::commands()
     static const QList<Command> all = generalCommands() + databasesCommands() + clientsCommands() +
                                       itemsCommands() + documentsCommands() + documentActionsCommands() +
                                       printCommands() + reportsCommands() + templatesCommands() +
-                                      foldersCommands() + tagsCommands() + demoCommands();
+                                      foldersCommands() + tagsCommands() + emailCommands() +
+                                      importCommands() + todosCommands() + demoCommands();
     return all;
 }
 

@@ -21,6 +21,9 @@ QList<Command> printCommands();     // documents pdf
 QList<Command> reportsCommands();   // reports show, reports pdf
 QList<Command> foldersCommands();   // the sidebar's tree: show, list, new-*, rename, delete, move
 QList<Command> tagsCommands();      // add, remove
+QList<Command> emailCommands();     // email document, email client, email-templates …
+QList<Command> importCommands();    // import clients, import items, import vcard
+QList<Command> todosCommands();     // todos …, calendar
 
 // What a command that made or changed a document prints: its number (or draft text) and its
 // identifier, or the whole document with --json.
