@@ -1,0 +1,182 @@
+#include "exchange/emailhandover.h"
+#include "xdgemailstandin.h"
+
+#include <QRegularExpression>
+
+using corvanta::exchange::EmailHandOver;
+using corvanta::exchange::testing::XdgEmailStandIn;
+
+namespace {
+
+QString s(const char* text)
+{
+    return QString::fromUtf8(text);
+}
+
+} // namespace
+
+// The hand-over to xdg-email: the exact argument list it gets, the recipients that are never
+// handed over, and failures that are logged and reported.
+class tst_EmailHandOver : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void handsOverArguments_data();
+    void handsOverArguments();
+    void refusesHostileRecipients_data();
+    void refusesHostileRecipients();
+    void failedHandOverIsLogged_data();
+    void failedHandOverIsLogged();
+};
+
+void tst_EmailHandOver::handsOverArguments_data()
+{
+    QTest::addColumn<QString>("to");
+    QTest::addColumn<QString>("subject");
+    QTest::addColumn<QString>("body");
+    QTest::addColumn<bool>("attach");
+    QTest::addColumn<QStringList>("expected"); // "ATTACHMENT" stands for the attachment's path
+
+    QTest::newRow("subject, body and attachment")
+        << s("billing@acme.example") << s("Invoice INVOICE/2024-0007") << s("Dear Acme,\nplease find it.")
+        << true
+        << QStringList{s("--utf8"),
+                       s("--to"),
+                       s("billing@acme.example"),
+                       s("--subject"),
+                       s("Invoice INVOICE/2024-0007"),
+                       s("--body"),
+                       s("Dear Acme,\nplease find it.\n\n\n"),
+                       s("--attach"),
+                       s("ATTACHMENT")};
+    QTest::newRow("without attachment")
+        << s("a@b.example") << s("Hello") << s("Body") << false
+        << QStringList{s("--utf8"), s("--to"),   s("a@b.example"), s("--subject"),
+                       s("Hello"),  s("--body"), s("Body\n\n\n")};
+    QTest::newRow("empty subject and body are left out")
+        << s("No Email") << QString() << QString() << true
+        << QStringList{s("--utf8"), s("--to"), s("No Email"), s("--attach"), s("ATTACHMENT")};
+    QTest::newRow("empty subject, body kept")
+        << s("a@b.example") << QString() << s("Hi") << false
+        << QStringList{s("--utf8"), s("--to"), s("a@b.example"), s("--body"), s("Hi\n\n\n")};
+    QTest::newRow("shell characters are plain text")
+        << s("o'brien+1@example.com") << s("$(touch pwned) \"quoted\" `x`") << s("; rm -rf ~ & $HOME 'a'")
+        << false
+        << QStringList{s("--utf8"),
+                       s("--to"),
+                       s("o'brien+1@example.com"),
+                       s("--subject"),
+                       s("$(touch pwned) \"quoted\" `x`"),
+                       s("--body"),
+                       s("; rm -rf ~ & $HOME 'a'\n\n\n")};
+    QTest::newRow("subject with ? and & stays one value")
+        << s("a@b.example") << s("Q&A? cc=x") << s("-body starts with a dash") << false
+        << QStringList{s("--utf8"),
+                       s("--to"),
+                       s("a@b.example"),
+                       s("--subject"),
+                       s("Q&A? cc=x"),
+                       s("--body"),
+                       s("-body starts with a dash\n\n\n")};
+    QTest::newRow("non-ASCII text") << s("müller@example.de") << s("Rechnung für Müller") << s("Grüße")
+                                    << false << QStringList{s("--utf8"),
+                                                            s("--to"),
+                                                            s("müller@example.de"),
+                                                            s("--subject"),
+                                                            s("Rechnung für Müller"),
+                                                            s("--body"),
+                                                            s("Grüße\n\n\n")};
+}
+
+void tst_EmailHandOver::handsOverArguments()
+{
+    QFETCH(QString, to);
+    QFETCH(QString, subject);
+    QFETCH(QString, body);
+    QFETCH(bool, attach);
+    QFETCH(QStringList, expected);
+
+    XdgEmailStandIn standIn;
+    QTemporaryDir dir;
+    const QString attachment = attach ? dir.filePath(s("INVOICE-2024 0007.pdf")) : QString();
+    if (attach) {
+        QFile file(attachment);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+    }
+    expected.replaceInStrings(QRegularExpression(s("^ATTACHMENT$")), attachment);
+
+    QString error;
+    QVERIFY2(EmailHandOver().sendEmailTo(to, subject, body, attachment, &error), qPrintable(error));
+    QCOMPARE(standIn.callCount(), 1);
+    QCOMPARE(standIn.arguments(), expected);
+}
+
+void tst_EmailHandOver::refusesHostileRecipients_data()
+{
+    QTest::addColumn<QString>("to");
+    QTest::addColumn<QString>("shown"); // how the message quotes the recipient
+    QTest::addColumn<QString>("reason");
+
+    const QString control = s("a line break or another control character");
+    QTest::newRow("leading dash: an option") << s("-x@y") << s("-x@y") << s("begins with \"-\"");
+    QTest::newRow("question mark: a field") << s("a?cc=b") << s("a?cc=b") << s("holds \"?\" or \"&\"");
+    QTest::newRow("ampersand: a field") << s("a&b") << s("a&b") << s("holds \"?\" or \"&\"");
+    QTest::newRow("line break: a header") << s("a\nBcc: x") << s("a\\nBcc: x") << control;
+    QTest::newRow("carriage return") << s("a@b\r\nBcc: x") << s("a@b\\r\\nBcc: x") << control;
+    QTest::newRow("other control character") << s("a\x01@b") << s("a\\u0001@b") << control;
+    QTest::newRow("mailto link with an attachment")
+        << s("mailto:x@y?attach=/etc/passwd") << s("mailto:x@y?attach=/etc/passwd")
+        << s("begins with \"mailto:\"");
+    QTest::newRow("mailto in capitals") << s("MailTo:x@y") << s("MailTo:x@y") << s("begins with \"mailto:\"");
+}
+
+void tst_EmailHandOver::refusesHostileRecipients()
+{
+    QFETCH(QString, to);
+    QFETCH(QString, shown);
+    QFETCH(QString, reason);
+
+    XdgEmailStandIn standIn;
+    QString error;
+    QVERIFY(!EmailHandOver().sendEmailTo(to, s("Subject"), s("Body"), QString(), &error));
+    QVERIFY2(error.startsWith(s("The recipient \"%1\" is not handed to the mail program: ").arg(shown)),
+             qPrintable(error));
+    QVERIFY2(error.contains(reason), qPrintable(error));
+    QCOMPARE(standIn.callCount(), 0);
+}
+
+void tst_EmailHandOver::failedHandOverIsLogged_data()
+{
+    QTest::addColumn<int>("status");
+    QTest::addColumn<int>("seconds");
+    QTest::addColumn<QString>("program");
+    QTest::addColumn<QString>("message");
+
+    QTest::newRow("non-zero exit with its error output")
+        << 3 << 0 << s("xdg-email") << s("The mail program ended with status 3: stand-in says no");
+    QTest::newRow("does not finish in time")
+        << 0 << 30 << s("xdg-email") << s("The mail program did not finish within 1 second(s).");
+    QTest::newRow("not on the PATH")
+        << 0 << 0 << s("xdg-email-missing")
+        << s("The mail program could not be reached: \"xdg-email-missing\" was not "
+             "found.");
+}
+
+void tst_EmailHandOver::failedHandOverIsLogged()
+{
+    QFETCH(int, status);
+    QFETCH(int, seconds);
+    QFETCH(QString, program);
+    QFETCH(QString, message);
+
+    XdgEmailStandIn standIn(status, seconds);
+    QTest::ignoreMessage(QtWarningMsg, qPrintable(message));
+    QString error;
+    QVERIFY(!EmailHandOver(program, seconds > 0 ? 300 : EmailHandOver::kDefaultTimeoutMs)
+                 .sendEmailTo(s("a@b.example"), s("S"), s("B"), QString(), &error));
+    QCOMPARE(error, message);
+}
+
+QTEST_GUILESS_MAIN(tst_EmailHandOver)
+#include "tst_emailhandover.moc"
