@@ -1,0 +1,110 @@
+#include "vcardreader.h"
+
+#include "contactperson.h"
+#include "exchangelog.h"
+
+#include <QFile>
+
+namespace corvanta::exchange {
+
+namespace {
+
+bool isLine(const QByteArray& line, const char* text)
+{
+    return line.trimmed().compare(text, Qt::CaseInsensitive) == 0;
+}
+
+// A line of a property in quoted-printable whose value goes on in the next line (a soft break).
+bool continuesQuotedPrintable(const QByteArray& line)
+{
+    const qsizetype colon = line.indexOf(':');
+    return colon > 0 && line.left(colon).toUpper().contains("QUOTED-PRINTABLE") && line.endsWith('=');
+}
+
+} // namespace
+
+QList<QByteArray> VCardReader::splitCards(const QByteArray& data)
+{
+    QByteArray text = data;
+    text.replace("\r\n", "\n");
+    text.replace('\r', '\n');
+
+    QList<QByteArray> cards;
+    QByteArray card;
+    int depth = 0;
+    bool softBreak = false; // the previous line ended in a quoted-printable soft break
+    for (const QByteArray& line : text.split('\n')) {
+        if (depth > 0 && softBreak) {
+            card += line + '\n';
+            softBreak = line.endsWith('=');
+            continue;
+        }
+        const bool folded = line.startsWith(' ') || line.startsWith('\t');
+        if (!folded && isLine(line, "BEGIN:VCARD")) {
+            ++depth;
+        } else if (depth == 0) {
+            continue; // text between cards
+        }
+        card += line + '\n';
+        if (!folded && isLine(line, "END:VCARD") && --depth == 0) {
+            cards << card;
+            card.clear();
+        }
+        softBreak = !folded && continuesQuotedPrintable(line);
+    }
+    if (depth > 0) {
+        qCWarning(lcExchange) << "a vCard is cut off at the end of the file; it is read as far as it goes";
+        while (depth-- > 0)
+            card += "END:VCARD\n";
+        cards << card;
+    }
+    return cards;
+}
+
+std::optional<AddressBookPerson> VCardReader::readCard(const QByteArray& card)
+{
+    // vCard 3.0 and 4.0 are UTF-8; a 2.1 card written in an 8-bit character set without saying
+    // so is taken as Latin-1 rather than losing its letters.
+    const bool utf8Valid = QString::fromUtf8(card).toUtf8() == card;
+    const QByteArray utf8 = utf8Valid ? card : QString::fromLatin1(card).toUtf8();
+    EContact* contact = e_contact_new_from_vcard(utf8.constData());
+    if (!contact)
+        return std::nullopt;
+    AddressBookPerson person = ContactPerson::fromContact(contact);
+    g_object_unref(contact);
+    if (ContactPerson::isEmpty(person))
+        return std::nullopt;
+    return person;
+}
+
+QList<AddressBookPerson> VCardReader::read(const QByteArray& data)
+{
+    QList<AddressBookPerson> persons;
+    for (const QByteArray& card : splitCards(data)) {
+        if (std::optional<AddressBookPerson> person = readCard(card))
+            persons << *person;
+    }
+    return persons;
+}
+
+bool VCardReader::readFile(const QString& path, QList<AddressBookPerson>* persons, QString* error)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        *error = tr("The file \"%1\" cannot be read: %2.").arg(path, file.errorString());
+        return false;
+    }
+    const QByteArray data = file.readAll();
+    if (file.error() != QFileDevice::NoError) {
+        *error = tr("The file \"%1\" cannot be read: %2.").arg(path, file.errorString());
+        return false;
+    }
+    if (splitCards(data).isEmpty()) {
+        *error = tr("The file \"%1\" holds no vCard.").arg(path);
+        return false;
+    }
+    *persons = read(data);
+    return true;
+}
+
+} // namespace corvanta::exchange
