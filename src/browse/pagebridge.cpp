@@ -10,6 +10,7 @@
 #include "predicate/literal.h"
 #include "store/editingcontext.h"
 #include "store/store.h"
+#include "tasks/tododone.h"
 
 #include <QLoggingCategory>
 #include <cmath>
@@ -340,21 +341,7 @@ void PageBridge::done(const QVariant& identifier)
         refuse("done", s("the to-do is no longer stored"));
         return;
     }
-    const bool nowDone = !todo->value(s("done")).toBool();
-    todo->setValue(s("done"), nowDone);
-    // The to-do carries the system tag of its state (pending 0, done 1) and not the other one.
-    for (const qint64 state : {qint64(0), qint64(1)}) {
-        const QList<Record*> tags = m_changes->fetch(
-            store::FetchRequest(s("Categories"), predicate::literal("type == 4 && subtype == %ld", {state})));
-        for (Record* tag : tags) {
-            if ((state == 1) == nowDone) {
-                if (!todo->relatedList(s("tags")).contains(tag))
-                    todo->addRelated(s("tags"), tag);
-            } else {
-                todo->removeRelated(s("tags"), tag);
-            }
-        }
-    }
+    tasks::ToDoDone::toggle(todo);
     store::StoreError error;
     if (!m_changes->save(&error)) {
         qCWarning(lcPageBridge, "The to-do could not be stored: %s", qPrintable(error.message()));

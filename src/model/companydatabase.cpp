@@ -6,6 +6,7 @@
 #include "currenciesrecord.h"
 #include "documentrowsrecord.h"
 #include "store/store.h"
+#include "todosrecord.h"
 
 namespace corvanta::model {
 
@@ -28,6 +29,9 @@ void CompanyDatabase::registerRecordClasses(store::Store& store)
     });
     store.registerRecordClass(QStringLiteral("DocumentRows"), [](const store::Record::Init& init) {
         return std::make_unique<DocumentRowsRecord>(init);
+    });
+    store.registerRecordClass(QStringLiteral("ToDos"), [](const store::Record::Init& init) {
+        return std::make_unique<ToDosRecord>(init);
     });
 }
 
