@@ -1,7 +1,6 @@
 #include "csvpreview.h"
 
 #include "csvsplitter.h"
-#include "exchangelog.h"
 #include "support/prompter.h"
 #include "textdecoder.h"
 
@@ -48,7 +47,6 @@ bool CsvPreview::read()
     else
         text = TextDecoder::decode(bytes, m_encoding, &error);
     if (!text) {
-        qCInfo(lcExchange) << "import file not read:" << error;
         m_prompter.alert(tr("Warning"), error, {tr("OK")});
         return false;
     }

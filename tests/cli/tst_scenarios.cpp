@@ -15,6 +15,8 @@ private Q_SLOTS:
     void templatesAndPdf();
     void sidebarFoldersAndTags();
     void reportsOverAPeriod();
+    void csvImport_data();
+    void csvImport();
 
 private:
     std::unique_ptr<Cli> m_cli;
@@ -258,6 +260,78 @@ void tst_Scenarios::reportsOverAPeriod()
     const Run pdf =
         m_cli->run(s("reports pdf --from 2024-03-01 --to 2024-03-31 --view clients -o clients.pdf"));
     QVERIFY2(pdf.exitCode == 0 && QFileInfo(m_cli->path("clients.pdf")).size() > 0, qPrintable(pdf.err));
+}
+
+// Clients and items from delimited text files: the plain dialect's line ends, quotes and
+// separators, prices, duplicates of the records every scenario starts with, and refusals that
+// add nothing.
+void tst_Scenarios::csvImport_data()
+{
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<QString>("command"); // FILE stands for the file
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<QString>("message"); // the first line of the output, or of the errors
+    QTest::addColumn<QStringList>("records");
+
+    const QStringList clients{s("Acme")};
+    // The scenarios' items carry their prices as price levels: their unit price is not set.
+    const QStringList items{s("Bolt -"), s("Labour -")};
+    QTest::newRow("clients, Windows line ends, quoted separator")
+        << QByteArray("\"Zeta; Ltd\";Main\r\nAcme;x\r\n\r\nOmega\r\n")
+        << s("import clients FILE --fields company_name,city") << 0
+        << s("Import Clients: 2 clients successfully added.")
+        << QStringList{s("Acme"), s("Omega"), s("Zeta")};
+    QTest::newRow("persons, Latin-1") << QByteArray("M\xfcller;Hans\n")
+                                      << s("import clients FILE --fields last_name,first_name --type 2 "
+                                           "--encoding ISO-8859-1")
+                                      << 0 << s("Import Clients: 1 clients successfully added.")
+                                      << QStringList{s("Acme"), s("Hans Müller")};
+    QTest::newRow("wrong encoding") << QByteArray("M\xfcller;Hans\n")
+                                    << s("import clients FILE --fields last_name,first_name") << 1
+                                    << s("Warning: ") << clients;
+    QTest::newRow("unknown field") << QByteArray("Zeta\n") << s("import clients FILE --fields company,city")
+                                   << 1 << s("There is no field \"company\"") << clients;
+    QTest::newRow("items, tab, blanks and commas in prices")
+        << QByteArray("Nut\t1 234,50\nBolt\t3\n")
+        << s("import items FILE --fields name,unit_price --separator tab") << 0
+        << s("Import Items: 1 items successfully added.")
+        << QStringList{s("Bolt -"), s("Labour -"), s("Nut 1234.5")};
+    QTest::newRow("items, two-character separator, single precision")
+        << QByteArray("Washer::0,1\n") << s("import items FILE --fields name,unit_price --separator ::") << 0
+        << s("Import Items: 1 items successfully added.")
+        << QStringList{s("Bolt -"), s("Labour -"), s("Washer 0.10000000149011612")};
+    QTest::newRow("unknown tax") << QByteArray("Nut;1\n")
+                                 << s("import items FILE --fields name,unit_price --tax 99%") << 1
+                                 << s("No tax is named \"99%\"") << items;
+}
+
+void tst_Scenarios::csvImport()
+{
+    QFETCH(QByteArray, file);
+    QFETCH(QString, command);
+    QFETCH(int, exitCode);
+    QFETCH(QString, message);
+    QFETCH(QStringList, records);
+    QFile csv(m_cli->path("import.csv"));
+    QVERIFY(csv.open(QIODevice::WriteOnly) && csv.write(file) == file.size());
+    csv.close();
+    QStringList arguments = words(command);
+    arguments.replace(arguments.indexOf(s("FILE")), csv.fileName());
+    const Run run = m_cli->run(arguments);
+    QCOMPARE(run.exitCode, exitCode);
+    const QString shown = (exitCode == 0 ? run.out : run.err).section(QLatin1Char('\n'), 0, 0);
+    QVERIFY2(shown.startsWith(message), qPrintable(shown));
+
+    const bool items = command.startsWith(s("import items"));
+    QStringList stored;
+    for (const QJsonValue record : m_cli->json(items ? s("items list") : s("clients list")).toArray()) {
+        const QJsonValue price = record[s("unit_price")];
+        stored << (items ? record[s("name")].toString() + QLatin1Char(' ') +
+                               (price.isNull() ? s("-") : QString::number(price.toDouble(), 'g', 17))
+                         : record[s("full_name")].toString());
+    }
+    stored.sort();
+    QCOMPARE(stored, records);
 }
 
 QTEST_GUILESS_MAIN(tst_Scenarios)
