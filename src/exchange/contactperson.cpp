@@ -103,8 +103,15 @@ AddressBookPerson ContactPerson::fromContact(EContact* contact)
                 person.addresses << address;
         }
     }
-    if (person.firstName.isEmpty() && person.lastName.isEmpty() && !fullName.isEmpty())
-        namesFromFullName(fullName, &person);
+    // FN is the display name: a person's names when N gives none; for a company (where vCard 4.0
+    // makes it the organisation's name) it stands in only for a missing ORG, when N names no one
+    // either, since the company's name is taken from the names before it would be.
+    if (person.firstName.isEmpty() && person.lastName.isEmpty() && !fullName.isEmpty()) {
+        if (!person.company)
+            namesFromFullName(fullName, &person);
+        else if (person.organization.isEmpty())
+            person.organization = fullName;
+    }
     if (person.uid.isEmpty() && !isEmpty(person))
         person.uid = derivedUid(person);
     return person;

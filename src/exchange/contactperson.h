@@ -8,7 +8,7 @@ namespace corvanta::exchange {
 
 // Reads the fields of an address-book person from a parsed contact, walking its properties in
 // their order: UID, KIND (4.0) and X-ABShowAs for a company, ORG, N (FN when N names no one),
-// every TEL, EMAIL and ADR.
+// every TEL, EMAIL and ADR, the empty ones left out.
 class ContactPerson
 {
 public:

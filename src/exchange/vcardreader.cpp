@@ -35,7 +35,8 @@ QList<QByteArray> VCardReader::splitCards(const QByteArray& data)
     bool softBreak = false; // the previous line ended in a quoted-printable soft break
     for (const QByteArray& line : text.split('\n')) {
         if (depth > 0 && softBreak) {
-            card += line + '\n';
+            if (depth == 1)
+                card += line + '\n';
             softBreak = line.endsWith('=');
             continue;
         }
@@ -45,7 +46,10 @@ QList<QByteArray> VCardReader::splitCards(const QByteArray& data)
         } else if (depth == 0) {
             continue; // text between cards
         }
-        card += line + '\n';
+        // A card inside a card (a 2.1 AGENT's) describes someone else: the parser would take
+        // its properties for the outer card's, so it is left out.
+        if (depth == 1)
+            card += line + '\n';
         if (!folded && isLine(line, "END:VCARD") && --depth == 0) {
             cards << card;
             card.clear();
@@ -54,9 +58,7 @@ QList<QByteArray> VCardReader::splitCards(const QByteArray& data)
     }
     if (depth > 0) {
         qCWarning(lcExchange) << "a vCard is cut off at the end of the file; it is read as far as it goes";
-        while (depth-- > 0)
-            card += "END:VCARD\n";
-        cards << card;
+        cards << card + "END:VCARD\n";
     }
     return cards;
 }

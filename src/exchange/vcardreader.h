@@ -16,7 +16,7 @@ class VCardReader
 
 public:
     // The cards of a file's bytes, each from its BEGIN:VCARD line to its END:VCARD line, with
-    // LF line ends. Cards nested in a card (2.1 AGENT) stay inside it; a card that the file
+    // LF line ends. Cards nested in a card (2.1 AGENT) are left out of it; a card that the file
     // cuts off is closed at its end. Continuations of folded and quoted-printable lines are
     // never taken for the start or end of a card.
     static QList<QByteArray> splitCards(const QByteArray& data);

@@ -15,6 +15,8 @@ private Q_SLOTS:
     void templatesAndPdf();
     void sidebarFoldersAndTags();
     void reportsOverAPeriod();
+    void vcardImport_data();
+    void vcardImport();
     void csvImport_data();
     void csvImport();
 
@@ -332,6 +334,68 @@ void tst_Scenarios::csvImport()
     }
     stored.sort();
     QCOMPARE(stored, records);
+}
+
+void tst_Scenarios::vcardImport_data()
+{
+    QTest::addColumn<QStringList>("files"); // name, then content, for each file
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QString>("output");  // what the first import prints, or its message
+    QTest::addColumn<QString>("clients"); // the clients then, by full name, with kind and phones
+
+    const QString people =
+        s("BEGIN:VCARD\r\nVERSION:2.1\r\nUID:p-1\r\n"
+          "N;CHARSET=UTF-8;ENCODING=QUOTED-PRINTABLE:M=C3=BCller;J=C3=BCrgen\r\n"
+          "TEL;WORK:1\r\nTEL;CELL:2\r\nTEL;HOME:3\r\nEND:VCARD\r\n"
+          "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:p-1\r\nN:M\u00fcller;J\u00fcrgen\r\nEND:VCARD\r\n");
+    const QString companies = s("BEGIN:VCARD\nVERSION:4.0\nUID:c-1\nKIND:org\nORG:Globex\n"
+                                "TEL;VALUE=uri:tel:+1-555-0100\nADR:;;1 Main St;Springfield;;;\nEND:VCARD\n");
+    QTest::newRow("two files of three versions")
+        << QStringList{s("people.vcf"), people, s("companies.vcf"), companies} << 0
+        << s("Import Address Book: 2 clients successfully added.")
+        << s("Acme 0 ,Globex 0 +1-555-0100,J\u00fcrgen M\u00fcller 2 1,2,3");
+    QTest::newRow("a file without a card adds nothing from the others")
+        << QStringList{s("companies.vcf"), companies, s("clients.csv"), s("name;phone\nAnn;555\n")} << 1
+        << s("holds no vCard") << s("Acme 0 ");
+    QTest::newRow("a missing file") << QStringList{s("companies.vcf"), companies, s("missing.vcf"), QString()}
+                                    << 1 << s("cannot be read") << s("Acme 0 ");
+}
+
+void tst_Scenarios::vcardImport()
+{
+    QFETCH(QStringList, files);
+    QFETCH(int, status);
+    QFETCH(QString, output);
+    QFETCH(QString, clients);
+    QStringList arguments{s("import"), s("vcard")};
+    for (qsizetype i = 0; i < files.size(); i += 2) {
+        arguments << m_cli->path(files.at(i));
+        if (files.at(i + 1).isNull())
+            continue;
+        QFile file(arguments.last());
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(files.at(i + 1).toUtf8());
+    }
+    const Run first = m_cli->run(arguments);
+    QCOMPARE(first.exitCode, status);
+    QVERIFY2((status == 0 ? first.out.trimmed() == output : first.err.contains(output)),
+             qPrintable(first.out + first.err));
+
+    // Imported again, nothing is added.
+    if (status == 0)
+        QCOMPARE(m_cli->json(arguments)[s("added")].toInt(), 0);
+    QStringList listed;
+    for (const QJsonValue client : m_cli->json("clients list").toArray())
+        listed << client[s("full_name")].toString() + QLatin1Char(' ') +
+                      QString::number(client[s("type")].toInt()) + QLatin1Char(' ') +
+                      client[s("phones")].toString();
+    listed.sort();
+    QCOMPARE(listed.join(QLatin1Char(',')), clients);
+    if (status == 0) {
+        const QJsonObject globex = m_cli->json("clients show Globex").toObject();
+        QCOMPARE(globex[s("identifier")].toString(), s("c-1"));
+        QCOMPARE(globex[s("addresses")][0][s("street")].toString(), s("1 Main St"));
+    }
 }
 
 QTEST_GUILESS_MAIN(tst_Scenarios)
