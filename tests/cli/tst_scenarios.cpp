@@ -1,4 +1,7 @@
+#include "../exchange/xdgemailstandin.h"
 #include "clitestsupport.h"
+
+#include <QRegularExpression>
 
 using namespace corvanta::cli::testing;
 
@@ -19,6 +22,12 @@ private Q_SLOTS:
     void vcardImport();
     void csvImport_data();
     void csvImport();
+    void emailHandOver_data();
+    void emailHandOver();
+    void emailTemplates();
+    void todosInTheCalendar_data();
+    void todosInTheCalendar();
+    void todosDoneDeletedAndExported();
 
 private:
     std::unique_ptr<Cli> m_cli;
@@ -264,6 +273,138 @@ void tst_Scenarios::reportsOverAPeriod()
     QVERIFY2(pdf.exitCode == 0 && QFileInfo(m_cli->path("clients.pdf")).size() > 0, qPrintable(pdf.err));
 }
 
+void tst_Scenarios::emailHandOver_data()
+{
+    QTest::addColumn<QStringList>("command");
+    QTest::addColumn<int>("standInStatus");
+    QTest::addColumn<int>("exitCode");
+    // What xdg-email got, "ATTACHMENT" standing for the PDF's path; none when it was not called.
+    QTest::addColumn<QStringList>("handedOver");
+    QTest::addColumn<QString>("error");
+
+    const QStringList reminder{s("--subject"), s("Hello @ClientName"), s("--body"),
+                               s("Dear Beta, from My Company\n\n\n")};
+    QTest::newRow("client: the first address, the named template")
+        << QStringList{s("email"), s("client"), s("Beta"), s("--template"), s("Reminder")} << 0 << 0
+        << QStringList{s("--utf8"), s("--to"), s("first@beta.example")} + reminder << QString();
+    QTest::newRow("client without an address: the default, empty template")
+        << QStringList{s("email"), s("client"), s("Acme")} << 0 << 0
+        << QStringList{s("--utf8"), s("--to"), s("No Email")} << QString();
+    QTest::newRow("document with its PDF")
+        << QStringList{s("email"), s("document"), s("NUMBER")} << 0 << 0
+        << QStringList{s("--utf8"), s("--to"), s("first@beta.example"), s("--attach"), s("ATTACHMENT")}
+        << QString();
+    QTest::newRow("document without its PDF")
+        << QStringList{s("email"), s("document"), s("NUMBER"), s("--no-attachment")} << 0 << 0
+        << QStringList{s("--utf8"), s("--to"), s("first@beta.example")} << QString();
+    QTest::newRow("recipient that would be an option")
+        << QStringList{s("email"), s("client"), s("Dash")} << 0 << 1 << QStringList()
+        << s("The recipient \"-x@y\" is not handed to the mail program: it begins with \"-\"");
+    QTest::newRow("recipient that is a link with an attachment")
+        << QStringList{s("email"), s("client"), s("Link")} << 0 << 1 << QStringList()
+        << s("The recipient \"mailto:x@y?attach=/etc/passwd\" is not handed to the mail program");
+    QTest::newRow("unknown e-mail template")
+        << QStringList{s("email"), s("client"), s("Beta"), s("--template"), s("Nope")} << 0 << 1
+        << QStringList() << s("No e-mail template is named \"Nope\".");
+    QTest::newRow("mail program fails") << QStringList{s("email"), s("client"), s("Acme")} << 3 << 1
+                                        << QStringList{s("--utf8"), s("--to"), s("No Email")}
+                                        << s("The mail program ended with status 3: stand-in says no");
+}
+
+// An e-mail reaches xdg-email with exactly the arguments of its recipient, template and PDF;
+// a hostile recipient never reaches it, and a failing one is a refusal.
+void tst_Scenarios::emailHandOver()
+{
+    QFETCH(QStringList, command);
+    QFETCH(int, standInStatus);
+    QFETCH(int, exitCode);
+    QFETCH(QStringList, handedOver);
+    QFETCH(QString, error);
+
+    for (const QStringList& line :
+         {QStringList{s("clients"), s("add"), s("--kind"), s("company"), s("--name"), s("Beta"), s("--email"),
+                      s("first@beta.example"), s("--email"), s("second@beta.example")},
+          QStringList{s("clients"), s("add"), s("--kind"), s("company"), s("--name"), s("Dash"), s("--email"),
+                      s("-x@y")},
+          QStringList{s("clients"), s("add"), s("--kind"), s("company"), s("--name"), s("Link"), s("--email"),
+                      s("mailto:x@y?attach=/etc/passwd")},
+          QStringList{s("email-templates"), s("new"), s("--name"), s("Reminder")},
+          QStringList{s("email-templates"), s("edit"), s("Reminder"), s("--subject"), s("Hello @ClientName"),
+                      s("--body"), s("Dear @ClientName, from @MyCompanyName")}}) {
+        const Run done = m_cli->run(line);
+        QVERIFY2(done.exitCode == 0, qPrintable(done.err));
+    }
+    const QString number = m_cli->json(s("documents new --type invoice --client Beta --row Bolt;1"))
+                               .toObject()[s("number_formatted")]
+                               .toString();
+    command.replaceInStrings(QRegularExpression(s("^NUMBER$")), number);
+    // A PDF of three days ago in the temporary files folder goes when the attachment is made.
+    QDir().mkpath(m_cli->path("temp"));
+    QFile old(m_cli->path("temp/old.pdf"));
+    QVERIFY(old.open(QIODevice::WriteOnly) && old.write("%PDF") == 4 && old.flush());
+    QVERIFY(old.setFileTime(QDateTime::currentDateTime().addDays(-3), QFileDevice::FileModificationTime));
+    old.close();
+
+    corvanta::exchange::testing::XdgEmailStandIn standIn(standInStatus);
+    const Run run = m_cli->run(QStringList{s("--json")} + command);
+    QCOMPARE(run.exitCode, exitCode);
+    QVERIFY2(run.err.contains(error), qPrintable(run.err));
+    QCOMPARE(standIn.callCount(), handedOver.isEmpty() ? 0 : 1);
+    if (handedOver.isEmpty())
+        return;
+    const QString attachment = m_cli->path("temp/") + QString(number).replace(u'/', u'-') + s(".pdf");
+    handedOver.replaceInStrings(QRegularExpression(s("^ATTACHMENT$")), attachment);
+    QCOMPARE(standIn.arguments(), handedOver);
+    QCOMPARE(QFileInfo::exists(old.fileName()), !handedOver.contains(attachment));
+    if (exitCode != 0) {
+        QCOMPARE(run.out, QString());
+        return;
+    }
+    const QJsonObject printed = run.json().toObject();
+    QCOMPARE(printed[s("to")].toString(), handedOver.at(2));
+    const qsizetype subject = handedOver.indexOf(s("--subject"));
+    QCOMPARE(printed[s("subject")].toString(), subject < 0 ? QString() : handedOver.at(subject + 1));
+    const qsizetype body = handedOver.indexOf(s("--body"));
+    QCOMPARE(printed[s("body")].toString() + s("\n\n\n"), body < 0 ? s("\n\n\n") : handedOver.at(body + 1));
+    QCOMPARE(printed[s("attachment")].toString(), handedOver.contains(attachment) ? attachment : QString());
+    QVERIFY(!handedOver.contains(attachment) || QFileInfo(attachment).size() > 0);
+}
+
+// The e-mail templates' commands: made, edited, copied, made the default, and the default never
+// deleted.
+void tst_Scenarios::emailTemplates()
+{
+    const auto names = [&] {
+        QStringList listed;
+        for (const QJsonValue entry : m_cli->json("email-templates list").toArray())
+            listed << entry[s("name")].toString() + (entry[s("default")].toBool() ? s("*") : QString());
+        return listed;
+    };
+    QCOMPARE(names(), QStringList{s("Empty Template*")});
+    QCOMPARE(m_cli->json("email-templates new").toObject()[s("name")].toString(), s(" New "));
+    QCOMPARE(m_cli->run(QStringList{s("email-templates"), s("rename"), s(" New "), s("Reminder")}).exitCode,
+             0);
+    const QJsonObject edited = m_cli
+                                   ->json(QStringList{s("email-templates"), s("edit"), s("Reminder"),
+                                                      s("--body"), s("Dear @ClientName")})
+                                   .toObject();
+    QCOMPARE(edited[s("body")].toString(), s("Dear @ClientName"));
+    const QJsonObject copy = m_cli->json("email-templates duplicate Reminder").toObject();
+    QCOMPARE(copy[s("name")].toString(), s("Reminder Copy"));
+    QCOMPARE(copy[s("body")].toString(), s("Dear @ClientName"));
+
+    Run run = m_cli->run(QStringList{s("email-templates"), s("delete"), s("Empty Template")});
+    QCOMPARE(run.exitCode, 1);
+    QVERIFY2(
+        run.err.contains(s("Email Template cannot be deleted: The chosen email template cannot be deleted, "
+                           "because it is a default email template.")),
+        qPrintable(run.err));
+    QCOMPARE(m_cli->run("email-templates default Reminder").exitCode, 0);
+    QCOMPARE(m_cli->run(QStringList{s("email-templates"), s("delete"), s("Empty Template")}).exitCode, 0);
+    QCOMPARE(names(), (QStringList{s("Reminder*"), s("Reminder Copy")}));
+    QCOMPARE(m_cli->run("email-templates edit Reminder").exitCode, 2);
+}
+
 // Clients and items from delimited text files: the plain dialect's line ends, quotes and
 // separators, prices, duplicates of the records every scenario starts with, and refusals that
 // add nothing.
@@ -396,6 +537,118 @@ void tst_Scenarios::vcardImport()
         QCOMPARE(globex[s("identifier")].toString(), s("c-1"));
         QCOMPARE(globex[s("addresses")][0][s("street")].toString(), s("1 Main St"));
     }
+}
+
+void tst_Scenarios::todosInTheCalendar_data()
+{
+    QTest::addColumn<QString>("options");
+    QTest::addColumn<QString>("around");
+    QTest::addColumn<QString>("summary");
+    QTest::addColumn<QStringList>("starts");
+
+    QTest::newRow("weekly, frequency 2, every week")
+        << s("--start 2026-06-01T08:00 --repeat-type 2 --repeat-frequency 2 --repeat-weekdays 2 "
+             "--repeat-end-type 2 --repeat-end-date 2026-06-23")
+        << s("2026-06-01") << s("Every 2 weeks on Monday, until 23 Jun 2026")
+        << QStringList{s("2026-06-01 08:00"), s("2026-06-08 08:00"), s("2026-06-15 08:00"),
+                       s("2026-06-22 08:00")};
+    QTest::newRow("monthly on the 31st, cut by the window")
+        << s("--start 2026-01-31T09:00 --repeat-type 3 --repeat-end-type 1 --repeat-occurrences 3")
+        << s("2026-03-01") << s("Monthly on day 31, 1 times")
+        << QStringList{s("2026-01-31 09:00"), s("2026-03-31 09:00")};
+    QTest::newRow("fifth Friday, the last of each month")
+        << s("--start 2026-01-30T12:00 --repeat-type 3 --repeat-monthly-day-of 1 --repeat-end-date "
+             "2026-05-01")
+        << s("2026-03-01") << s("Monthly on the last Friday")
+        << QStringList{s("2026-01-30 12:00"), s("2026-02-27 12:00"), s("2026-03-27 12:00")};
+    QTest::newRow("29 February") << s("--start 2024-02-29T10:00 --repeat-type 4") << s("2028-03-01")
+                                 << s("Annually on February 29")
+                                 << QStringList{s("2024-02-29 10:00"), s("2028-02-29 10:00")};
+    QTest::newRow("daily, frequency 0") << s("--start 2026-05-01 --repeat-type 1 --repeat-frequency 0")
+                                        << s("2026-05-01") << s("Every 0 days") << QStringList();
+    QTest::newRow("not recurring") << s("--start 2026-05-01T10:00") << s("2026-05-01") << QString()
+                                   << QStringList();
+}
+
+void tst_Scenarios::todosInTheCalendar()
+{
+    QFETCH(QString, options);
+    QFETCH(QString, around);
+    QFETCH(QString, summary);
+    QFETCH(QStringList, starts);
+    const Run added = m_cli->run(s("todos add Visit ") + options);
+    QVERIFY2(added.exitCode == 0, qPrintable(added.err));
+    const QString identifier = added.line(0);
+    QCOMPARE(m_cli->json(s("todos show ") + identifier)[s("repeat_summary")].toString(), summary);
+
+    const QJsonArray calendar = m_cli->json(s("calendar --around ") + around).toArray();
+    QCOMPARE(calendar.size(), 1);
+    QCOMPARE(calendar.at(0)[s("identifier")].toString(), identifier);
+    const QString events = calendar.at(0)[s("events")].toString();
+    static const QRegularExpression start(s("start:'([^']*)'"));
+    QStringList found;
+    for (const QRegularExpressionMatch& match : start.globalMatch(events))
+        found << match.captured(1);
+    QCOMPARE(found, starts);
+    // The plain form: the identifier, a tab and the same text.
+    QCOMPARE(m_cli->run(s("calendar --around ") + around).line(0), identifier + QLatin1Char('\t') + events);
+}
+
+void tst_Scenarios::todosDoneDeletedAndExported()
+{
+    const Run added = m_cli->run(
+        QStringList{s("todos"), s("add"), s("Bob's call"), s("--start"), s("2026-06-01T08:00"), s("--client"),
+                    s("Acme"), s("--colors"), s("#FFFFFF"), s("#AA0000"), s("--repeat-type"), s("1"),
+                    s("--repeat-end-type"), s("1"), s("--repeat-occurrences"), s("2")});
+    QVERIFY2(added.exitCode == 0, qPrintable(added.err));
+    const QString first = added.line(0);
+    QJsonObject todo = m_cli->json(s("todos show ") + first).toObject();
+    QCOMPARE(todo[s("client")].toString(), s("Acme"));
+    QCOMPARE(todo[s("tags")].toArray(), QJsonArray{s("Pending")});
+    QCOMPARE(todo[s("date_end")].toString(), s("2026-06-01T09:00:00Z"));
+    QCOMPARE(m_cli->run(s("calendar --around 2026-06-01")).line(0),
+             first + s("\t{id:'%1', title:'Bob\\'s call', start:'2026-06-01 08:00', end:'2026-06-01 09:00', "
+                       "backgroundColor:'#AA0000', borderColor:'#AA0000', textColor:'#FFFFFF', allDay:false, "
+                       "editable:false},{id:'%1', title:'Bob\\'s call', start:'2026-06-02 08:00', "
+                       "end:'2026-06-02 09:00', backgroundColor:'#AA0000', borderColor:'#AA0000', "
+                       "textColor:'#FFFFFF', allDay:false, editable:false},")
+                         .arg(first));
+
+    // Refusals change nothing.
+    const QJsonValue before = m_cli->json("todos list");
+    for (const char* refused :
+         {"todos add Late --start 2026-02-30", "todos add Late --start 2026-06-01 --colors red blue",
+          "todos add Late --start 2026-06-01 --repeat-type weekly",
+          "todos add Late --start 2026-06-01T10:00 --end 2026-06-01T09:00"})
+        QCOMPARE(m_cli->run(refused).exitCode, 2);
+    QCOMPARE(m_cli->run("todos add Late --start 2026-06-01 --client Nobody").exitCode, 1);
+    QCOMPARE(m_cli->json("todos list"), before);
+
+    // A title two to-dos share names neither.
+    const QString second = m_cli->run("todos add Review --start 2026-06-03 --all-day").line(0);
+    const QString third = m_cli->run("todos add Review --start 2026-06-04 --all-day").line(0);
+    const Run ambiguous = m_cli->run("todos done Review");
+    QCOMPARE(ambiguous.exitCode, 1);
+    QVERIFY2(ambiguous.err.contains(second) && ambiguous.err.contains(third), qPrintable(ambiguous.err));
+
+    todo = m_cli->json(s("todos done ") + second).toObject();
+    QCOMPARE(todo[s("done")].toBool(), true);
+    QCOMPARE(todo[s("tags")].toArray(), QJsonArray{s("Done")});
+    QCOMPARE(m_cli->json(s("todos done ") + second)[s("tags")].toArray(), QJsonArray{s("Pending")});
+
+    const Run deleted = m_cli->run(s("todos delete ") + third);
+    QVERIFY2(deleted.exitCode == 0, qPrintable(deleted.err));
+    QCOMPARE(m_cli->json("todos list").toArray().size(), 2);
+
+    const Run exported = m_cli->run(QStringList{s("todos"), s("export"), m_cli->path("todos.ics")});
+    QVERIFY2(exported.exitCode == 0, qPrintable(exported.err));
+    QFile file(m_cli->path("todos.ics"));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QString calendar = QString::fromUtf8(file.readAll());
+    QCOMPARE(calendar.count(s("BEGIN:VTODO")), 2);
+    QVERIFY2(calendar.contains(s("UID:") + first) && calendar.contains(s("RRULE:FREQ=DAILY;COUNT=2")),
+             qPrintable(calendar));
+    QCOMPARE(m_cli->run(QStringList{s("todos"), s("export"), m_cli->path("missing/todos.ics")}).exitCode, 1);
 }
 
 QTEST_GUILESS_MAIN(tst_Scenarios)
