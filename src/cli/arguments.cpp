@@ -47,14 +47,16 @@ std::optional<Arguments> Arguments::parse(const QStringList& arguments, const QL
             *error = tr("Unknown option \"--%1\".").arg(name);
             return std::nullopt;
         }
-        QString value;
+        QStringList given;
         if (spec->takesValue) {
-            if (equals >= 0) {
-                value = argument.mid(equals + 1);
-            } else if (i + 1 < arguments.size()) {
-                value = arguments.at(++i);
-            } else {
-                *error = tr("The option \"--%1\" needs a value.").arg(name);
+            if (equals >= 0)
+                given << argument.mid(equals + 1);
+            while (given.size() < spec->valueCount && i + 1 < arguments.size())
+                given << arguments.at(++i);
+            if (given.size() < spec->valueCount) {
+                *error = spec->valueCount == 1
+                             ? tr("The option \"--%1\" needs a value.").arg(name)
+                             : tr("The option \"--%1\" needs %2 values.").arg(name).arg(spec->valueCount);
                 return std::nullopt;
             }
         } else if (equals >= 0) {
@@ -65,7 +67,9 @@ std::optional<Arguments> Arguments::parse(const QStringList& arguments, const QL
             *error = tr("The option \"--%1\" may be given only once.").arg(name);
             return std::nullopt;
         }
-        result.m_values[name] << value;
+        if (given.isEmpty())
+            given << QString();
+        result.m_values[name] << given;
     }
     return result;
 }

