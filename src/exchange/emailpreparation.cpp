@@ -62,6 +62,11 @@ bool EmailPreparation::continueSending(const EmailHandOver& handOver, const QStr
                                        const QString& templateFilesDirectory, QString* error)
 {
     m_attachmentPath.clear();
+    // A recipient that is refused anyway needs no PDF.
+    if (const QString refusal = EmailHandOver::recipientRefusal(m_toEmail); !refusal.isEmpty()) {
+        *error = refusal;
+        return false;
+    }
     if (attaches()) {
         m_attachmentPath = EmailAttachment(tempFilesDirectory, templateFilesDirectory)
                                .write(m_selected, nullptr, m_clock(), error);
