@@ -161,7 +161,8 @@ int addToDo(Invocation& invocation)
     QVariantMap values{{s("title"), arguments.words().first()},
                        {s("date_start"), *start},
                        {s("date_end"), *end},
-                       {s("all_day"), allDay}};
+                       {s("all_day"), allDay},
+                       {s("done"), false}};
     if (arguments.has(s("desc")))
         values[s("desc")] = arguments.value(s("desc"));
     if (arguments.has(s("colors"))) {

@@ -558,11 +558,6 @@ void tst_Scenarios::todosInTheCalendar_data()
              "2026-05-01")
         << s("2026-03-01") << s("Monthly on the last Friday")
         << QStringList{s("2026-01-30 12:00"), s("2026-02-27 12:00"), s("2026-03-27 12:00")};
-    QTest::newRow("29 February") << s("--start 2024-02-29T10:00 --repeat-type 4") << s("2028-03-01")
-                                 << s("Annually on February 29")
-                                 << QStringList{s("2024-02-29 10:00"), s("2028-02-29 10:00")};
-    QTest::newRow("daily, frequency 0") << s("--start 2026-05-01 --repeat-type 1 --repeat-frequency 0")
-                                        << s("2026-05-01") << s("Every 0 days") << QStringList();
     QTest::newRow("not recurring") << s("--start 2026-05-01T10:00") << s("2026-05-01") << QString()
                                    << QStringList();
 }

@@ -54,8 +54,6 @@ void tst_Recurrence::summary_data()
     QTest::newRow("every 2 weeks, days in the set's order")
         << recurring(2, 2, {{s("repeat_weekdays"), QVariantList{6, 2, 4}}})
         << s("Every 2 weeks on Friday, Monday, Wednesday");
-    QTest::newRow("weekly on the week's ends")
-        << recurring(2, 1, {{s("repeat_weekdays"), QVariantList{1, 7}}}) << s("Weekly on Sunday, Saturday");
     QTest::newRow("weekly without days") << recurring(2, 1) << s("Weekly on Sunday");
     QTest::newRow("monthly by day") << recurring(3, 1, {{s("date_start"), at(2026, 1, 31, 9)}})
                                     << s("Monthly on day 31");
@@ -233,8 +231,6 @@ void tst_Recurrence::expansion_data()
         << QStringList{s("2024-02-29 10:00"), s("2028-02-29 10:00")};
     QTest::newRow("end date equal to the start")
         << todo(1, at(2026, 5, 1, 9), at(2026, 5, 1, 9)) << QDate(2026, 5, 1) << QStringList();
-    QTest::newRow("end date before the start")
-        << todo(1, at(2026, 5, 1, 9), at(2026, 4, 1)) << QDate(2026, 5, 1) << QStringList();
     QTest::newRow("start after the window")
         << todo(1, at(2026, 8, 1, 9), noEnd) << QDate(2026, 5, 1) << QStringList();
     QTest::newRow("no occurrences allowed")
