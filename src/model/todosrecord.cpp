@@ -98,7 +98,11 @@ void ToDosRecord::setSummary()
 
 void ToDosRecord::awakeFromFetch()
 {
-    setSummary();
+    // A to-do stored without a summary that has nothing to summarise is left as it is, so that
+    // reading it changes nothing.
+    const QString text = summary(this);
+    if (!text.isEmpty() || !primitiveValue(s("repeat_summary")).isNull())
+        setPrimitiveValue(s("repeat_summary"), text, true);
 }
 
 void ToDosRecord::awakeFromInsert()

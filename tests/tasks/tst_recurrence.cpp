@@ -20,6 +20,7 @@ private Q_SLOTS:
     void summary();
     void summaryFollowsEachSetter_data();
     void summaryFollowsEachSetter();
+    void summaryIsStored_data();
     void summaryIsStored();
     void expansion_data();
     void expansion();
@@ -139,19 +140,35 @@ void tst_Recurrence::summaryFollowsEachSetter()
     m_company->main().rollback();
 }
 
+void tst_Recurrence::summaryIsStored_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::addColumn<QVariant>("stored"); // the summary written over the record's own
+    QTest::addColumn<QVariant>("read");
+
+    // A summary made under another language is corrected when the to-do is read; a missing
+    // one with nothing to summarise stays missing, so that reading changes nothing.
+    QTest::newRow("weekly") << 2 << QVariant(s("Hebdomadaire")) << QVariant(s("Weekly on Monday, Friday"));
+    QTest::newRow("not recurring, no summary") << 0 << QVariant() << QVariant();
+}
+
 void tst_Recurrence::summaryIsStored()
 {
+    QFETCH(int, type);
+    QFETCH(QVariant, stored);
+    QFETCH(QVariant, read);
     Record* todo = m_company->todo({{s("title"), s("Weekly call")},
-                                    {s("repeat_type"), 2},
+                                    {s("repeat_type"), type},
                                     {s("repeat_frequency"), 1},
                                     {s("repeat_weekdays"), QVariantList{2, 6}}});
+    todo->setValue(s("repeat_summary"), stored);
     model::testing::saveOrFail(m_company->main());
     const predicate::RecordRef ref = todo->ref();
     m_company->reopen();
-    const Record* read = m_company->main().fetchRecord(s("ToDos"), ref);
-    QVERIFY(read);
-    QCOMPARE(read->value(s("repeat_summary")).toString(), s("Weekly on Monday, Friday"));
-    QVERIFY(!m_company->main().hasChanges());
+    const Record* fetched = m_company->main().fetchRecord(s("ToDos"), ref);
+    QVERIFY(fetched);
+    QCOMPARE(fetched->value(s("repeat_summary")), read);
+    QCOMPARE(m_company->main().hasChanges(), read != stored);
 }
 
 void tst_Recurrence::expansion_data()
