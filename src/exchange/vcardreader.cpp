@@ -4,6 +4,7 @@
 #include "exchangelog.h"
 
 #include <QFile>
+#include <algorithm>
 
 namespace corvanta::exchange {
 
@@ -12,6 +13,28 @@ namespace {
 bool isLine(const QByteArray& line, const char* text)
 {
     return line.trimmed().compare(text, Qt::CaseInsensitive) == 0;
+}
+
+// Whether a line begins with a property's name ("TEL;TYPE=WORK:", "item1.EMAIL:"): letters,
+// digits, "-" and "_", after a group's name and a dot. A line without one carries nothing, and
+// libebook-contacts' parser does not free all it took of one.
+bool namesProperty(const QByteArray& line)
+{
+    const qsizetype colon = line.indexOf(':');
+    if (colon < 0)
+        return false;
+    QByteArray name = line.left(colon);
+    if (const qsizetype semicolon = name.indexOf(';'); semicolon >= 0)
+        name.truncate(semicolon);
+    for (const QByteArray& part : name.split('.')) {
+        const bool named = !part.isEmpty() && std::all_of(part.begin(), part.end(), [](char c) {
+            return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-' ||
+                   c == '_';
+        });
+        if (!named)
+            return false;
+    }
+    return true;
 }
 
 // A line of a property in quoted-printable whose value goes on in the next line (a soft break).
@@ -48,7 +71,7 @@ QList<QByteArray> VCardReader::splitCards(const QByteArray& data)
         }
         // A card inside a card (a 2.1 AGENT's) describes someone else: the parser would take
         // its properties for the outer card's, so it is left out.
-        if (depth == 1)
+        if (depth == 1 && (folded || namesProperty(line)))
             card += line + '\n';
         if (!folded && isLine(line, "END:VCARD") && --depth == 0) {
             cards << card;

@@ -198,6 +198,9 @@ void tst_VCardImport::splitCards_data()
     QTest::newRow("a card cut off at the end of the file")
         << card("BEGIN:VCARD\nVERSION:3.0\nN:Whole;A\nEND:VCARD\nBEGIN:VCARD\nVERSION:3.0\nN:Cut;B\n") << 2
         << s("Whole,Cut");
+    QTest::newRow("lines that name no property") << card("BEGIN:VCARD\nVERSION:3.0\nitem1.\nN\nitem2.:x\nN;"
+                                                         "TYPE=\n:y\nVr. Jo:x\n\nN:Kept;A\nEND:VCARD\n")
+                                                 << 1 << s("Kept");
     QTest::newRow("no card") << QByteArray("N:Lonely;A\nEND:VCARD\n") << 0 << QString();
 }
 
