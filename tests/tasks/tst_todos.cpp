@@ -259,7 +259,14 @@ void tst_ToDos::exportMatchesCalendar()
 
     QStringList expected = eventStarts(tasks::repeatEvents(todo, reference));
     QVERIFY(!expected.isEmpty());
-    QStringList exported = readBack(file.readAll(), reference.startOfDay().addDays(50));
+    const QByteArray text = file.readAll();
+    icalcomponent* calendar = icalparser_parse_string(text.constData());
+    QVERIFY(calendar);
+    // Every property where RFC 5545 allows it, the RRULE's parts included.
+    const bool valid = icalrestriction_check(calendar);
+    icalcomponent_free(calendar);
+    QVERIFY2(valid, text.constData());
+    QStringList exported = readBack(text, reference.startOfDay().addDays(50));
     if (todo->value(s("all_day")).toBool()) {
         // All-day entries are dates; the calendar places them at the start's time of day.
         for (QString& start : expected)
