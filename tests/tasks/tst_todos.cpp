@@ -40,6 +40,7 @@ private:
 void tst_ToDos::initTestCase()
 {
     useBerlinTime();
+    QVERIFY2(at(2026, 7, 1, 12).offsetFromUtc() == 7200, "the time zone Europe/Berlin is missing (tzdata)");
     m_company = std::make_unique<ToDoCompany>();
 }
 
