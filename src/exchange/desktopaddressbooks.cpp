@@ -115,6 +115,9 @@ ESourceRegistry* openRegistry(std::chrono::milliseconds timeout, QString* reason
             DesktopAddressBooks::tr("The desktop session bus cannot be reached: %1").arg(messageOf(error));
         return nullptr;
     }
+    // The bus is shared with the rest of the process (the registry uses it too): losing it must
+    // not end the program.
+    g_dbus_connection_set_exit_on_close(bus, FALSE);
     const bool offered = busOffers(bus, SourcesService, int(timeout.count()));
     g_object_unref(bus);
     if (!offered) {

@@ -3,6 +3,7 @@
 #include "exchange/desktopaddressbooks.h"
 #include "exchange/vcardreader.h"
 
+#include <QProcess>
 #include <QTemporaryDir>
 
 using namespace corvanta;
@@ -79,8 +80,8 @@ private Q_SLOTS:
     void importPersons();
     void secondImportAddsNothing();
     void refusedSaveStoresNothing();
-    void desktopBooksWithoutBus_data();
-    void desktopBooksWithoutBus();
+    void desktopBooksUnreachable_data();
+    void desktopBooksUnreachable();
 };
 
 void tst_VCardImport::readCard_data()
@@ -104,10 +105,10 @@ void tst_VCardImport::readCard_data()
                 "1;K=C3=B6ln;;50667;Deutschland\n"
                 "END:VCARD\n")
         << s("p-2 | person |  | Jürgen | Müller | +49 30 1234 |  | Straße 1/Köln//50667/Deutschland");
-    QTest::newRow("2.1 quoted-printable Latin-1") << card("BEGIN:VCARD\nVERSION:2.1\nUID:p-3\nN;CHARSET=ISO-"
-                                                          "8859-1;ENCODING=QUOTED-PRINTABLE:Gr=FCn;Ren=E9\n"
-                                                          "END:VCARD\n")
-                                                  << s("p-3 | person |  | René | Grün |  |  | ");
+    QTest::newRow("2.1 quoted-printable Latin-1")
+        << card("BEGIN:VCARD\nVERSION:2.1\nUID:p-3\n"
+                "N;CHARSET=ISO-8859-1;ENCODING=QUOTED-PRINTABLE:Gr=FCn;Ren=E9\nEND:VCARD\n")
+        << s("p-3 | person |  | René | Grün |  |  | ");
     QTest::newRow("2.1 eight-bit text without a character set")
         << card("BEGIN:VCARD\nVERSION:2.1\nUID:p-4\nN:Gr\xfcn;Ana\nEND:VCARD\n")
         << s("p-4 | person |  | Ana | Grün |  |  | ");
@@ -331,27 +332,49 @@ void tst_VCardImport::refusedSaveStoresNothing()
     QCOMPARE(company.count("Addresses"), 1);
 }
 
-void tst_VCardImport::desktopBooksWithoutBus_data()
+void tst_VCardImport::desktopBooksUnreachable_data()
 {
-    QTest::addColumn<QByteArray>("address"); // DBUS_SESSION_BUS_ADDRESS
+    QTest::addColumn<QString>("bus"); // the session bus's address; "private" for one of our own
     QTest::addColumn<QString>("reason");
 
-    QTest::newRow("no session bus") << QByteArray() << s("There is no desktop session bus");
-    QTest::newRow("a bus that is not there") << QByteArray("unix:path=/nonexistent/corvanta/bus")
-                                             << s("The desktop session bus cannot be reached");
+    QTest::newRow("no session bus") << QString() << s("There is no desktop session bus");
+    QTest::newRow("a bus that is not there")
+        << s("unix:path=/nonexistent/corvanta/bus") << s("The desktop session bus cannot be reached");
+    QTest::newRow("a bus without the contacts service")
+        << s("private") << s("The desktop's contacts service (evolution-data-server) is not installed");
 }
 
-void tst_VCardImport::desktopBooksWithoutBus()
+void tst_VCardImport::desktopBooksUnreachable()
 {
-    QFETCH(QByteArray, address);
+    QFETCH(QString, bus);
     QFETCH(QString, reason);
     QTemporaryDir runtime; // holds no bus socket
+    QProcess daemon;
+    if (bus == s("private")) {
+        // A session bus of our own that can start no service at all.
+        QFile config(runtime.filePath(s("bus.conf")));
+        QVERIFY(config.open(QIODevice::WriteOnly));
+        config.write("<!DOCTYPE busconfig PUBLIC \"-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN\"\n"
+                     " \"http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd\">\n"
+                     "<busconfig><type>session</type><listen>unix:dir=" +
+                     runtime.path().toUtf8() +
+                     "</listen><auth>EXTERNAL</auth><policy context=\"default\">"
+                     "<allow send_destination=\"*\" eavesdrop=\"true\"/><allow eavesdrop=\"true\"/>"
+                     "<allow own=\"*\"/></policy></busconfig>\n");
+        config.close();
+        daemon.start(s("dbus-daemon"),
+                     {s("--config-file=") + config.fileName(), s("--nofork"), s("--print-address")});
+        if (!daemon.waitForStarted())
+            QSKIP("dbus-daemon is not installed");
+        QVERIFY(daemon.waitForReadyRead(10000));
+        bus = QString::fromUtf8(daemon.readLine()).trimmed();
+    }
     const QByteArray savedAddress = qgetenv("DBUS_SESSION_BUS_ADDRESS");
     const QByteArray savedRuntime = qgetenv("XDG_RUNTIME_DIR");
-    qputenv("DBUS_SESSION_BUS_ADDRESS", address);
+    qputenv("DBUS_SESSION_BUS_ADDRESS", bus.toUtf8());
     qputenv("XDG_RUNTIME_DIR", runtime.path().toUtf8());
 
-    const exchange::DesktopAddressBooks books(std::chrono::seconds(2));
+    const exchange::DesktopAddressBooks books(std::chrono::seconds(5));
     QString listReason;
     QVERIFY(books.books(&listReason).isEmpty());
     QString readReason;
@@ -359,6 +382,10 @@ void tst_VCardImport::desktopBooksWithoutBus()
 
     qputenv("DBUS_SESSION_BUS_ADDRESS", savedAddress);
     qputenv("XDG_RUNTIME_DIR", savedRuntime);
+    if (daemon.state() != QProcess::NotRunning) {
+        daemon.terminate();
+        daemon.waitForFinished();
+    }
     QVERIFY2(listReason.startsWith(reason), qPrintable(listReason));
     QCOMPARE(readReason, listReason);
 }
