@@ -4,6 +4,7 @@
 #include "exchangelog.h"
 
 #include <QFile>
+#include <QStringDecoder>
 #include <algorithm>
 
 namespace corvanta::exchange {
@@ -44,11 +45,27 @@ bool continuesQuotedPrintable(const QByteArray& line)
     return colon > 0 && line.left(colon).toUpper().contains("QUOTED-PRINTABLE") && line.endsWith('=');
 }
 
+// The file's text in UTF-8 without a byte order mark: some programs write vCards in UTF-16.
+QByteArray withoutByteOrderMark(const QByteArray& data)
+{
+    if (data.startsWith("\xEF\xBB\xBF"))
+        return data.mid(3);
+    for (const auto encoding : {QStringConverter::Utf16LE, QStringConverter::Utf16BE}) {
+        const QByteArray mark =
+            encoding == QStringConverter::Utf16LE ? QByteArray("\xFF\xFE") : QByteArray("\xFE\xFF");
+        if (data.startsWith(mark)) {
+            QStringDecoder decoder(encoding, QStringConverter::Flag::Stateless);
+            return QString(decoder.decode(data.mid(2))).toUtf8();
+        }
+    }
+    return data;
+}
+
 } // namespace
 
 QList<QByteArray> VCardReader::splitCards(const QByteArray& data)
 {
-    QByteArray text = data;
+    QByteArray text = withoutByteOrderMark(data);
     text.replace("\r\n", "\n");
     text.replace('\r', '\n');
 

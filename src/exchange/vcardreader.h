@@ -15,10 +15,11 @@ class VCardReader
     Q_DECLARE_TR_FUNCTIONS(VCardReader)
 
 public:
-    // The cards of a file's bytes, each from its BEGIN:VCARD line to its END:VCARD line, with
-    // LF line ends. Cards nested in a card (2.1 AGENT) are left out of it; a card that the file
-    // cuts off is closed at its end. Continuations of folded and quoted-printable lines are
-    // never taken for the start or end of a card. Lines that name no property are left out.
+    // The cards of a file's bytes (UTF-8, or UTF-16 with a byte order mark), each from its
+    // BEGIN:VCARD line to its END:VCARD line, in UTF-8 with LF line ends. Cards nested in a card (2.1 AGENT)
+    // are left out of it; a card that the file cuts off is closed at its end. Continuations of folded and
+    // quoted-printable lines are never taken for the start or end of a card. Lines that name no property are
+    // left out.
     static QList<QByteArray> splitCards(const QByteArray& data);
     // The person of one card; nothing when the card names no one and holds no phone, e-mail
     // or address.

@@ -4,6 +4,7 @@
 #include "exchange/vcardreader.h"
 
 #include <QProcess>
+#include <QStringEncoder>
 #include <QTemporaryDir>
 
 using namespace corvanta;
@@ -202,6 +203,13 @@ void tst_VCardImport::splitCards_data()
     QTest::newRow("lines that name no property") << card("BEGIN:VCARD\nVERSION:3.0\nitem1.\nN\nitem2.:x\nN;"
                                                          "TYPE=\n:y\nVr. Jo:x\n\nN:Kept;A\nEND:VCARD\n")
                                                  << 1 << s("Kept");
+    QTest::newRow("UTF-8 with a byte order mark") << card("\xEF\xBB\xBF"
+                                                          "BEGIN:VCARD\nVERSION:3.0\nN:Bom;A\nEND:VCARD\n")
+                                                  << 1 << s("Bom");
+    const QString utf16 = s("BEGIN:VCARD\r\nVERSION:3.0\r\nN:Gr\u00fcn;A\r\nEND:VCARD\r\n");
+    QTest::newRow("UTF-16 little-endian")
+        << QByteArray("\xFF\xFE") + QByteArray(QStringEncoder(QStringConverter::Utf16LE).encode(utf16)) << 1
+        << s("Grün");
     QTest::newRow("no card") << QByteArray("N:Lonely;A\nEND:VCARD\n") << 0 << QString();
 }
 
