@@ -1,6 +1,7 @@
 #include "icalendarexport.h"
 
 #include "recurrence.h"
+#include "recurrencerule.h"
 #include "store/record.h"
 #include "support/safefile.h"
 #include "support/uuid.h"
@@ -36,96 +37,6 @@ icaltimetype dateValue(const QDate& date)
     return value;
 }
 
-const char* const kWeekdayCodes[] = {"SU", "MO", "TU", "WE", "TH", "FR", "SA"};
-
-// Where a recurring to-do's series begins and the RRULE that continues it.
-struct Series
-{
-    qint64 firstOffset = 0; // days from `date_start` to the first occurrence
-    QString rule;           // empty: written as a single entry
-};
-
-// The last date whose position (at the start's time of day) still comes before `end`.
-QDate lastDateBefore(const QDateTime& start, const QDateTime& end)
-{
-    const QDateTime localEnd = end.toLocalTime();
-    return start.toLocalTime().time() < localEnd.time() ? localEnd.date() : localEnd.date().addDays(-1);
-}
-
-// Our walk steps by 86400 seconds from the start, so timed series are written in UTC, where
-// the readers step the same way across daylight-saving changes; all-day ones as dates. The
-// series begins at the first occurrence, which for a weekly to-do need not be the start
-// itself: a reader shows the start as an occurrence whatever the rule says.
-// The rule's days are read in the time the series is written in. For a timed weekly to-do the
-// weekdays move by the difference between the first occurrence's local and UTC dates (a start
-// at 00:30 in Berlin is 23:30 the day before in UTC). Monthly and yearly rules keep their local
-// day numbers: a timed start whose UTC date differs from its local date (close to midnight)
-// recurs a day off in other programs; the calendar here is not affected.
-Series series(const Recurrence& recurrence, bool allDay)
-{
-    Series result;
-    if (!recurrence.recurs())
-        return result;
-    const bool counted = recurrence.endType() == 1;
-    qint64 first = -1;
-    qint64 found = 0;
-    // Counting up to the end date tells whether the count or the date ends the series; without
-    // an end date only the first occurrence is needed.
-    const bool walkToEnd = counted && recurrence.endDate();
-    recurrence.forEachOccurrence({}, {}, [&](qint64 offset) {
-        if (first < 0)
-            first = offset;
-        ++found;
-        return walkToEnd;
-    });
-    if (first < 0)
-        return result; // no occurrence at all
-    result.firstOffset = first;
-
-    const QDateTime firstStart = recurrence.start().addSecs(first * kDay);
-    const QDate local = firstStart.toLocalTime().date();
-    QStringList parts;
-    switch (recurrence.type()) {
-    case Recurrence::Daily:
-        parts << s("FREQ=DAILY") << s("INTERVAL=%1").arg(recurrence.frequency());
-        break;
-    case Recurrence::Weekly: {
-        const qint64 shift = allDay ? 0 : firstStart.toUTC().date().daysTo(local);
-        QStringList days;
-        for (const int weekday : recurrence.weekdays())
-            days << s(kWeekdayCodes[((weekday - 1 - shift) % 7 + 7) % 7]);
-        parts << s("FREQ=WEEKLY") << s("BYDAY=") + days.join(QLatin1Char(','));
-        break;
-    }
-    case Recurrence::Monthly: {
-        const QDate start = recurrence.startDate();
-        parts << s("FREQ=MONTHLY");
-        if (recurrence.byWeekday()) {
-            const int ordinal = Recurrence::weekdayOrdinal(start);
-            parts << s("BYDAY=%1%2")
-                         .arg(ordinal == 5 ? -1 : ordinal)
-                         .arg(s(kWeekdayCodes[Recurrence::weekdayNumber(start) - 1]));
-        } else {
-            parts << s("BYMONTHDAY=%1").arg(start.day());
-        }
-        break;
-    }
-    case Recurrence::Yearly:
-        parts << s("FREQ=YEARLY") << s("BYMONTH=%1").arg(recurrence.startDate().month())
-              << s("BYMONTHDAY=%1").arg(recurrence.startDate().day());
-        break;
-    }
-    if (counted && (!recurrence.endDate() || found == recurrence.occurrences())) {
-        parts << s("COUNT=%1").arg(recurrence.occurrences());
-    } else if (const std::optional<QDateTime>& end = recurrence.endDate()) {
-        // Our last occurrence comes before the end date; UNTIL names the last one allowed.
-        parts << (allDay ? s("UNTIL=") + lastDateBefore(recurrence.start(), *end).toString(s("yyyyMMdd"))
-                         : s("UNTIL=") + end->addSecs(-1).toUTC().toString(s("yyyyMMdd'T'HHmmss'Z'")));
-    }
-    result.rule = parts.join(QLatin1Char(';'));
-    return result;
-}
-
 icalcomponent* todoComponent(const Record* todo, const QDateTime& stamp)
 {
     icalcomponent* component = icalcomponent_new(ICAL_VTODO_COMPONENT);
@@ -151,8 +62,8 @@ icalcomponent* todoComponent(const Record* todo, const QDateTime& stamp)
         return component;
     const bool allDay = todo->value(s("all_day")).toBool();
     const Recurrence recurrence(todo);
-    const Series repeat = series(recurrence, allDay);
-    const qint64 shift = repeat.firstOffset * kDay;
+    const RecurrenceRule repeat(recurrence, allDay);
+    const qint64 shift = repeat.firstOffset() * kDay;
     const QDateTime start = startValue.toDateTime().addSecs(shift);
     const QVariant endValue = todo->value(s("date_end"));
     const std::optional<QDateTime> end =
@@ -169,8 +80,8 @@ icalcomponent* todoComponent(const Record* todo, const QDateTime& stamp)
         if (end && *end > start)
             icalcomponent_add_property(component, icalproperty_new_due(utcTime(*end)));
     }
-    if (!repeat.rule.isEmpty()) {
-        const icalrecurrencetype rule = icalrecurrencetype_from_string(repeat.rule.toLatin1().constData());
+    if (!repeat.rule().isEmpty()) {
+        const icalrecurrencetype rule = icalrecurrencetype_from_string(repeat.rule().toLatin1().constData());
         icalcomponent_add_property(component, icalproperty_new_rrule(rule));
     }
     return component;

@@ -26,12 +26,16 @@ private Q_SLOTS:
     void doneToggle();
     void exportMatchesCalendar_data();
     void exportMatchesCalendar();
+    void exportWestOfGreenwich_data();
+    void exportWestOfGreenwich();
     void exportedEntry();
 
 private:
     // The names of a to-do's tags, sorted.
     static QStringList tagNames(const Record* todo);
     Record* userTag(const QString& name);
+    // Exports the to-do and compares what a calendar program reads back with our calendar.
+    void checkExport(const Values& values, const QDate& reference);
 
     std::unique_ptr<ToDoCompany> m_company;
     QTemporaryDir m_dir;
@@ -205,6 +209,18 @@ void tst_ToDos::exportMatchesCalendar_data()
         << todo(3, at(2026, 11, 10, 9), noEnd,
                 {{s("repeat_monthly_day_of"), 1}, {s("repeat_end_type"), 1}, {s("repeat_occurrences"), 4}})
         << QDate(2027, 1, 1);
+    // Just after local midnight the UTC date is the day before: the rule's days move with it.
+    QTest::newRow("second Tuesday just after midnight")
+        << todo(3, at(2026, 3, 10, 0, 30), noEnd, byWeekday) << QDate(2026, 4, 20);
+    QTest::newRow("first Sunday at midnight")
+        << todo(3, at(2026, 2, 1), noEnd, byWeekday) << QDate(2026, 4, 1);
+    QTest::newRow("last Friday at midnight")
+        << todo(3, at(2026, 1, 30), noEnd, byWeekday) << QDate(2026, 3, 10);
+    QTest::newRow("monthly on the 1st at midnight") << todo(3, at(2026, 1, 1), noEnd) << QDate(2026, 3, 1);
+    QTest::newRow("monthly on the 31st at midnight") << todo(3, at(2026, 1, 31), noEnd) << QDate(2026, 6, 1);
+    QTest::newRow("monthly on the 30th at midnight") << todo(3, at(2026, 1, 30), noEnd) << QDate(2026, 3, 15);
+    QTest::newRow("yearly on 1 March at midnight") << todo(4, at(2025, 3, 1), noEnd) << QDate(2028, 2, 1);
+    QTest::newRow("yearly on 15 July at midnight") << todo(4, at(2025, 7, 15), noEnd) << QDate(2027, 7, 1);
     QTest::newRow("yearly on 29 February") << todo(4, at(2024, 2, 29, 10), noEnd) << QDate(2028, 2, 1);
     QTest::newRow("all-day weekly in summer")
         << todo(2, at(2026, 5, 4), at(2026, 8, 1),
@@ -250,6 +266,49 @@ void tst_ToDos::exportMatchesCalendar()
 {
     QFETCH(Values, values);
     QFETCH(QDate, reference);
+    checkExport(values, reference);
+}
+
+void tst_ToDos::exportWestOfGreenwich_data()
+{
+    QTest::addColumn<Values>("values");
+    QTest::addColumn<QDate>("reference");
+
+    // In the evening in New York the UTC date is already the next day.
+    const auto monthly = [](const QDateTime& start, int dayOf) {
+        return Values{{s("repeat_type"), 3},
+                      {s("repeat_frequency"), 1},
+                      {s("repeat_monthly_day_of"), dayOf},
+                      {s("date_start"), start},
+                      {s("date_end"), start.addSecs(3600)}};
+    };
+    QTest::newRow("second Tuesday") << monthly(at(2026, 3, 10, 20), 1) << QDate(2026, 4, 20);
+    QTest::newRow("last Friday") << monthly(at(2026, 1, 30, 20), 1) << QDate(2026, 3, 10);
+    QTest::newRow("on the 31st") << monthly(at(2026, 1, 31, 20), 0) << QDate(2026, 6, 1);
+    QTest::newRow("on the 10th") << monthly(at(2026, 1, 10, 20), 0) << QDate(2026, 3, 1);
+    Values yearly = monthly(at(2025, 12, 31, 20), 0);
+    yearly[s("repeat_type")] = 4;
+    QTest::newRow("yearly on 31 December") << yearly << QDate(2027, 12, 1);
+    Values weekly = monthly(at(2026, 6, 6, 20), 0);
+    weekly[s("repeat_type")] = 2;
+    weekly[s("repeat_weekdays")] = QVariantList{1, 7};
+    QTest::newRow("weekly on the week's ends") << weekly << QDate(2026, 6, 20);
+}
+
+void tst_ToDos::exportWestOfGreenwich()
+{
+    QFETCH(Values, values);
+    QFETCH(QDate, reference);
+    // The rows' wall-clock times are read in New York's time, then Berlin's comes back.
+    qputenv("TZ", "America/New_York");
+    tzset();
+    const auto berlin = qScopeGuard([] { useBerlinTime(); });
+    QVERIFY(at(2026, 7, 1, 12).offsetFromUtc() == -4 * 3600);
+    checkExport(values, reference);
+}
+
+void tst_ToDos::checkExport(const Values& values, const QDate& reference)
+{
     Record* todo = m_company->todo(values);
     todo->setValue(s("title"), s("Meeting"));
     const QString path = m_dir.filePath(s("%1.ics").arg(s(QTest::currentDataTag())));
