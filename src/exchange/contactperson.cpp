@@ -117,6 +117,20 @@ AddressBookPerson ContactPerson::fromContact(EContact* contact)
     return person;
 }
 
+bool ContactPerson::isGroup(EContact* contact)
+{
+    for (GList* item = e_vcard_get_attributes(E_VCARD(contact)); item; item = item->next) {
+        auto* attribute = static_cast<EVCardAttribute*>(item->data);
+        const QString value = wholeValue(attribute);
+        if ((isNamed(attribute, "KIND") || isNamed(attribute, "X-ADDRESSBOOKSERVER-KIND")) &&
+            value.compare(QLatin1String("group"), Qt::CaseInsensitive) == 0)
+            return true;
+        if (isNamed(attribute, EVC_X_LIST) && value.compare(QLatin1String("TRUE"), Qt::CaseInsensitive) == 0)
+            return true;
+    }
+    return false;
+}
+
 QString ContactPerson::derivedUid(const AddressBookPerson& person)
 {
     // Fixed for this program, so that the same fields always give the same identifier.

@@ -17,6 +17,9 @@ public:
     // The identifier of an entry without a UID: a name-based UUID of its fields, so that the
     // same entry imported again is recognised, in the canonical form of the store's identifiers.
     static QString derivedUid(const AddressBookPerson& person);
+    // Whether the entry is a group of other entries (KIND:group, an Apple or Evolution contact
+    // list) rather than someone to become a client.
+    static bool isGroup(EContact* contact);
     // Whether the entry holds nothing a client could be made from.
     static bool isEmpty(const AddressBookPerson& person);
 };

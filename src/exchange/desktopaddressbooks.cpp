@@ -192,7 +192,10 @@ QList<AddressBookPerson> DesktopAddressBooks::persons(const QString& key, QStrin
     if (e_book_client_get_contacts_sync(E_BOOK_CLIENT(client), query, &contacts, deadline.cancellable(),
                                         &error)) {
         for (GSList* item = contacts; item; item = item->next) {
-            const AddressBookPerson person = ContactPerson::fromContact(E_CONTACT(item->data));
+            EContact* contact = E_CONTACT(item->data);
+            if (ContactPerson::isGroup(contact))
+                continue;
+            const AddressBookPerson person = ContactPerson::fromContact(contact);
             if (!ContactPerson::isEmpty(person))
                 result << person;
         }

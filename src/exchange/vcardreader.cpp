@@ -112,9 +112,10 @@ std::optional<AddressBookPerson> VCardReader::readCard(const QByteArray& card)
     EContact* contact = e_contact_new_from_vcard(utf8.constData());
     if (!contact)
         return std::nullopt;
+    const bool group = ContactPerson::isGroup(contact);
     AddressBookPerson person = ContactPerson::fromContact(contact);
     g_object_unref(contact);
-    if (ContactPerson::isEmpty(person))
+    if (group || ContactPerson::isEmpty(person))
         return std::nullopt;
     return person;
 }

@@ -21,8 +21,8 @@ public:
     // quoted-printable lines are never taken for the start or end of a card. Lines that name no property are
     // left out.
     static QList<QByteArray> splitCards(const QByteArray& data);
-    // The person of one card; nothing when the card names no one and holds no phone, e-mail
-    // or address.
+    // The person of one card; nothing for a group card, or when the card names no one and
+    // holds no phone, e-mail or address.
     static std::optional<AddressBookPerson> readCard(const QByteArray& card);
     // The persons of every card, in the file's order.
     static QList<AddressBookPerson> read(const QByteArray& data);

@@ -203,6 +203,12 @@ void tst_VCardImport::splitCards_data()
     QTest::newRow("lines that name no property") << card("BEGIN:VCARD\nVERSION:3.0\nitem1.\nN\nitem2.:x\nN;"
                                                          "TYPE=\n:y\nVr. Jo:x\n\nN:Kept;A\nEND:VCARD\n")
                                                  << 1 << s("Kept");
+    QTest::newRow("group cards are no persons")
+        << card("BEGIN:VCARD\nVERSION:4.0\nKIND:group\nFN:Team\nMEMBER:urn:uuid:p-1\nEND:VCARD\n"
+                "BEGIN:VCARD\nVERSION:3.0\nN:Member;A\nEND:VCARD\n"
+                "BEGIN:VCARD\nVERSION:3.0\nFN:Friends\nX-ADDRESSBOOKSERVER-KIND:group\nEND:VCARD\n"
+                "BEGIN:VCARD\nVERSION:3.0\nFN:List\nX-EVOLUTION-LIST:TRUE\nEMAIL:a@b.example\nEND:VCARD\n")
+        << 4 << s("Member");
     QTest::newRow("UTF-8 with a byte order mark") << card("\xEF\xBB\xBF"
                                                           "BEGIN:VCARD\nVERSION:3.0\nN:Bom;A\nEND:VCARD\n")
                                                   << 1 << s("Bom");
