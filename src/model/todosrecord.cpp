@@ -2,6 +2,7 @@
 
 #include <QDateTime>
 #include <QLocale>
+#include <algorithm>
 
 namespace corvanta::model {
 
@@ -42,13 +43,18 @@ QString ToDosRecord::summary(const store::Record* todo)
             text += tr("Sunday");
             break;
         }
-        // Each day in the set's order; a number outside 1 … 7 names no weekday and is left out.
-        QStringList names;
+        // A set has no order of its own: its days are named Sunday first, however they were
+        // chosen. A number outside 1 … 7 names no weekday and is left out.
+        QList<int> numbers;
         for (const QVariant& weekday : weekdays) {
             const int number = weekday.toInt();
-            if (number >= 1 && number <= 7)
-                names << weekdayName(number);
+            if (number >= 1 && number <= 7 && !numbers.contains(number))
+                numbers << number;
         }
+        std::sort(numbers.begin(), numbers.end());
+        QStringList names;
+        for (const int number : numbers)
+            names << weekdayName(number);
         text += names.join(s(", "));
         break;
     }

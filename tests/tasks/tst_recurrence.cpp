@@ -53,9 +53,9 @@ void tst_Recurrence::summary_data()
     QTest::newRow("every 3 days") << recurring(1, 3) << s("Every 3 days");
     QTest::newRow("weekly on one day")
         << recurring(2, 1, {{s("repeat_weekdays"), QVariantList{2}}}) << s("Weekly on Monday");
-    QTest::newRow("every 2 weeks, days in the set's order")
+    QTest::newRow("every 2 weeks, days named Sunday first")
         << recurring(2, 2, {{s("repeat_weekdays"), QVariantList{6, 2, 4}}})
-        << s("Every 2 weeks on Friday, Monday, Wednesday");
+        << s("Every 2 weeks on Monday, Wednesday, Friday");
     QTest::newRow("weekly without days") << recurring(2, 1) << s("Weekly on Sunday");
     QTest::newRow("monthly by day") << recurring(3, 1, {{s("date_start"), at(2026, 1, 31, 9)}})
                                     << s("Monthly on day 31");
