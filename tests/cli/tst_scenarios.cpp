@@ -396,39 +396,32 @@ void tst_Scenarios::csvImport_data()
     QTest::addColumn<QByteArray>("file");
     QTest::addColumn<QString>("command"); // FILE stands for the file
     QTest::addColumn<int>("exitCode");
-    QTest::addColumn<QString>("message"); // the first line of the output, or of the errors
-    QTest::addColumn<QStringList>("records");
+    QTest::addColumn<QString>("message"); // how the output, or the errors, begin
+    QTest::addColumn<QString>("records"); // the clients, or the items with their unit prices
 
-    const QStringList clients{s("Acme")};
     // The scenarios' items carry their prices as price levels: their unit price is not set.
-    const QStringList items{s("Bolt -"), s("Labour -")};
     QTest::newRow("clients, Windows line ends, quoted separator")
         << QByteArray("\"Zeta; Ltd\";Main\r\nAcme;x\r\n\r\nOmega\r\n")
-        << s("import clients FILE --fields company_name,city") << 0
-        << s("Import Clients: 2 clients successfully added.")
-        << QStringList{s("Acme"), s("Omega"), s("Zeta")};
-    QTest::newRow("persons, Latin-1") << QByteArray("M\xfcller;Hans\n")
-                                      << s("import clients FILE --fields last_name,first_name --type 2 "
-                                           "--encoding ISO-8859-1")
-                                      << 0 << s("Import Clients: 1 clients successfully added.")
-                                      << QStringList{s("Acme"), s("Hans Müller")};
+        << s("clients FILE --fields company_name,city") << 0
+        << s("Import Clients: 2 clients successfully added.") << s("Acme,Omega,Zeta");
+    QTest::newRow("persons, Latin-1")
+        << QByteArray("M\xfcller;Hans\n")
+        << s("clients FILE --fields last_name,first_name --type 2 --encoding ISO-8859-1") << 0
+        << s("Import Clients: 1 clients successfully added.") << s("Acme,Hans Müller");
     QTest::newRow("wrong encoding") << QByteArray("M\xfcller;Hans\n")
-                                    << s("import clients FILE --fields last_name,first_name") << 1
-                                    << s("Warning: ") << clients;
-    QTest::newRow("unknown field") << QByteArray("Zeta\n") << s("import clients FILE --fields company,city")
-                                   << 1 << s("There is no field \"company\"") << clients;
+                                    << s("clients FILE --fields last_name,first_name") << 1 << s("Warning: ")
+                                    << s("Acme");
+    QTest::newRow("unknown field") << QByteArray("Zeta\n") << s("clients FILE --fields company,city") << 1
+                                   << s("There is no field \"company\"") << s("Acme");
     QTest::newRow("items, tab, blanks and commas in prices")
-        << QByteArray("Nut\t1 234,50\nBolt\t3\n")
-        << s("import items FILE --fields name,unit_price --separator tab") << 0
-        << s("Import Items: 1 items successfully added.")
-        << QStringList{s("Bolt -"), s("Labour -"), s("Nut 1234.5")};
+        << QByteArray("Nut\t1 234,50\nBolt\t3\n") << s("items FILE --fields name,unit_price --separator tab")
+        << 0 << s("Import Items: 1 items successfully added.") << s("Bolt -,Labour -,Nut 1234.5");
     QTest::newRow("items, two-character separator, single precision")
-        << QByteArray("Washer::0,1\n") << s("import items FILE --fields name,unit_price --separator ::") << 0
-        << s("Import Items: 1 items successfully added.")
-        << QStringList{s("Bolt -"), s("Labour -"), s("Washer 0.10000000149011612")};
+        << QByteArray("Washer::0,1\n") << s("items FILE --fields name,unit_price --separator ::") << 0
+        << s("Import Items: 1 items successfully added.") << s("Bolt -,Labour -,Washer 0.10000000149011612");
     QTest::newRow("unknown tax") << QByteArray("Nut;1\n")
-                                 << s("import items FILE --fields name,unit_price --tax 99%") << 1
-                                 << s("No tax is named \"99%\"") << items;
+                                 << s("items FILE --fields name,unit_price --tax 99%") << 1
+                                 << s("No tax is named \"99%\"") << s("Bolt -,Labour -");
 }
 
 void tst_Scenarios::csvImport()
@@ -437,18 +430,15 @@ void tst_Scenarios::csvImport()
     QFETCH(QString, command);
     QFETCH(int, exitCode);
     QFETCH(QString, message);
-    QFETCH(QStringList, records);
+    QFETCH(QString, records);
     QFile csv(m_cli->path("import.csv"));
     QVERIFY(csv.open(QIODevice::WriteOnly) && csv.write(file) == file.size());
     csv.close();
-    QStringList arguments = words(command);
-    arguments.replace(arguments.indexOf(s("FILE")), csv.fileName());
-    const Run run = m_cli->run(arguments);
+    const Run run = m_cli->run(s("import ") + command.replace(s("FILE"), csv.fileName()));
     QCOMPARE(run.exitCode, exitCode);
-    const QString shown = (exitCode == 0 ? run.out : run.err).section(QLatin1Char('\n'), 0, 0);
-    QVERIFY2(shown.startsWith(message), qPrintable(shown));
+    QVERIFY2((exitCode == 0 ? run.out : run.err).startsWith(message), qPrintable(run.out + run.err));
 
-    const bool items = command.startsWith(s("import items"));
+    const bool items = command.startsWith(s("items"));
     QStringList stored;
     for (const QJsonValue record : m_cli->json(items ? s("items list") : s("clients list")).toArray()) {
         const QJsonValue price = record[s("unit_price")];
@@ -457,32 +447,34 @@ void tst_Scenarios::csvImport()
                          : record[s("full_name")].toString());
     }
     stored.sort();
-    QCOMPARE(stored, records);
+    QCOMPARE(stored.join(QLatin1Char(',')), records);
 }
 
+// Every person of every file named, each file read before anything is added; a second import
+// adds nothing.
 void tst_Scenarios::vcardImport_data()
 {
-    QTest::addColumn<QStringList>("files"); // name, then content, for each file
+    QTest::addColumn<QStringList>("files"); // name, then content (none: missing), for each file
     QTest::addColumn<int>("status");
     QTest::addColumn<QString>("output");  // what the first import prints, or its message
     QTest::addColumn<QString>("clients"); // the clients then, by full name, with kind and phones
 
     const QString people =
-        s("BEGIN:VCARD\r\nVERSION:2.1\r\nUID:p-1\r\n"
-          "N;CHARSET=UTF-8;ENCODING=QUOTED-PRINTABLE:M=C3=BCller;J=C3=BCrgen\r\n"
+        s("BEGIN:VCARD\r\nVERSION:2.1\r\nUID:p-1\r\nN;CHARSET=UTF-8;ENCODING=QUOTED-PRINTABLE:M=C3=BCller;J="
+          "C3=BCrgen\r\n"
           "TEL;WORK:1\r\nTEL;CELL:2\r\nTEL;HOME:3\r\nEND:VCARD\r\n"
           "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:p-1\r\nN:M\u00fcller;J\u00fcrgen\r\nEND:VCARD\r\n");
     const QString companies = s("BEGIN:VCARD\nVERSION:4.0\nUID:c-1\nKIND:org\nORG:Globex\n"
-                                "TEL;VALUE=uri:tel:+1-555-0100\nADR:;;1 Main St;Springfield;;;\nEND:VCARD\n");
+                                "TEL;VALUE=uri:tel:+1-555-0100\nEND:VCARD\n");
     QTest::newRow("two files of three versions")
         << QStringList{s("people.vcf"), people, s("companies.vcf"), companies} << 0
         << s("Import Address Book: 2 clients successfully added.")
         << s("Acme 0 ,Globex 0 +1-555-0100,J\u00fcrgen M\u00fcller 2 1,2,3");
     QTest::newRow("a file without a card adds nothing from the others")
         << QStringList{s("companies.vcf"), companies, s("clients.csv"), s("name;phone\nAnn;555\n")} << 1
-        << s("holds no vCard") << s("Acme 0 ");
+        << s("clients.csv\" holds no vCard") << s("Acme 0 ");
     QTest::newRow("a missing file") << QStringList{s("companies.vcf"), companies, s("missing.vcf"), QString()}
-                                    << 1 << s("cannot be read") << s("Acme 0 ");
+                                    << 1 << s("missing.vcf\" cannot be read") << s("Acme 0 ");
 }
 
 void tst_Scenarios::vcardImport()
@@ -493,21 +485,17 @@ void tst_Scenarios::vcardImport()
     QFETCH(QString, clients);
     QStringList arguments{s("import"), s("vcard")};
     for (qsizetype i = 0; i < files.size(); i += 2) {
-        arguments << m_cli->path(files.at(i));
-        if (files.at(i + 1).isNull())
-            continue;
-        QFile file(arguments.last());
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(files.at(i + 1).toUtf8());
+        QFile file(arguments.emplace_back(m_cli->path(files.at(i))));
+        QVERIFY(files.at(i + 1).isNull() ||
+                (file.open(QIODevice::WriteOnly) && file.write(files.at(i + 1).toUtf8())));
     }
     const Run first = m_cli->run(arguments);
     QCOMPARE(first.exitCode, status);
     QVERIFY2((status == 0 ? first.out.trimmed() == output : first.err.contains(output)),
              qPrintable(first.out + first.err));
-
-    // Imported again, nothing is added.
     if (status == 0)
         QCOMPARE(m_cli->json(arguments)[s("added")].toInt(), 0);
+
     QStringList listed;
     for (const QJsonValue client : m_cli->json("clients list").toArray())
         listed << client[s("full_name")].toString() + QLatin1Char(' ') +
@@ -515,11 +503,6 @@ void tst_Scenarios::vcardImport()
                       client[s("phones")].toString();
     listed.sort();
     QCOMPARE(listed.join(QLatin1Char(',')), clients);
-    if (status == 0) {
-        const QJsonObject globex = m_cli->json("clients show Globex").toObject();
-        QCOMPARE(globex[s("identifier")].toString(), s("c-1"));
-        QCOMPARE(globex[s("addresses")][0][s("street")].toString(), s("1 Main St"));
-    }
 }
 
 void tst_Scenarios::todosInTheCalendar_data()
