@@ -42,9 +42,9 @@ QString visible(const QString& text)
 
 } // namespace
 
-EmailHandOver::EmailHandOver(const QString& program, int timeoutMs)
+EmailHandOver::EmailHandOver(const QString& program, int gracePeriodMs)
     : m_program(program)
-    , m_timeoutMs(timeoutMs)
+    , m_gracePeriodMs(gracePeriodMs)
 {}
 
 QString EmailHandOver::recipientRefusal(const QString& to)
@@ -98,30 +98,41 @@ bool EmailHandOver::sendEmailTo(const QString& to, const QString& subject, const
         return failed(tr("The mail program could not be reached: \"%1\" was not found.").arg(m_program),
                       error);
 
-    QProcess process;
-    process.setStandardInputFile(QProcess::nullDevice());
-    process.setStandardOutputFile(QProcess::nullDevice());
-    process.start(executable, arguments(to, subject, body, attachmentPath));
-    if (!process.waitForStarted(m_timeoutMs))
-        return failed(tr("The mail program could not be started: %1").arg(process.errorString()), error);
-    if (!process.waitForFinished(m_timeoutMs)) {
-        process.kill();
-        process.waitForFinished(1000);
-        return failed(
-            tr("The mail program did not finish within %n second(s).", nullptr, (m_timeoutMs + 999) / 1000),
-            error);
+    auto* process = new QProcess;
+    process->setStandardInputFile(QProcess::nullDevice());
+    process->setStandardOutputFile(QProcess::nullDevice());
+    process->start(executable, arguments(to, subject, body, attachmentPath));
+    if (!process->waitForStarted(m_gracePeriodMs)) {
+        const QString reason = process->errorString();
+        delete process;
+        return failed(tr("The mail program could not be started: %1").arg(reason), error);
     }
+    if (!process->waitForFinished(m_gracePeriodMs)) {
+        // The message is open in a mail program that xdg-email still waits for. Killing it would
+        // take the user's message away: it goes on alone and only a failure is written down.
+        QObject::connect(process, &QProcess::finished, process, [process] {
+            const QString message = finishedFailure(*process);
+            if (!message.isEmpty())
+                qCWarning(lcExchange).noquote() << message;
+            process->deleteLater();
+        });
+        return true;
+    }
+    const QString message = finishedFailure(*process);
+    delete process;
+    return message.isEmpty() ? true : failed(message, error);
+}
+
+QString EmailHandOver::finishedFailure(QProcess& process)
+{
     if (process.exitStatus() != QProcess::NormalExit)
-        return failed(tr("The mail program stopped: %1").arg(process.errorString()), error);
-    if (process.exitCode() != 0) {
-        const QString output = QString::fromLocal8Bit(process.readAllStandardError()).trimmed();
-        return failed(
-            output.isEmpty()
-                ? tr("The mail program ended with status %1.").arg(process.exitCode())
-                : tr("The mail program ended with status %1: %2").arg(process.exitCode()).arg(output),
-            error);
-    }
-    return true;
+        return tr("The mail program stopped: %1").arg(process.errorString());
+    if (process.exitCode() == 0)
+        return {};
+    const QString output = QString::fromLocal8Bit(process.readAllStandardError()).trimmed();
+    return output.isEmpty()
+               ? tr("The mail program ended with status %1.").arg(process.exitCode())
+               : tr("The mail program ended with status %1: %2").arg(process.exitCode()).arg(output);
 }
 
 } // namespace corvanta::exchange

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QCoreApplication>
+#include <QProcess>
 #include <QString>
 #include <QStringList>
 
@@ -17,16 +18,19 @@ class EmailHandOver
     Q_DECLARE_TR_FUNCTIONS(EmailHandOver)
 
 public:
-    static constexpr int kDefaultTimeoutMs = 60000;
+    static constexpr int kDefaultGracePeriodMs = 10000;
 
     // `program` is looked up on the PATH when an e-mail is handed over.
     explicit EmailHandOver(const QString& program = QStringLiteral("xdg-email"),
-                           int timeoutMs = kDefaultTimeoutMs);
+                           int gracePeriodMs = kDefaultGracePeriodMs);
 
-    // Hands the e-mail over and waits for xdg-email to finish. A recipient that could become an
-    // option or a field of the link is refused before anything starts; a hand-over that cannot
-    // start, ends with an error or does not finish in time is logged. False with `error` set in
-    // either case. An empty `attachmentPath` attaches nothing.
+    // Hands the e-mail over. A recipient that could become an option or a field of the link is
+    // refused before anything starts; a hand-over that cannot start or ends with an error within
+    // the grace period is logged. False with `error` set in either case. xdg-email may run the
+    // mail program itself in the foreground (a mail program that was not running yet stays in
+    // front until the user closes it): one still running after the grace period has opened the
+    // message, counts as handed over and is left running, its later failure only logged. An empty
+    // `attachmentPath` attaches nothing.
     bool sendEmailTo(const QString& to, const QString& subject, const QString& body,
                      const QString& attachmentPath, QString* error) const;
 
@@ -39,9 +43,11 @@ public:
 
 private:
     bool failed(const QString& message, QString* error) const;
+    // Why a finished xdg-email failed, or empty when it did its work.
+    static QString finishedFailure(QProcess& process);
 
     QString m_program;
-    int m_timeoutMs;
+    int m_gracePeriodMs;
 };
 
 } // namespace corvanta::exchange

@@ -24,7 +24,7 @@ public:
                                     "calls='%1'\n"
                                     "printf '%s\\0' \"$@\" > \"$calls/$(ls \"$calls\" | wc -l)\"\n"
                                     "echo 'stand-in says no' >&2\n"
-                                    "[ %2 -gt 0 ] && exec sleep %2\n"
+                                    "[ %2 -gt 0 ] && sleep %2\n"
                                     "exit %3\n")
                          .arg(calls(), QString::number(seconds), QString::number(status))
                          .toUtf8());
