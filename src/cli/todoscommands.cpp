@@ -55,11 +55,18 @@ int readDateTime(const Invocation& invocation, const char* option, std::optional
         return Success;
     const QString text = invocation.arguments.value(s(option));
     *value = dateTime(text);
-    if (!*value)
+    if (*value)
+        return Success;
+    // A well-formed day and time that is still no moment lies in the hour the clocks skip.
+    const bool skipped = QDate::fromString(text.left(10), Qt::ISODate).isValid() &&
+                         QTime::fromString(text.mid(11), s("HH:mm")).isValid();
+    if (skipped)
         return invocation.usageError(
-            CommandLine::tr("--%1 \"%2\" is not a moment: write YYYY-MM-DD or YYYY-MM-DDTHH:MM (local time).")
+            CommandLine::tr("--%1 \"%2\" does not exist in the local time zone: the clocks skip that time.")
                 .arg(s(option), text));
-    return Success;
+    return invocation.usageError(
+        CommandLine::tr("--%1 \"%2\" is not a moment: write YYYY-MM-DD or YYYY-MM-DDTHH:MM (local time).")
+            .arg(s(option), text));
 }
 
 // A whole-number option, taken as it is (negative numbers and zero included).
