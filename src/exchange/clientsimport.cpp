@@ -88,10 +88,7 @@ std::optional<int> ClientsImport::run(const QList<QStringList>& rows, const Opti
                 if (ImportFields::isAddressKey(key)) {
                     address->setValue(key, row.at(column));
                 } else {
-                    QString clientKey = key;
-                    if (clientKey.startsWith(s("client_")))
-                        clientKey.remove(0, 7);
-                    client->setValue(clientKey, row.at(column));
+                    client->setValue(ImportFields::attributeKey(key), row.at(column));
                 }
             }
             client->addRelated(s("addresses"), address);

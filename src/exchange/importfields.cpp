@@ -36,6 +36,15 @@ bool ImportFields::isAddressKey(const QString& key)
     return addressKeys().contains(key);
 }
 
+QString ImportFields::attributeKey(const QString& key)
+{
+    for (const QLatin1String prefix : {QLatin1String("client_"), QLatin1String("item_")}) {
+        if (key.startsWith(prefix))
+            return key.mid(prefix.size());
+    }
+    return key;
+}
+
 ImportFields ImportFields::clients(store::EditingContext& context)
 {
     ImportFields result;

@@ -56,6 +56,9 @@ public:
     // Whether a key names a field of the client's address rather than of the client.
     static bool isAddressKey(const QString& key);
     static const QStringList& addressKeys();
+    // The attribute a field's value is stored under: a custom field's key without its "client_"
+    // or "item_" prefix, any other key as it is.
+    static QString attributeKey(const QString& key);
 
 private:
     void setTicked(const QString& key, bool ticked);

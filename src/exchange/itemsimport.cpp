@@ -1,6 +1,7 @@
 #include "itemsimport.h"
 
 #include "documents/savefailure.h"
+#include "importfields.h"
 #include "importprice.h"
 #include "model/companyrecord.h"
 #include "predicate/literal.h"
@@ -67,13 +68,10 @@ std::optional<int> ItemsImport::run(const QList<QStringList>& rows, const Option
             const qsizetype columns = qMin(options.columnKeys.size(), row.size());
             for (qsizetype column = 0; column < columns; ++column) {
                 const QString& key = options.columnKeys.at(column);
-                QString itemKey = key;
-                if (itemKey.startsWith(s("item_")))
-                    itemKey.remove(0, 5);
                 if (key.contains(s("_price")))
-                    item->setValue(itemKey, ImportPrice::read(row.at(column)));
+                    item->setValue(ImportFields::attributeKey(key), ImportPrice::read(row.at(column)));
                 else
-                    item->setValue(itemKey, row.at(column));
+                    item->setValue(ImportFields::attributeKey(key), row.at(column));
             }
             item->setValue(s("tags"), tag ? QVariantList{QVariant::fromValue(tag->ref())} : QVariantList{});
             item->setValue(s("type"), options.itemType);
