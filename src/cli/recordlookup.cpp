@@ -136,22 +136,53 @@ Record* RecordLookup::document(const QString& key, QString* error)
     return nullptr;
 }
 
+QList<Record*> RecordLookup::byIdentifierOrName(const char* entity, const char* nameKey, const QString& key,
+                                                const char* order)
+{
+    // An identifier names one record; a name may stand for several.
+    const QList<store::SortDescriptor> sort =
+        order ? QList{store::SortDescriptor(QString::fromLatin1(order))} : QList<store::SortDescriptor>{};
+    QList<Record*> found = m_context.fetch(
+        FetchRequest(QString::fromLatin1(entity), predicate::literal("identifier == %@", {key})));
+    if (found.isEmpty())
+        found = m_context.fetch(
+            FetchRequest(QString::fromLatin1(entity),
+                         predicate::literal("%K == %@", {QString::fromLatin1(nameKey), key}), sort));
+    return found;
+}
+
 Record* RecordLookup::designTemplate(const QString& key, QString* error)
 {
-    // An identifier names one template; a name may stand for several.
-    for (const char* condition : {"identifier == %@", "name == %@"}) {
-        const QList<Record*> found =
-            m_context.fetch(request("Templates", QString::fromLatin1(condition), {key}));
-        if (found.size() == 1)
-            return found.first();
-        if (found.size() > 1) {
-            *error = tr("%n templates are named \"%1\"; name one by its identifier (templates list).",
-                        nullptr, int(found.size()))
-                         .arg(key);
-            return nullptr;
-        }
+    const QList<Record*> found = byIdentifierOrName("Templates", "name", key);
+    if (found.size() == 1)
+        return found.first();
+    *error = found.isEmpty()
+                 ? tr("There is no template named \"%1\".").arg(key)
+                 : tr("%n templates are named \"%1\"; name one by its identifier (templates list).", nullptr,
+                      int(found.size()))
+                       .arg(key);
+    return nullptr;
+}
+
+Record* RecordLookup::todo(const QString& key, QString* error)
+{
+    const QList<Record*> found = byIdentifierOrName("ToDos", "title", key, "date_start");
+    if (found.size() == 1)
+        return found.first();
+    if (found.isEmpty()) {
+        *error = tr("No to-do has the title or identifier \"%1\".").arg(key);
+        return nullptr;
     }
-    *error = tr("There is no template named \"%1\".").arg(key);
+    QStringList candidates;
+    for (const Record* todo : found)
+        candidates << QStringLiteral("%1 (%2)").arg(todo->value(QStringLiteral("identifier")).toString(),
+                                                    todo->value(QStringLiteral("date_start"))
+                                                        .toDateTime()
+                                                        .toLocalTime()
+                                                        .toString(QStringLiteral("yyyy-MM-dd HH:mm")));
+    *error = tr("%1 to-dos have the title \"%2\"; name one by its identifier: %3")
+                 .arg(found.size())
+                 .arg(key, candidates.join(QStringLiteral(", ")));
     return nullptr;
 }
 

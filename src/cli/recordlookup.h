@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QCoreApplication>
+#include <QList>
 #include <QString>
 
 namespace corvanta::store {
@@ -31,8 +32,16 @@ public:
     store::Record* document(const QString& key, QString* error);
     // The one design template whose `identifier`, or else whose `name`, is `key`.
     store::Record* designTemplate(const QString& key, QString* error);
+    // The one to-do whose `identifier`, or else whose `title`, is `key`; a title that several
+    // to-dos share is refused with their identifiers and starts.
+    store::Record* todo(const QString& key, QString* error);
 
 private:
+    // The records of `entity` whose identifier is `key`, or else those whose `nameKey` is, in
+    // `order` when given.
+    QList<store::Record*> byIdentifierOrName(const char* entity, const char* nameKey, const QString& key,
+                                             const char* order = nullptr);
+
     store::EditingContext& m_context;
 };
 

@@ -119,30 +119,14 @@ QJsonObject todoJson(const Record* todo)
     return json;
 }
 
-// The one to-do that `key` names: its identifier, or else its title. None or several give
-// the refusal, with the identifiers of the to-dos of that title.
+// The one to-do that `key` (an identifier or a title) names; null after reporting why not.
 Record* namedToDo(Invocation& invocation, const QString& key)
 {
-    store::EditingContext& context = invocation.session.context();
-    if (Record* todo = context.fetchFirst(
-            store::FetchRequest(s("ToDos"), predicate::literal("identifier == %@", {key}))))
-        return todo;
-    const QList<Record*> titled = context.fetch(store::FetchRequest(
-        s("ToDos"), predicate::literal("title == %@", {key}), {store::SortDescriptor(s("date_start"))}));
-    if (titled.size() == 1)
-        return titled.first();
-    if (titled.isEmpty()) {
-        invocation.refuse(CommandLine::tr("No to-do has the title or identifier \"%1\".").arg(key));
-        return nullptr;
-    }
-    QStringList candidates;
-    for (const Record* todo : titled)
-        candidates << s("%1 (%2)").arg(todo->value(s("identifier")).toString(),
-                                       momentText(todo->value(s("date_start"))));
-    invocation.refuse(CommandLine::tr("%1 to-dos have the title \"%2\"; name one by its identifier: %3")
-                          .arg(titled.size())
-                          .arg(key, candidates.join(s(", "))));
-    return nullptr;
+    QString error;
+    Record* todo = RecordLookup(invocation.session.context()).todo(key, &error);
+    if (!todo)
+        invocation.refuse(error);
+    return todo;
 }
 
 int addToDo(Invocation& invocation)
