@@ -61,7 +61,6 @@ private Q_SLOTS:
     void sumsSeeUnsavedChanges();
     void groupedSums_data();
     void groupedSums();
-    void groupedSumsNameWhatCannotBeGrouped();
     void valuesInTheFetchOrder();
 
 private:
@@ -95,12 +94,9 @@ void tst_Fetch::initTestCase()
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
     m_store = std::make_unique<ScratchStore>();
     EditingContext& c = m_store->main();
-    Record* almos =
-        add("almos", "Customers",
-            {{s("kind"), 0}, {s("name"), s("Álmos Kft.")}, {s("tax_number"), s("HU1")}, {s("rating"), 5}});
-    Record* bela =
-        add("bela", "Customers",
-            {{s("kind"), 2}, {s("first_name"), s("Béla")}, {s("last_name"), s("Szabó")}, {s("rating"), 2}});
+    Record* almos = add("almos", "Customers", {{s("kind"), 0}, {s("name"), s("Álmos Kft.")}});
+    Record* bela = add("bela", "Customers",
+                       {{s("kind"), 2}, {s("first_name"), s("Béla")}, {s("last_name"), s("Szabó")}});
     add("acme", "Customers", {{s("kind"), 1}, {s("name"), s("acme")}});
     add("zeta", "Customers", {{s("name"), s("Zeta'; DROP TABLE \"Customers\"; --")}});
     add("obrien", "Customers", {{s("name"), s("O'Brien \"Quotes\" /* x */")}});
@@ -162,6 +158,8 @@ void tst_Fetch::initTestCase()
     m_store->reopen();
 }
 
+// Operators over missing values, options and modifiers are compared with the in-memory evaluator
+// on random order books (tst_differential); these rows hold what no random predicate draws.
 void tst_Fetch::selects_data()
 {
     QTest::addColumn<QString>("entity");
@@ -177,55 +175,22 @@ void tst_Fetch::selects_data()
            Predicate::andOf(
                {totalAgainstPayments(Op::Equal), cmp("kind", Op::Equal, 0), cmp("draft", Op::Equal, false)}),
            "D1 D4");
-    orders("unpaid invoices",
-           Predicate::andOf({totalAgainstPayments(Op::NotEqual), cmp("kind", Op::Equal, 0),
-                             cmp("draft", Op::Equal, false), cmp("cancel_reference", Op::Equal, QVariant())}),
-           "D2 D7");
-    orders("!= YES includes a flag never set", cmp("draft", Op::NotEqual, true), "D1 D2 D4 D5 D6 D7 D8 D9");
-    orders("== NO excludes a flag never set", cmp("draft", Op::Equal, false), "D1 D2 D4 D5 D7 D8 D9");
-    orders("sum over nothing is 0", cmp("payments.@sum.amount", Op::Equal, 0.0), "D3 D4 D5 D6 D8 D9");
     orders("a record as the value", cmp("cancel_reference", Op::Equal, ref("D8")), "D9");
-    orders("ANY to-many == record", cmp("tags", Op::Equal, ref("invoices"), {}, Mod::Any),
-           "D1 D2 D3 D4 D6 D7 D8 D9");
     customers("to-many CONTAINS record", cmp("tags", Op::Contains, ref("vip")), "almos bela");
     orders("a record of another entity never matches",
            cmp("customer", Op::Equal,
                QVariant::fromValue(RecordRef{s("Products"), m_refs.value(s("almos")).pk})),
            "");
     orders("to-one chain", cmp("customer.default_address.city", Op::Equal, s("Budapest")), "D1 D2");
-    orders("to-one chain, case and accents", cmp("customer.name", Op::BeginsWith, s("ALM"), CD), "D1 D2");
     customers("to-many, then to-one", cmp("orders.lines.product.name", Op::Equal, s("Bolt")), "almos");
-    orders("a date on a leap day and after", cmp("created", Op::GreaterOrEqual, day(2024, 2, 29)),
-           "D3 D5 D6 D7 D8 D9");
     orders("TRUEPREDICATE", Predicate::truePredicate(), "D1 D2 D3 D4 D5 D6 D7 D8 D9");
     orders("FALSEPREDICATE", Predicate::falsePredicate(), "");
-    orders("OR and NOT",
-           Predicate::orOf({cmp("kind", Op::Equal, 3), Predicate::notOf(cmp("total", Op::Greater, -1.0))}),
-           "D5 D9");
     customers("[cd] folds case and accents", cmp("name", Op::Contains, s("ALMOS"), CD), "almos");
-    customers("no option keeps case", cmp("name", Op::Contains, s("almos")), "");
-    customers("[c] folds case", cmp("name", Op::Contains, s("ÁLMOS"), Predicate::CaseInsensitive), "almos");
-    customers("[c] keeps accents", cmp("name", Op::Contains, s("almos"), Predicate::CaseInsensitive), "");
-    customers("==[cd] on a derived value", cmp("full_name", Op::Equal, s("bela szabo"), CD), "bela");
-    customers("ends with", cmp("last_name", Op::EndsWith, s("abó")), "bela");
-    customers("LIKE with ? and *", cmp("full_name", Op::Like, s("b?la*"), Predicate::CaseInsensitive),
-              "bela");
     customers("LIKE treats [ as a letter", cmp("full_name", Op::Like, s("[a]*")), "");
-    customers("text operator on a missing text is false", cmp("desc", Op::Contains, s("x")), "");
-    customers("NOT of it is true", Predicate::notOf(cmp("desc", Op::Contains, s("x"))),
-              "acme almos bela obrien zeta");
-    customers("!= includes missing values", cmp("tax_number", Op::NotEqual, s("HU1")),
-              "acme bela obrien zeta");
-    customers("ordering a missing value is false", cmp("tax_number", Op::Less, s("HU2")), "almos");
-    customers("IN a list", cmp("kind", Op::In, QVariantList{1, 2}), "acme bela");
     customers("IN nothing", cmp("kind", Op::In, QVariantList{}), "");
     customers("self IN records", cmp("self", Op::In, QVariantList{ref("bela"), ref("acme")}), "acme bela");
-    customers("ANY to-many", cmp("addresses.city", Op::Equal, s("Budapest"), {}, Mod::Any), "almos bela");
     customers("ALL to-many, empty sets included",
               cmp("addresses.city", Op::Equal, s("Budapest"), {}, Mod::All), "acme almos obrien zeta");
-    customers("@count of a to-many", cmp("orders.@count", Op::GreaterOrEqual, 2), "almos");
-    customers("a to-one that is missing", cmp("default_address", Op::Equal, QVariant()),
-              "acme bela obrien zeta");
 }
 
 void tst_Fetch::selects()
@@ -365,8 +330,6 @@ void tst_Fetch::aggregates_data()
                              cmp("created", Op::LessOrEqual, day(2024, 12, 31)),
                              cmp("draft", Op::NotEqual, 1)})
         << max << s("number") << QVariant(s("D2")) << 0;
-    QTest::newRow("sum of nothing is 0")
-        << s("Payments") << cmp("amount", Op::Greater, 1000) << sum << s("amount") << QVariant(0.0) << -1;
     // `draft != 1` keeps D6, whose draft flag is missing.
     QTest::newRow("highest of non-drafts")
         << s("Orders") << cmp("draft", Op::NotEqual, 1) << max << s("total") << QVariant(100.0) << -1;
@@ -434,7 +397,8 @@ void tst_Fetch::groupedSums_data()
     QTest::addColumn<Predicate>("predicate");
     QTest::addColumn<QString>("group");
     QTest::addColumn<QStringList>("sums");
-    QTest::addColumn<QStringList>("expected"); // "group count sum..." per group, in their order
+    // "group count sum..." per group, in their order; "refused" and what the error names
+    QTest::addColumn<QStringList>("expected");
     // D3 is a draft; D6 has no draft flag and counts. D4 to D9 have no customer.
     QTest::newRow("orders per customer, drafts left out")
         << s("Orders") << cmp("draft", Op::NotEqual, 1) << s("customer")
@@ -452,6 +416,11 @@ void tst_Fetch::groupedSums_data()
         << QStringList{s("2025-03-04T12:00:00Z 1 40"), s("2025-03-05T12:00:00Z 1 -40")};
     QTest::newRow("nothing selected") << s("Orders") << cmp("kind", Op::Equal, 7) << s("customer")
                                       << QStringList{s("total")} << QStringList{};
+    QTest::newRow("grouped by a to-many") << s("Orders") << Predicate() << s("lines")
+                                          << QStringList{s("total")} << QStringList{s("refused"), s("lines")};
+    QTest::newRow("unknown sum key") << s("Orders") << Predicate() << s("customer")
+                                     << QStringList{s("no_such_key")}
+                                     << QStringList{s("refused"), s("no_such_key")};
 }
 
 void tst_Fetch::groupedSums()
@@ -463,7 +432,12 @@ void tst_Fetch::groupedSums()
     StoreError error;
     const std::optional<QList<GroupSums>> groups =
         m_store->main().storedGroupedSums(FetchRequest(entity, predicate), group, sums, &error);
-    QVERIFY2(groups, qPrintable(error.message()));
+    QFETCH(QStringList, expected);
+    if (!groups) {
+        QVERIFY2(expected.value(0) == s("refused"), qPrintable(error.message()));
+        QVERIFY2(error.message().contains(expected.value(1)), qPrintable(error.message()));
+        return;
+    }
     QStringList actual;
     for (const GroupSums& g : *groups) {
         QString name = s("none");
@@ -478,17 +452,7 @@ void tst_Fetch::groupedSums()
             parts << QString::number(sum);
         actual << parts.join(QLatin1Char(' '));
     }
-    QTEST(actual, "expected");
-}
-
-void tst_Fetch::groupedSumsNameWhatCannotBeGrouped()
-{
-    EditingContext& c = m_store->main();
-    StoreError error;
-    QVERIFY(!c.storedGroupedSums(FetchRequest(s("Orders")), s("lines"), {s("total")}, &error));
-    QVERIFY2(error.message().contains(s("lines")), qPrintable(error.message()));
-    QVERIFY(!c.storedGroupedSums(FetchRequest(s("Orders")), s("customer"), {s("no_such_key")}, &error));
-    QVERIFY2(error.message().contains(s("no_such_key")), qPrintable(error.message()));
+    QCOMPARE(actual, expected);
 }
 
 // A projection keeps the order and window of the request and gives values as they are stored.
