@@ -61,8 +61,6 @@ void tst_EditingContext::insertRecordSetsKnownKeysOnly()
     saveOrFail(c);
 
     st.reopen();
-    QCOMPARE(st.main().fetchFirst(FetchRequest(s("Lines")))->valueForKeyPath(s("product.name")).toString(),
-             s("Bolt"));
     QCOMPARE(st.main().count(FetchRequest(s("Customers"), where(s("full_name"), Op::Equal, s("Ann Smith")))),
              1);
 }
