@@ -44,8 +44,16 @@ QIcon searchFolderIcon(const QIcon& folder)
             pixmap.fill(Qt::transparent);
             QPainter painter(&pixmap);
             folder.paint(&painter, pixmap.rect(), Qt::AlignCenter, mode);
+            // The folder's corner is cleared first, so that the lens does not run into its lines.
             const int badge = extent * 5 / 8;
-            lens.paint(&painter, QRect(extent - badge, extent - badge, badge, badge), Qt::AlignCenter, mode);
+            const QRect corner(extent - badge, extent - badge, badge, badge);
+            painter.setRenderHint(QPainter::Antialiasing, true);
+            painter.setCompositionMode(QPainter::CompositionMode_Clear);
+            painter.setPen(Qt::NoPen);
+            painter.setBrush(Qt::black);
+            painter.drawRoundedRect(corner.adjusted(-1, -1, 1, 1), 2, 2);
+            painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+            lens.paint(&painter, corner, Qt::AlignCenter, mode);
             painter.end();
             icon.addPixmap(pixmap, mode);
         }
@@ -172,7 +180,9 @@ SidebarDelegate::Layout SidebarDelegate::layoutOf(const QStyleOptionViewItem& op
     const QString name = index.data(SidebarModel::NameRole).toString();
     const int available = qMax(0, right - left);
     if (tag) {
-        const QSize label = TagLabel::sizeHint(metrics, name);
+        // One pixel more than the label asks for: names are measured in whole pixels but laid
+        // out in fractions, and a name that fits exactly would otherwise lose its last letters.
+        const QSize label = TagLabel::sizeHint(metrics, name) + QSize(1, 0);
         layout.elided = label.width() > available;
         const int height = qMin(label.height(), inner.height());
         layout.name =
@@ -218,7 +228,17 @@ void SidebarDelegate::paint(QPainter* painter, const QStyleOptionViewItem& optio
     if (!layout.icon.isNull()) {
         const bool smart = index.data(SidebarModel::IsSmartFolderRole).toBool();
         const QIcon& icon = smart ? m_smartFolderIcon : m_folderIcon;
-        icon.paint(painter, layout.icon, Qt::AlignCenter, selected ? QIcon::Selected : QIcon::Normal);
+        if (selected) {
+            // On the highlight the icon is drawn as a silhouette in the highlighted text's colour.
+            QPixmap pixmap = icon.pixmap(layout.icon.size(), painter->device()->devicePixelRatioF());
+            QPainter tint(&pixmap);
+            tint.setCompositionMode(QPainter::CompositionMode_SourceIn);
+            tint.fillRect(pixmap.rect(), text);
+            tint.end();
+            painter->drawPixmap(layout.icon, pixmap);
+        } else {
+            icon.paint(painter, layout.icon, Qt::AlignCenter, QIcon::Normal);
+        }
     }
 
     if (index.data(SidebarModel::IsTagRole).toBool()) {
@@ -243,7 +263,12 @@ void SidebarDelegate::paint(QPainter* painter, const QStyleOptionViewItem& optio
                           layout.shownName);
     }
 
-    if (!layout.badge.isNull()) {
+    if (!layout.badge.isNull() && layout.count == QStringLiteral("0")) {
+        // Nothing to list: the number stays, quietly, without its badge.
+        painter->setFont(badgeFont(opt.font));
+        painter->setPen(selected ? text : opt.palette.color(group, QPalette::PlaceholderText));
+        painter->drawText(layout.badge, Qt::AlignCenter | Qt::TextSingleLine, layout.count);
+    } else if (!layout.badge.isNull()) {
         const QColor highlight = opt.palette.color(group, QPalette::Highlight);
         const QColor fill =
             selected ? mixed(highlight, text, 0.25) : opt.palette.color(group, QPalette::Midlight);
