@@ -44,7 +44,15 @@ const PredicateRow* SmartFolderPredicate::row(const QList<int>& path) const
 
 PredicateRow* SmartFolderPredicate::mutableRow(const QList<int>& path)
 {
-    return const_cast<PredicateRow*>(row(path));
+    // Walked with non-const access: rows still shared with a copy of this object (or of its
+    // root) are detached on the way, so that changing them here never changes the copy.
+    PredicateRow* current = &m_root;
+    for (int position : path) {
+        if (position < 0 || position >= current->children.size())
+            return nullptr;
+        current = &current->children[position];
+    }
+    return current;
 }
 
 int SmartFolderPredicate::comparisonCount(const PredicateRow& row)

@@ -286,6 +286,10 @@ private Q_SLOTS:
 
         QVERIFY(editor.insertRow({}, -1, any({row("status", Op::Equal, 1, RowValueType::Choice)})));
         QCOMPARE(editor.shownRowCount(), 4);
+        // A copy is changed on its own, as a trial removal on it must be.
+        browse::SmartFolderPredicate trial = editor;
+        QVERIFY(trial.removeRow({1, 0}));
+        QCOMPARE(editor.shownRowCount(), 4);
         QVERIFY(editor.removeRow({0}));
         QVERIFY(!editor.removeRow({0, 0})); // the last row, nested
         QVERIFY(editor.insertRow({}, 0, row("company_name", Op::Contains, s("a"))));
