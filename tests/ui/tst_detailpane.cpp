@@ -1,0 +1,252 @@
+#include "browse/pagebridge.h"
+#include "ui/chartsettingswindow.h"
+#include "ui/detailpane.h"
+#include "uitestsupport.h"
+
+#include <QDateEdit>
+#include <QDialogButtonBox>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QWebEnginePage>
+#include <memory>
+#include <optional>
+
+using namespace corvanta;
+using namespace corvanta::ui;
+using namespace corvanta::ui::testing;
+using browse::ListKind;
+using store::Record;
+
+class TestDetailPane : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void pageShowsRecord_data();
+    void pageShowsRecord();
+    void starStoresRating();
+    void badCallsAreRefused_data();
+    void badCallsAreRefused();
+    void navigation_data();
+    void navigation();
+    void chartSettings_data();
+    void chartSettings();
+
+private:
+    // Runs a script in the page and gives its result.
+    QVariant evaluate(const QString& script);
+    // The text of the page's element, empty while the page has none of that id.
+    QString text(const QString& element);
+    void showClient();
+    qint64 rating();
+
+    std::unique_ptr<UiCompany> m_company;
+    std::unique_ptr<DetailPane> m_pane;
+    Record* m_client = nullptr;
+    Record* m_invoice = nullptr;
+};
+
+void TestDetailPane::init()
+{
+    m_company = std::make_unique<UiCompany>();
+    m_client = m_company->addClient(s("Acme <b>Ltd</b>"));
+    m_client->setValue(s("rating"), qint64(2));
+    m_client->setValue(s("emails"), s("office@acme.example"));
+    m_invoice = m_company->addInvoice(s("RE-2024-001"), 119);
+    m_company->save();
+    m_pane = std::make_unique<DetailPane>(m_company->store());
+    m_pane->resize(600, 700);
+    m_pane->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_pane.get()));
+}
+
+void TestDetailPane::cleanup()
+{
+    m_pane.reset();
+    m_company.reset();
+}
+
+QVariant TestDetailPane::evaluate(const QString& script)
+{
+    // The answer may come after the wait gave up: it is kept where both can reach it.
+    auto answer = std::make_shared<std::optional<QVariant>>();
+    m_pane->page()->runJavaScript(script, [answer](const QVariant& value) { *answer = value; });
+    if (!QTest::qWaitFor([&] { return answer->has_value(); }, 10000))
+        qWarning("The page did not answer: %s", qPrintable(script));
+    return answer->value_or(QVariant());
+}
+
+QString TestDetailPane::text(const QString& element)
+{
+    return evaluate(
+               s("(function () { var e = document.getElementById('%1'); return e ? e.textContent : ''; })()")
+                   .arg(element))
+        .toString();
+}
+
+void TestDetailPane::showClient()
+{
+    m_pane->showRecord(m_client);
+    QTRY_COMPARE_WITH_TIMEOUT(text(s("name")), s("Acme <b>Ltd</b>"), 20000);
+    // The page reaches the bridge once its channel is set up.
+    QTRY_VERIFY_WITH_TIMEOUT(evaluate(s("bridge !== null")).toBool(), 10000);
+}
+
+qint64 TestDetailPane::rating()
+{
+    return m_company->client(s("Acme <b>Ltd</b>"))->value(s("rating")).toLongLong();
+}
+
+void TestDetailPane::pageShowsRecord_data()
+{
+    QTest::addColumn<QString>("record");
+    QTest::addColumn<QString>("element");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("kind");
+
+    QTest::newRow("client, its name as written") << s("client") << s("name") << s("Acme <b>Ltd</b>") << 1;
+    QTest::newRow("invoice, its number") << s("invoice") << s("name") << s("RE-2024-001") << 3;
+    QTest::newRow("nothing selected") << s("") << s("message") << s("No Selection") << 0;
+}
+
+void TestDetailPane::pageShowsRecord()
+{
+    QFETCH(QString, record);
+    QFETCH(QString, element);
+    QFETCH(QString, text);
+    QFETCH(int, kind);
+
+    // The empty page replaces a record's page.
+    if (record.isEmpty())
+        showClient();
+    m_pane->showRecord(record == s("client") ? m_client : record == s("invoice") ? m_invoice : nullptr);
+
+    QTRY_COMPARE_WITH_TIMEOUT(this->text(element), text, 20000);
+    const std::optional<browse::PageAddress> shown = m_pane->bridge().currentTypeAndIdentifier();
+    QCOMPARE(shown ? int(shown->kind) : 0, kind);
+}
+
+void TestDetailPane::starStoresRating()
+{
+    showClient();
+    QCOMPARE(evaluate(s("document.querySelectorAll('#rating .full').length")).toInt(), 2);
+
+    // The fourth star, as a click on it calls it.
+    evaluate(s("document.querySelectorAll('#rating span')[3].click()"));
+
+    QTRY_COMPARE(rating(), qint64(4));
+    QTRY_COMPARE_WITH_TIMEOUT(evaluate(s("document.querySelectorAll('#rating .full').length")).toInt(), 4,
+                              20000);
+}
+
+void TestDetailPane::badCallsAreRefused_data()
+{
+    QTest::addColumn<QString>("script");
+    QTest::addColumn<QString>("call");
+
+    QTest::newRow("rating as text") << s("bridge.clientRating('x')") << s("clientRating");
+    QTest::newRow("rating above five") << s("bridge.clientRating(6)") << s("clientRating");
+    QTest::newRow("rating as a fraction") << s("bridge.clientRating(2.5)") << s("clientRating");
+    QTest::newRow("status beyond the three") << s("bridge.clientStatus(3)") << s("clientStatus");
+    QTest::newRow("an address the client does not have")
+        << s("bridge.sendEmail('someone@elsewhere.example')") << s("sendEmail");
+    QTest::newRow("a to-do the page does not show") << s("bridge.done('no-such-todo')") << s("done");
+}
+
+void TestDetailPane::badCallsAreRefused()
+{
+    QFETCH(QString, script);
+    QFETCH(QString, call);
+
+    showClient();
+    QSignalSpy refused(&m_pane->bridge(), &browse::PageBridge::callRefused);
+    QSignalSpy changed(&m_pane->bridge(), &browse::PageBridge::pageChanged);
+    QSignalSpy emails(&m_pane->bridge(), &browse::PageBridge::emailRequested);
+
+    evaluate(script);
+
+    QTRY_COMPARE(refused.count(), 1);
+    QCOMPARE(refused.at(0).at(0).toString(), call);
+    QCOMPARE(rating(), qint64(2));
+    QCOMPARE(m_company->client(s("Acme <b>Ltd</b>"))->value(s("status")), QVariant());
+    QCOMPARE(changed.count(), 0);
+    QCOMPARE(emails.count(), 0);
+}
+
+void TestDetailPane::navigation_data()
+{
+    QTest::addColumn<QString>("target");
+    QTest::addColumn<bool>("refused");
+    QTest::addColumn<int>("kind");
+
+    QTest::newRow("a web site") << s("http://example.com/") << true << 1;
+    QTest::newRow("a local file") << s("file:///etc/passwd") << true << 1;
+    QTest::newRow("a page of the program that is no record's") << s("pages.css") << true << 1;
+    QTest::newRow("the page of a document") << s("document.html?3&%1") << false << 3;
+}
+
+void TestDetailPane::navigation()
+{
+    QFETCH(QString, target);
+    QFETCH(bool, refused);
+    QFETCH(int, kind);
+
+    showClient();
+    QSignalSpy refusals(m_pane.get(), &DetailPane::navigationRefused);
+    if (target.contains(s("%1")))
+        target = target.arg(m_invoice->value(s("identifier")).toString());
+
+    evaluate(s("window.location.href = '%1'").arg(target));
+
+    if (refused) {
+        QTRY_COMPARE(refusals.count(), 1);
+        QCOMPARE(refusals.at(0).at(0).toUrl().fileName(), QUrl(target).fileName());
+    } else {
+        QTRY_COMPARE_WITH_TIMEOUT(text(s("name")), s("RE-2024-001"), 20000);
+        QCOMPARE(refusals.count(), 0);
+    }
+    const std::optional<browse::PageAddress> shown = m_pane->bridge().currentTypeAndIdentifier();
+    QVERIFY(shown);
+    QCOMPARE(int(shown->kind), kind);
+    if (refused)
+        QCOMPARE(text(s("name")), s("Acme <b>Ltd</b>"));
+}
+
+void TestDetailPane::chartSettings_data()
+{
+    QTest::addColumn<QDate>("from");
+    QTest::addColumn<QDate>("to");
+    QTest::addColumn<bool>("accepted");
+
+    QTest::newRow("a quarter chosen by hand") << QDate(2024, 1, 1) << QDate(2024, 3, 31) << true;
+    QTest::newRow("an end before the start") << QDate(2024, 3, 1) << QDate(2024, 2, 1) << false;
+}
+
+void TestDetailPane::chartSettings()
+{
+    QFETCH(QDate, from);
+    QFETCH(QDate, to);
+    QFETCH(bool, accepted);
+
+    showClient();
+    const QDate before = m_pane->bridge().chartFrom();
+    evaluate(s("showChartSettings()"));
+    ChartSettingsWindow* sheet = nullptr;
+    QTRY_VERIFY((sheet = m_pane->findChild<ChartSettingsWindow*>()) && sheet->isVisible());
+    QCOMPARE(sheet->windowModality(), Qt::WindowModal);
+
+    sheet->findChild<QDateEdit*>(s("fromDate"))->setDate(from);
+    sheet->findChild<QDateEdit*>(s("toDate"))->setDate(to);
+    QPushButton* ok = sheet->findChild<QDialogButtonBox*>(s("buttons"))->button(QDialogButtonBox::Ok);
+    QCOMPARE(ok->isEnabled(), accepted);
+    QTest::mouseClick(ok, Qt::LeftButton);
+
+    QCOMPARE(m_pane->bridge().chartFrom(), accepted ? from : before);
+    if (accepted)
+        QCOMPARE(m_pane->bridge().chartTo(), to);
+}
+
+CORVANTA_UI_TEST_MAIN(TestDetailPane)
+#include "tst_detailpane.moc"

@@ -1,0 +1,351 @@
+#include "browse/categorytree.h"
+#include "browse/recordlistmodel.h"
+#include "ui/browsercommands.h"
+#include "ui/recordlistview.h"
+#include "uitestsupport.h"
+
+#include <QContextMenuEvent>
+#include <QMenu>
+#include <QSignalSpy>
+#include <QTableView>
+#include <QToolButton>
+#include <QVBoxLayout>
+#include <memory>
+
+using namespace corvanta;
+using namespace corvanta::ui;
+using namespace corvanta::ui::testing;
+using store::Record;
+
+class TestRecordListView : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void sortMenuReordersTable_data();
+    void sortMenuReordersTable();
+    void rightClickSelectsRowAlone();
+    void deleteAsksFirst_data();
+    void deleteAsksFirst();
+    void tagsMenuTogglesTag();
+    void commandStates_data();
+    void commandStates();
+    void duplicateSelectsCopy();
+    void selectionAcrossSaves_data();
+    void selectionAcrossSaves();
+    void largeListShowsFirstPage();
+
+private:
+    Record* addDocument(const QString& number, qint64 sequence, const QDate& due, bool draft = false);
+    QStringList column(int index) const;
+    QAction* menuAction(QMenu* menu, const QString& text) const;
+    void selectRows(const QList<int>& rows);
+
+    std::unique_ptr<UiCompany> m_company;
+    std::unique_ptr<QWidget> m_window;
+    RecordListView* m_list = nullptr;
+    BrowserCommands* m_commands = nullptr;
+};
+
+void TestRecordListView::init()
+{
+    m_company = std::make_unique<UiCompany>();
+    m_window = std::make_unique<QWidget>();
+    m_list = new RecordListView(m_company->store(), m_company->prompter());
+    auto* layout = new QVBoxLayout(m_window.get());
+    layout->addWidget(m_list);
+    m_commands = new BrowserCommands(m_company->store(), m_company->prompter(), *m_list, m_window.get());
+    m_window->resize(800, 600);
+    m_window->show();
+    m_window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+}
+
+void TestRecordListView::cleanup()
+{
+    m_window.reset();
+    m_company.reset();
+}
+
+Record* TestRecordListView::addDocument(const QString& number, qint64 sequence, const QDate& due, bool draft)
+{
+    Record* document = m_company->main().insertRecord(
+        s("Documents"), {{s("type"), qint64(0)},
+                         {s("draft"), draft},
+                         {s("number_formatted"), number},
+                         {s("number"), sequence},
+                         {s("sum_total"), 100.0},
+                         {s("date_due"), QDateTime(due, QTime(12, 0))},
+                         {s("date_creation"), QDateTime(QDate(2024, 1, 1), QTime(12, 0))},
+                         {s("created"), QDateTime(QDate(2024, 1, 1), QTime(12, 0))},
+                         {s("identifier"), support::UUID()}});
+    m_company->save();
+    return document;
+}
+
+QStringList TestRecordListView::column(int index) const
+{
+    QStringList values;
+    for (int row = 0; row < m_list->table()->model()->rowCount(); ++row)
+        values << m_list->table()->model()->index(row, index).data().toString();
+    return values;
+}
+
+QAction* TestRecordListView::menuAction(QMenu* menu, const QString& text) const
+{
+    for (QAction* action : menu->actions()) {
+        if (action->text() == text)
+            return action;
+    }
+    return nullptr;
+}
+
+void TestRecordListView::selectRows(const QList<int>& rows)
+{
+    m_list->table()->clearSelection();
+    for (int row : rows)
+        m_list->table()->selectionModel()->select(m_list->model()->index(row, 0),
+                                                  QItemSelectionModel::Select | QItemSelectionModel::Rows);
+}
+
+void TestRecordListView::sortMenuReordersTable_data()
+{
+    QTest::addColumn<QList<int>>("tags");
+    QTest::addColumn<QStringList>("numbers");
+
+    // Due dates: A on the 3rd, B and C both on the 2nd (B numbered 2, C numbered 3), D on the 1st.
+    QTest::newRow("due date keeps the default's descending direction")
+        << QList<int>{-4} << QStringList{s("A"), s("C"), s("B"), s("D")};
+    QTest::newRow("due date ascending, equal dates by number")
+        << QList<int>{-4, 1} << QStringList{s("D"), s("B"), s("C"), s("A")};
+    QTest::newRow("number descending") << QList<int>{-1, 0} << QStringList{s("D"), s("C"), s("B"), s("A")};
+}
+
+void TestRecordListView::sortMenuReordersTable()
+{
+    QFETCH(QList<int>, tags);
+    QFETCH(QStringList, numbers);
+
+    addDocument(s("B"), 2, QDate(2024, 2, 2));
+    addDocument(s("D"), 4, QDate(2024, 2, 1));
+    addDocument(s("A"), 1, QDate(2024, 2, 3));
+    addDocument(s("C"), 3, QDate(2024, 2, 2));
+    m_list->setCategory(m_company->category(s("All Documents")));
+
+    QMenu* menu = m_list->sortButton()->menu();
+    for (int tag : tags) {
+        Q_EMIT menu->aboutToShow();
+        QAction* chosen = nullptr;
+        for (QAction* action : menu->actions()) {
+            if (!action->isSeparator() && action->data().toInt() == tag)
+                chosen = action;
+        }
+        QVERIFY2(chosen, qPrintable(QString::number(tag)));
+        chosen->trigger();
+        // The button names the key chosen last, as the menu's own entry does.
+        if (tag < 0)
+            QCOMPARE(m_list->sortButton()->text(), chosen->text());
+    }
+    QCOMPARE(column(0), numbers);
+
+    // The menu shows what is in force.
+    Q_EMIT menu->aboutToShow();
+    for (QAction* action : menu->actions()) {
+        if (action->data().toInt() == tags.first())
+            QVERIFY(action->isChecked());
+    }
+}
+
+void TestRecordListView::rightClickSelectsRowAlone()
+{
+    for (const char* name : {"Alpha", "Beta", "Gamma", "Delta"})
+        m_company->addClient(s(name));
+    m_list->setCategory(m_company->category(s("All Clients")));
+    selectRows({0, 1, 2});
+    QSignalSpy changed(m_list, &RecordListView::selectionChanged);
+
+    QTableView* table = m_list->table();
+    const QPoint position = table->visualRect(m_list->model()->index(3, 0)).center();
+    QContextMenuEvent click(QContextMenuEvent::Mouse, position, table->viewport()->mapToGlobal(position));
+    QApplication::sendEvent(table->viewport(), &click);
+
+    QCOMPARE(m_list->selectedRecords(), QList<Record*>{m_list->model()->recordAt(3)});
+    QVERIFY(changed.count() >= 1);
+    QCOMPARE(QApplication::focusWidget(), table);
+    QMenu* menu = m_commands->contextMenu(browse::ListKind::Clients);
+    QTRY_VERIFY(menu->isVisible());
+    QVERIFY(menuAction(menu, s("Delete…"))->isEnabled());
+    menu->close();
+}
+
+void TestRecordListView::deleteAsksFirst_data()
+{
+    QTest::addColumn<QString>("answer");
+    QTest::addColumn<bool>("kept");
+
+    QTest::newRow("Cancel keeps the client") << s("Cancel") << true;
+    QTest::newRow("Delete Client removes it") << s("Delete Client") << false;
+}
+
+void TestRecordListView::deleteAsksFirst()
+{
+    QFETCH(QString, answer);
+    QFETCH(bool, kept);
+
+    m_company->addClient(s("Acme Ltd"));
+    m_list->setCategory(m_company->category(s("All Clients")));
+    m_list->table()->selectRow(0);
+
+    m_company->prompter().addAnswer(answer);
+    menuAction(m_commands->contextMenu(browse::ListKind::Clients), s("Delete…"))->trigger();
+
+    const auto& asked = m_company->prompter().questions();
+    QCOMPARE(asked.size(), 1);
+    QCOMPARE(asked.at(0).title, s("Are you sure you want to delete the client \"Acme Ltd\"?"));
+    QCOMPARE(asked.at(0).text,
+             s("The chosen client is in use in 0 documents. This action cannot be undone."));
+    QCOMPARE(asked.at(0).buttons, (QStringList{s("Delete Client"), s("Cancel")}));
+    QCOMPARE(m_company->client(s("Acme Ltd")) != nullptr, kept);
+    QCOMPARE(column(0), kept ? QStringList{s("Acme Ltd")} : QStringList{});
+}
+
+void TestRecordListView::tagsMenuTogglesTag()
+{
+    Record* client = m_company->addClient(s("Acme Ltd"));
+    browse::CategoryTree(m_company->main()).newTag(s("Regulars"), 1, m_company->category(s("My Folder")));
+    m_company->save();
+    Record* tag = m_company->category(s("Regulars"));
+    QVERIFY(tag);
+    m_list->setCategory(m_company->category(s("All Clients")));
+    m_list->table()->selectRow(0);
+
+    for (bool carried : {true, false}) {
+        QMenu* tags = m_commands->contextMenu(browse::ListKind::Clients)->findChild<QMenu*>(s("tagsMenu"));
+        QAction* regulars = menuAction(tags, s("Regulars"));
+        QVERIFY(regulars);
+        QCOMPARE(regulars->isChecked(), !carried);
+        regulars->trigger();
+        QCOMPARE(client->relatedList(s("tags")).contains(tag), carried);
+        // The list read its rows again after the save; the client stays selected.
+        QCOMPARE(m_list->selectedRecords(), QList<Record*>{client});
+    }
+}
+
+void TestRecordListView::commandStates_data()
+{
+    QTest::addColumn<QList<int>>("rows");
+    QTest::addColumn<QStringList>("enabled");
+    QTest::addColumn<QStringList>("disabled");
+
+    // Rows in the default order, the newest first: the draft, then the final invoice.
+    QTest::newRow("final invoice") << QList<int>{1} << QStringList{s("Cancel Invoice…"), s("Save as PDF…")}
+                                   << QStringList{s("Send by Email…"), s("Print…")};
+    QTest::newRow("draft invoice") << QList<int>{0} << QStringList{s("Duplicate"), s("Preview")}
+                                   << QStringList{s("Cancel Invoice…")};
+    QTest::newRow("two documents") << QList<int>{0, 1} << QStringList{}
+                                   << QStringList{s("Duplicate"), s("Delete…"), s("Save as PDF…")};
+}
+
+void TestRecordListView::commandStates()
+{
+    QFETCH(QList<int>, rows);
+    QFETCH(QStringList, enabled);
+    QFETCH(QStringList, disabled);
+
+    Record* invoice = addDocument(s("RE-1"), 1, QDate(2024, 2, 1));
+    Record* draft = addDocument(s("Draft"), 0, QDate(2024, 2, 1), true);
+    draft->setValue(s("created"), QDateTime(QDate(2024, 1, 2), QTime(12, 0)));
+    m_company->save();
+    m_list->setCategory(m_company->category(s("All Documents")));
+    QCOMPARE(m_list->model()->recordAt(0), draft);
+    QCOMPARE(m_list->model()->recordAt(1), invoice);
+    selectRows(rows);
+
+    QMenu* menu = m_commands->contextMenu(browse::ListKind::Documents);
+    for (const QString& text : enabled)
+        QVERIFY2(menuAction(menu, text)->isEnabled(), qPrintable(text));
+    for (const QString& text : disabled)
+        QVERIFY2(!menuAction(menu, text)->isEnabled(), qPrintable(text));
+}
+
+void TestRecordListView::duplicateSelectsCopy()
+{
+    for (const char* name : {"Acme Ltd", "Zenith"})
+        m_company->addClient(s(name));
+    m_list->setCategory(m_company->category(s("All Clients")));
+    m_list->table()->selectRow(0);
+
+    m_commands->duplicateRecord();
+
+    QCOMPARE(column(0), (QStringList{s("Acme Ltd"), s("Acme Ltd Copy"), s("Zenith")}));
+    QCOMPARE(m_list->selectedRecords(), QList<Record*>{m_company->client(s("Acme Ltd Copy"))});
+}
+
+void TestRecordListView::selectionAcrossSaves_data()
+{
+    QTest::addColumn<QString>("changed");
+    QTest::addColumn<bool>("deleted");
+    QTest::addColumn<QStringList>("selected");
+    QTest::addColumn<int>("signals");
+
+    QTest::newRow("another client renamed") << s("Zenith") << false << QStringList{s("Acme Ltd")} << 0;
+    QTest::newRow("the selected client renamed") << s("Acme Ltd") << false << QStringList{s("Renamed")} << 0;
+    QTest::newRow("the selected client deleted") << s("Acme Ltd") << true << QStringList{} << 1;
+}
+
+void TestRecordListView::selectionAcrossSaves()
+{
+    QFETCH(QString, changed);
+    QFETCH(bool, deleted);
+    QFETCH(QStringList, selected);
+    QFETCH(int, signals);
+
+    for (const char* name : {"Acme Ltd", "Zenith"})
+        m_company->addClient(s(name));
+    m_list->setCategory(m_company->category(s("All Clients")));
+    m_list->table()->selectRow(0);
+    QSignalSpy spy(m_list, &RecordListView::selectionChanged);
+
+    Record* client = m_company->client(changed);
+    if (deleted)
+        m_company->main().deleteRecord(client);
+    else
+        // A company's shown name follows its company name.
+        client->setValue(s("company_name"), changed == s("Zenith") ? s("Aaron") : s("Renamed"));
+    m_company->save();
+
+    QStringList names;
+    for (const Record* record : m_list->selectedRecords())
+        names << record->value(s("full_name")).toString();
+    QCOMPARE(names, selected);
+    QCOMPARE(spy.count(), signals);
+}
+
+void TestRecordListView::largeListShowsFirstPage()
+{
+    constexpr int total = 5000;
+    for (int i = 0; i < total; ++i)
+        m_company->main().insertRecord(
+            s("Documents"),
+            {{s("type"), qint64(0)},
+             {s("draft"), false},
+             {s("number_formatted"), s("RE-%1").arg(i)},
+             {s("number"), qint64(i)},
+             {s("date_creation"), QDateTime(QDate(2020, 1, 1).addDays(i % 1500), QTime(12, 0))},
+             {s("created"), QDateTime(QDate(2020, 1, 1), QTime(12, 0)).addSecs(i)},
+             {s("identifier"), support::UUID()}});
+    m_company->save();
+
+    m_list->setCategory(m_company->category(s("All Documents")));
+    const int first = m_list->model()->rowCount();
+    QVERIFY2(first > 0 && first < total, qPrintable(QString::number(first)));
+
+    m_list->table()->scrollToBottom();
+    QTRY_VERIFY(m_list->model()->rowCount() > first);
+    QVERIFY(m_list->model()->rowCount() < total);
+}
+
+CORVANTA_UI_TEST_MAIN(TestRecordListView)
+#include "tst_recordlistview.moc"
