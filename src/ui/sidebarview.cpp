@@ -41,6 +41,12 @@ QString nameOf(const Record* node)
     return node->value(QStringLiteral("name")).toString();
 }
 
+// A group's name as a menu entry: an ampersand in it is shown, not taken for a mnemonic.
+QString menuText(const Record* group)
+{
+    return nameOf(group).replace(QLatin1Char('&'), QStringLiteral("&&"));
+}
+
 // The same node in another context, or null for none.
 Record* inContext(store::EditingContext& context, const Record* node)
 {
@@ -141,16 +147,17 @@ QMenu* SidebarView::buildAddMenu()
         action->setData(tag);
         connect(action, &QAction::triggered, this, [this, tag] { newNode(tag); });
     };
-    add(menu, tr("New Group"), NewGroupTag, "view-group", "newGroupAction");
-    add(menu, tr("New Folder"), NewFolderTag, "folder-new", "newFolderAction");
-    add(menu, tr("New Tag"), NewTagTag, "tag-new", "newTagAction");
-    QMenu* smart =
-        menu->addMenu(QIcon::fromTheme(QStringLiteral("folder-saved-search")), tr("New Smart Folder"));
+    add(menu, tr("New &Group"), NewGroupTag, "view-group", "newGroupAction");
+    add(menu, tr("New &Folder"), NewFolderTag, "folder-new", "newFolderAction");
+    add(menu, tr("New &Tag"), NewTagTag, "tag-new", "newTagAction");
+    QMenu* smart = menu->addMenu(QIcon::fromTheme(QStringLiteral("folder-saved-search"),
+                                                  QIcon::fromTheme(QStringLiteral("edit-find"))),
+                                 tr("New &Smart Folder"));
     smart->setObjectName(QStringLiteral("newSmartFolderMenu"));
-    add(smart, tr("Clients"), -1, "", "newClientsSmartFolderAction");
-    add(smart, tr("Items"), -2, "", "newItemsSmartFolderAction");
-    add(smart, tr("Documents"), -3, "", "newDocumentsSmartFolderAction");
-    add(smart, tr("To-Dos"), -4, "", "newToDosSmartFolderAction");
+    add(smart, tr("&Clients"), -1, "", "newClientsSmartFolderAction");
+    add(smart, tr("&Items"), -2, "", "newItemsSmartFolderAction");
+    add(smart, tr("&Documents"), -3, "", "newDocumentsSmartFolderAction");
+    add(smart, tr("T&o-Dos"), -4, "", "newToDosSmartFolderAction");
     return menu;
 }
 
@@ -158,16 +165,16 @@ QMenu* SidebarView::buildActionMenu()
 {
     auto* menu = new QMenu(this);
     menu->setObjectName(QStringLiteral("sidebarActionMenu"));
-    m_editAction = menu->addAction(QIcon::fromTheme(QStringLiteral("document-edit")), tr("Edit…"));
+    m_editAction = menu->addAction(QIcon::fromTheme(QStringLiteral("document-edit")), tr("&Edit…"));
     m_editAction->setObjectName(QStringLiteral("editCategoryAction"));
     connect(m_editAction, &QAction::triggered, this, &SidebarView::editSelected);
-    m_deleteAction = menu->addAction(QIcon::fromTheme(QStringLiteral("edit-delete")), tr("Delete"));
+    m_deleteAction = menu->addAction(QIcon::fromTheme(QStringLiteral("edit-delete")), tr("&Delete"));
     m_deleteAction->setObjectName(QStringLiteral("deleteCategoryAction"));
     connect(m_deleteAction, &QAction::triggered, this, &SidebarView::deleteSelected);
     menu->addSeparator();
-    m_renameGroupMenu = menu->addMenu(QIcon::fromTheme(QStringLiteral("edit-rename")), tr("Rename Group"));
+    m_renameGroupMenu = menu->addMenu(QIcon::fromTheme(QStringLiteral("edit-rename")), tr("&Rename Group"));
     m_renameGroupMenu->setObjectName(QStringLiteral("renameGroupMenu"));
-    m_deleteGroupMenu = menu->addMenu(QIcon::fromTheme(QStringLiteral("edit-delete")), tr("Delete Group"));
+    m_deleteGroupMenu = menu->addMenu(QIcon::fromTheme(QStringLiteral("edit-delete")), tr("De&lete Group"));
     m_deleteGroupMenu->setObjectName(QStringLiteral("deleteGroupMenu"));
     connect(menu, &QMenu::aboutToShow, this, &SidebarView::updateActions);
     return menu;
@@ -186,13 +193,13 @@ void SidebarView::rebuildGroupMenus()
         const RecordRef ref = group->ref();
         // Every group is listed, also those holding nodes the program assigns: deleting one of
         // those is refused with the reason when it is tried.
-        auto* rename = new QAction(nameOf(group), m_renameGroupMenu);
+        auto* rename = new QAction(menuText(group), m_renameGroupMenu);
         m_renameGroupMenu->addAction(rename);
         connect(rename, &QAction::triggered, this, [this, ref] {
             if (Record* node = m_model->recordAt(indexOf(ref)))
                 renameGroup(node);
         });
-        auto* remove = new QAction(nameOf(group), m_deleteGroupMenu);
+        auto* remove = new QAction(menuText(group), m_deleteGroupMenu);
         m_deleteGroupMenu->addAction(remove);
         connect(remove, &QAction::triggered, this, [this, ref] {
             if (Record* node = m_model->recordAt(indexOf(ref)))
