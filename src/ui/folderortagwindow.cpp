@@ -95,8 +95,8 @@ FolderOrTagWindow::FolderOrTagWindow(store::EditingContext& scratch, Mode mode, 
     m_informativeLabel = new QLabel(this);
     m_informativeLabel->setObjectName(s("informativeLabel"));
     m_informativeLabel->setWordWrap(true);
-    // Wide enough for the longest text to take two lines, not five.
-    m_informativeLabel->setMinimumWidth(fontMetrics().averageCharWidth() * 56);
+    // Wide enough for a folder's line to fit on one line and a tag's on two.
+    m_informativeLabel->setMinimumWidth(fontMetrics().averageCharWidth() * 64);
 
     m_nameEdit = new QLineEdit(node ? node->value(s("name")).toString() : QString(), this);
     m_nameEdit->setObjectName(s("nameEdit"));
@@ -260,6 +260,7 @@ QPushButton* FolderOrTagWindow::makeColorButton(const char* name, const QString&
     button->setToolTip(toolTip);
     button->setAccessibleName(toolTip);
     button->setAutoDefault(false);
+    button->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     const int height = fontMetrics().height();
     button->setIconSize(QSize(height * 3, height));
     return button;

@@ -62,6 +62,8 @@ PredicateEditorWindow::PredicateEditorWindow(store::Record* category, support::P
     m_conditionLabel->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     m_conditionLabel->setTextInteractionFlags(Qt::TextSelectableByMouse);
     m_conditionLabel->hide();
+    // A note is read in lines of a sensible length, not a narrow column.
+    m_noteLabel->setMinimumWidth(fontMetrics().averageCharWidth() * 56);
 
     m_rowsWidget = new QWidget;
     m_rowsLayout = new QVBoxLayout(m_rowsWidget);
@@ -167,6 +169,8 @@ void PredicateEditorWindow::addRows(const PredicateRow& row, const QList<int>& p
         connect(widget, &PredicateRowWidget::removeRequested, this, &PredicateEditorWindow::removeRow);
     }
     m_rowsLayout->addWidget(widget);
+    // Shown at once, not when the layout gets round to it: the rows are there to be used.
+    widget->show();
     m_rowWidgets << widget;
     for (qsizetype i = 0; i < row.children.size(); ++i)
         addRows(row.children.at(i), path + QList<int>{int(i)});
