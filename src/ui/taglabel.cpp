@@ -39,9 +39,13 @@ void TagLabel::paint(QPainter* painter, const QRect& rect, const QString& text, 
     const QFontMetrics metrics = painter->fontMetrics();
     const int padding = qMin(sidePadding(metrics), rect.width() / 4);
     const QRect textRect = rect.adjusted(padding, 0, -padding, 0);
+    // Whole pixels measure a name that fits its label exactly a fraction short: only a name
+    // wider than its label is elided.
+    const QString shown = metrics.horizontalAdvance(text) <= textRect.width()
+                              ? text
+                              : metrics.elidedText(text, Qt::ElideRight, textRect.width());
     painter->setPen(fg);
-    painter->drawText(textRect, Qt::AlignCenter | Qt::TextSingleLine,
-                      metrics.elidedText(text, Qt::ElideRight, textRect.width()));
+    painter->drawText(textRect, Qt::AlignCenter | Qt::TextSingleLine, shown);
     painter->restore();
 }
 
