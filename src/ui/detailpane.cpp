@@ -109,6 +109,7 @@ DetailPane::~DetailPane()
 {
     // The page may outlive the pane while the engine shuts it down; it must not call back.
     page()->setUrlRequestInterceptor(nullptr);
+    page()->setWebChannel(nullptr);
     disconnect(page(), nullptr, this, nullptr);
 }
 

@@ -30,6 +30,8 @@ namespace {
 
 // A page more than the selection needs is read at most this many times.
 constexpr int kPagesToFind = 50;
+// No column is made wider than this many average characters to fit its values.
+constexpr int kWidestColumn = 40;
 
 // The width of a column in average characters, by the attribute it shows.
 int columnCharacters(const QString& key)
@@ -71,7 +73,6 @@ RecordListView::RecordListView(store::Store& store, support::Prompter& prompter,
     m_sortButton->setObjectName(QStringLiteral("sortButton"));
     m_sortButton->setPopupMode(QToolButton::InstantPopup);
     m_sortButton->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    m_sortButton->setIcon(QIcon::fromTheme(QStringLiteral("view-sort")));
     m_sortButton->setAutoRaise(true);
     m_sortButton->setMenu(m_sortMenu);
     m_sortButton->setToolTip(tr("Order of the list"));
@@ -223,7 +224,11 @@ void RecordListView::updateSortButton()
 {
     const bool sortable = kind() != browse::ListKind::None;
     const QString title = sortable ? SortMenu::buttonTitle(m_model->sortDescriptors()) : QString();
-    m_sortButton->setText(title.isEmpty() ? tr("Sort") : title);
+    m_sortButton->setText(sortable && title.isEmpty() ? tr("Sort") : title);
+    const QList<store::SortDescriptor> sort = m_model->sortDescriptors();
+    const bool ascending = sort.isEmpty() || sort.first().ascending;
+    m_sortButton->setIcon(QIcon::fromTheme(ascending ? QStringLiteral("view-sort-ascending")
+                                                     : QStringLiteral("view-sort-descending")));
     m_sortButton->setEnabled(sortable);
     m_sortLabel->setEnabled(sortable);
 }
@@ -236,7 +241,7 @@ void RecordListView::modelAboutToBeReset()
 
 void RecordListView::modelWasReset()
 {
-    if (m_model->kind() != m_sizedKind)
+    if (m_model->kind() != m_sizedKind || (!m_sizedWithRows && m_model->rowCount() > 0))
         sizeColumns();
     QItemSelection selection;
     QModelIndex current;
@@ -287,10 +292,20 @@ void RecordListView::contextMenuAt(const QPoint& position)
 void RecordListView::sizeColumns()
 {
     m_sizedKind = m_model->kind();
+    m_sizedWithRows = m_model->rowCount() > 0;
     const QStringList keys = m_model->columnKeys();
     const int character = fontMetrics().averageCharWidth();
-    for (int column = 0; column < keys.size(); ++column)
-        m_table->horizontalHeader()->resizeSection(column, columnCharacters(keys.at(column)) * character);
+    QHeaderView* header = m_table->horizontalHeader();
+    // The last column takes the rest of the width; the others fit the first page's values, within
+    // reason, or a width for their kind of value while the list is empty.
+    for (int column = 0; column + 1 < keys.size(); ++column) {
+        int width = columnCharacters(keys.at(column)) * character;
+        if (m_sizedWithRows) {
+            m_table->resizeColumnToContents(column);
+            width = qMin(header->sectionSize(column) + 2 * character, kWidestColumn * character);
+        }
+        header->resizeSection(column, width);
+    }
 }
 
 bool RecordListView::showElidedText(const QPoint& position, const QPoint& globalPosition)

@@ -81,6 +81,7 @@ private:
     bool m_resetting = false;
     bool m_keepSelection = true;
     browse::ListKind m_sizedKind = browse::ListKind::None;
+    bool m_sizedWithRows = false;
 };
 
 } // namespace corvanta::ui
