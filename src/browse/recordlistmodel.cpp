@@ -275,9 +275,20 @@ QVariant RecordListModel::data(const QModelIndex& index, int role) const
 QVariant RecordListModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
     const QList<Column>& columns = columnsOf(m_kind);
-    if (orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 || section >= columns.size())
+    if (orientation != Qt::Horizontal || section < 0 || section >= columns.size())
         return {};
-    return tr(columns.at(section).title);
+    const Column& column = columns.at(section);
+    switch (role) {
+    case Qt::DisplayRole:
+        return tr(column.title);
+    case Qt::TextAlignmentRole:
+        // A title stands over its values.
+        if (column.shown == Column::Shown::Number || column.shown == Column::Shown::DocumentTotal)
+            return QVariant::fromValue(Qt::AlignRight | Qt::AlignVCenter);
+        return QVariant::fromValue(Qt::AlignLeft | Qt::AlignVCenter);
+    default:
+        return {};
+    }
 }
 
 QHash<int, QByteArray> RecordListModel::roleNames() const
