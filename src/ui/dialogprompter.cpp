@@ -1,0 +1,112 @@
+#include "dialogprompter.h"
+
+#include <QApplication>
+#include <QFileDialog>
+#include <QInputDialog>
+#include <QMessageBox>
+#include <QPushButton>
+
+namespace corvanta::ui {
+
+namespace {
+
+// A question that ends in "This action cannot be undone." destroys something: it warns.
+QMessageBox::Icon iconFor(const QString& text, const QStringList& buttons)
+{
+    if (text.contains(QLatin1String("cannot be undone")))
+        return QMessageBox::Warning;
+    return buttons.size() > 1 ? QMessageBox::Question : QMessageBox::Information;
+}
+
+bool isCancel(const QString& button)
+{
+    return button == QCoreApplication::translate("DialogPrompter", "Cancel") ||
+           button == QLatin1String("Cancel");
+}
+
+} // namespace
+
+DialogPrompter::DialogPrompter(QWidget* window)
+    : m_window(window)
+{}
+
+QWidget* DialogPrompter::parentWindow() const
+{
+    // The window in front (a sheet when one is open) is where a question belongs.
+    if (QWidget* active = QApplication::activeWindow())
+        return active;
+    return m_window ? m_window->window() : nullptr;
+}
+
+QString DialogPrompter::alert(const QString& title, const QString& text, const QStringList& buttons)
+{
+    QWidget* parent = parentWindow();
+    QMessageBox box(parent);
+    box.setObjectName(QStringLiteral("alert"));
+    box.setWindowTitle(title);
+    box.setText(QStringLiteral("<b>%1</b>").arg(title.toHtmlEscaped()));
+    box.setTextFormat(Qt::RichText);
+    box.setInformativeText(text.toHtmlEscaped().replace(QLatin1Char('\n'), QLatin1String("<br>")));
+    box.setIcon(iconFor(text, buttons));
+    if (parent)
+        box.setWindowModality(Qt::WindowModal);
+
+    QList<QPushButton*> pushButtons;
+    const QStringList shown =
+        buttons.isEmpty() ? QStringList{QApplication::translate("DialogPrompter", "OK")} : buttons;
+    for (const QString& button : shown) {
+        const QMessageBox::ButtonRole role =
+            isCancel(button) ? QMessageBox::RejectRole : QMessageBox::AcceptRole;
+        QPushButton* pushButton = box.addButton(button, role);
+        pushButton->setObjectName(QStringLiteral("alertButton%1").arg(pushButtons.size()));
+        pushButtons.append(pushButton);
+    }
+    box.setDefaultButton(pushButtons.first());
+    // Escape answers "Cancel"; an alert without one is dismissed by Escape with its only button
+    // or, with several, by its last (the one that keeps things as they are, "Don't Cancel").
+    QPushButton* escape = pushButtons.last();
+    for (int i = 0; i < shown.size(); ++i) {
+        if (isCancel(shown.at(i)))
+            escape = pushButtons.at(i);
+    }
+    box.setEscapeButton(escape);
+
+    box.exec();
+    const int chosen = pushButtons.indexOf(qobject_cast<QPushButton*>(box.clickedButton()));
+    return chosen >= 0 ? shown.at(chosen) : QString();
+}
+
+std::optional<QString> DialogPrompter::chooseFolder(const QString& title)
+{
+    const QString folder = QFileDialog::getExistingDirectory(parentWindow(), title);
+    if (folder.isEmpty())
+        return std::nullopt;
+    return folder;
+}
+
+std::optional<QString> DialogPrompter::chooseFile(const QString& title, const QStringList& extensions)
+{
+    QStringList patterns;
+    for (const QString& extension : extensions)
+        patterns.append(QStringLiteral("*.") + extension);
+    QString filter;
+    if (!patterns.isEmpty())
+        filter = QApplication::translate("DialogPrompter", "Files (%1)").arg(patterns.join(QLatin1Char(' ')));
+    const QString file = QFileDialog::getOpenFileName(parentWindow(), title, QString(), filter);
+    if (file.isEmpty())
+        return std::nullopt;
+    return file;
+}
+
+std::optional<QString> DialogPrompter::askText(const QString& title, const QString& label,
+                                               const QString& initial)
+{
+    bool accepted = false;
+    const QString text =
+        QInputDialog::getText(parentWindow(), title, label, QLineEdit::Normal, initial, &accepted);
+    if (!accepted)
+        return std::nullopt;
+    return text;
+}
+
+} // namespace corvanta::ui
