@@ -1,0 +1,252 @@
+#include "app/companiesmenu.h"
+#include "browse/sidebarmodel.h"
+#include "ui/browserview.h"
+#include "ui/mainwindow.h"
+#include "ui/recordlistview.h"
+#include "ui/sidebarview.h"
+#include "uitestsupport.h"
+
+#include <QAction>
+#include <QDir>
+#include <QLineEdit>
+#include <QMenu>
+#include <QTableView>
+#include <QTreeView>
+#include <QVBoxLayout>
+
+using namespace corvanta;
+using namespace corvanta::ui;
+using namespace corvanta::ui::testing;
+using app::Command;
+using app::WindowKind;
+
+namespace {
+
+// A window with rows, as the list windows and the document editor tell the rules about
+// themselves; it counts the row commands it receives.
+class RowsWindow : public QWidget
+{
+    Q_OBJECT
+
+public:
+    RowsWindow(WindowKind kind, int selectedRows)
+    {
+        setProperty(MainWindow::windowKindProperty(), int(kind));
+        setProperty("canAdd", true);
+        setProperty("selectedRowCount", selectedRows);
+        auto* layout = new QVBoxLayout(this);
+        field = new QLineEdit;
+        layout->addWidget(field);
+    }
+
+    QLineEdit* field = nullptr;
+    int deleted = 0;
+
+public Q_SLOTS:
+    void addRow() {}
+    void deleteRow() { ++deleted; }
+};
+
+} // namespace
+
+class TestMainWindow : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void browserCommands_data();
+    void browserCommands();
+    void keyWindowRows_data();
+    void keyWindowRows();
+    void deleteAsksFirst();
+    void windowTagsOpenNothingYet();
+    void companiesMenu();
+    void quittingWritesTheBackup();
+
+private:
+    void selectNode(const QString& name);
+    void activate(QWidget* window);
+    bool enabled(Command command) { return m_window->commandAction(command)->isEnabled(); }
+
+    std::unique_ptr<UiCompany> m_company;
+    std::unique_ptr<MainWindow> m_window;
+};
+
+void TestMainWindow::init()
+{
+    m_company = std::make_unique<UiCompany>();
+    m_company->addClient(s("Acme Ltd"));
+    m_company->addInvoice(s("INV-0001"), 120);
+    m_window = std::make_unique<MainWindow>(m_company->core(), m_company->prompter());
+    activate(m_window.get());
+}
+
+void TestMainWindow::cleanup()
+{
+    m_window.reset();
+    m_company.reset();
+}
+
+void TestMainWindow::activate(QWidget* window)
+{
+    window->show();
+    window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(window));
+    m_window->updateCommandStates();
+}
+
+void TestMainWindow::selectNode(const QString& name)
+{
+    SidebarView* sidebar = m_window->browserView()->sidebar();
+    const QModelIndex index = sidebar->model()->indexOf(m_company->category(name));
+    QVERIFY2(index.isValid(), qPrintable(name));
+    sidebar->tree()->setCurrentIndex(index);
+}
+
+void TestMainWindow::browserCommands_data()
+{
+    QTest::addColumn<QString>("node");
+    QTest::addColumn<bool>("selectRow");
+    QTest::addColumn<QList<bool>>("expected"); // Duplicate, Delete, Preview, New, Edit, Save
+
+    QTest::newRow("a client selected")
+        << s("All Clients") << true << QList<bool>{true, true, false, false, false, false};
+    QTest::newRow("an invoice selected")
+        << s("All Documents") << true << QList<bool>{true, true, true, false, false, false};
+    QTest::newRow("nothing selected")
+        << s("All Clients") << false << QList<bool>{false, false, false, false, false, false};
+}
+
+void TestMainWindow::browserCommands()
+{
+    QFETCH(QString, node);
+    QFETCH(bool, selectRow);
+    QFETCH(QList<bool>, expected);
+
+    selectNode(node);
+    QTableView* table = m_window->browserView()->recordList()->table();
+    table->clearSelection();
+    if (selectRow)
+        table->selectRow(0);
+    table->setFocus();
+    m_window->updateCommandStates();
+    // New and Edit open the editors, which the program does not have yet; Save belongs to them.
+    const QList<Command> commands{Command::Duplicate, Command::Delete, Command::Preview,
+                                  Command::New,       Command::Edit,   Command::Save};
+    for (int i = 0; i < commands.size(); ++i)
+        QVERIFY2(enabled(commands.at(i)) == expected.at(i),
+                 qPrintable(m_window->commandAction(commands.at(i))->text()));
+}
+
+void TestMainWindow::keyWindowRows_data()
+{
+    QTest::addColumn<WindowKind>("kind");
+    QTest::addColumn<int>("selectedRows");
+    QTest::addColumn<bool>("typing");
+    QTest::addColumn<bool>("enabled");
+
+    QTest::newRow("list window, one row") << WindowKind::TaxesList << 1 << false << true;
+    QTest::newRow("list window, two rows") << WindowKind::TaxesList << 2 << false << false;
+    QTest::newRow("list window, typing in a field") << WindowKind::TaxesList << 1 << true << false;
+    QTest::newRow("a window without rows") << WindowKind::Other << 1 << false << false;
+}
+
+void TestMainWindow::keyWindowRows()
+{
+    QFETCH(WindowKind, kind);
+    QFETCH(int, selectedRows);
+    QFETCH(bool, typing);
+    QFETCH(bool, enabled);
+
+    selectNode(s("All Clients"));
+    m_window->browserView()->recordList()->table()->selectRow(0);
+    RowsWindow rows(kind, selectedRows);
+    activate(&rows);
+    if (typing) {
+        rows.field->setFocus();
+        QTRY_VERIFY(rows.field->hasFocus());
+    } else {
+        rows.setFocus();
+    }
+    m_window->updateCommandStates();
+    QCOMPARE(this->enabled(Command::Delete), enabled);
+
+    // The command goes to the window in front, never to the browser's client behind it.
+    m_window->commandAction(Command::Delete)->trigger();
+    QCOMPARE(rows.deleted, enabled ? 1 : 0);
+    QVERIFY(m_company->prompter().questions().isEmpty());
+    QVERIFY(m_company->client(s("Acme Ltd")));
+}
+
+void TestMainWindow::deleteAsksFirst()
+{
+    selectNode(s("All Clients"));
+    m_window->browserView()->recordList()->table()->selectRow(0);
+    m_window->updateCommandStates();
+
+    m_company->prompter().addAnswer(s("Cancel"));
+    m_window->commandAction(Command::Delete)->trigger();
+    const auto& asked = m_company->prompter().questions();
+    QCOMPARE(asked.size(), 1);
+    QCOMPARE(asked.at(0).title, s("Are you sure you want to delete the client \"Acme Ltd\"?"));
+    QCOMPARE(asked.at(0).text,
+             s("The chosen client is in use in 0 documents. This action cannot be undone."));
+    QCOMPARE(asked.at(0).buttons, (QStringList{s("Delete Client"), s("Cancel")}));
+    QVERIFY(m_company->client(s("Acme Ltd")));
+
+    m_company->prompter().addAnswer(s("Delete Client"));
+    m_window->commandAction(Command::Delete)->trigger();
+    QVERIFY(!m_company->client(s("Acme Ltd")));
+    QCOMPARE(m_window->browserView()->recordList()->table()->model()->rowCount(), 0);
+}
+
+void TestMainWindow::windowTagsOpenNothingYet()
+{
+    const QList<QAction*> actions = m_window->findChildren<QAction*>(QRegularExpression(s("^actionWindow")));
+    QCOMPARE(actions.size(), 14);
+    const int windows = QApplication::topLevelWidgets().size();
+    for (QAction* action : actions) {
+        QVERIFY2(!action->isEnabled(), qPrintable(action->text()));
+        QVERIFY(!m_window->openWindow(action->data().toInt()));
+    }
+    QVERIFY(!m_window->openWindow(5));
+    QCOMPARE(QApplication::topLevelWidgets().size(), windows);
+}
+
+void TestMainWindow::companiesMenu()
+{
+    auto* menu = m_window->findChild<QMenu*>(s("companyDatabasesMenu"));
+    QVERIFY(menu);
+    QStringList titles;
+    for (QAction* action : menu->actions())
+        titles << (action->isSeparator() ? s("-") : action->text());
+    QCOMPARE(titles,
+             (QStringList{s("New Local Database"), s("New Remote Database"), s("Add Existing Database"),
+                          s("Save Local Database to Desktop"), s("-"), s("My Company")}));
+    QAction* open = menu->actions().last();
+    QVERIFY(open->isChecked());
+    QStringList items;
+    for (QAction* action : open->menu()->actions())
+        items << action->text();
+    QCOMPARE(items, (QStringList{s("Database Path"), s("Rename")}));
+}
+
+void TestMainWindow::quittingWritesTheBackup()
+{
+    selectNode(s("All Documents"));
+    QVERIFY(m_window->close());
+
+    const QDir backups(QDir(m_company->folders().folders().documents).filePath(s("Corvanta Backup")));
+    QCOMPARE(backups.entryList({s("CorvantaBackup*.zip")}, QDir::Files),
+             QStringList{s("CorvantaBackup%1.zip").arg(QDate::currentDate().toString(s("yyyyMMdd")))});
+    // The sidebar's selection was kept with the company.
+    store::Record* company = m_company->main().fetchFirst(store::FetchRequest(s("MyCompany")));
+    const QList<store::Record*> selected = company->relatedList(s("category_selected"));
+    QCOMPARE(selected.size(), 1);
+    QCOMPARE(selected.first()->value(s("name")).toString(), s("All Documents"));
+}
+
+CORVANTA_UI_TEST_MAIN(TestMainWindow)
+#include "tst_mainwindow.moc"
