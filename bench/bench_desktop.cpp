@@ -96,6 +96,31 @@ void addSidebarGroups(store::EditingContext& context)
                                                                     {s("indexpath"), path + s("000")}});
         all->setRelated(s("parent"), group);
     }
+    // The smart folders a new company has, whose counts cost the most.
+    const struct
+    {
+        const char* name;
+        int type;
+        const char* predicate;
+    } smartFolders[] = {
+        {"Critical Stock", -2, "stock_current <= stock_critical && type == 1"},
+        {"Paid Invoices", -3, "sum_total == payments.@sum.amount && type == 0 && draft == NO"},
+        {"Unpaid Invoices", -3,
+         "sum_total != payments.@sum.amount && type == 0 && draft == NO && cancel_reference == NULL"},
+        {"Draft Invoices", -3, "draft == YES"},
+    };
+    int position = 1;
+    for (const auto& folder : smartFolders) {
+        store::Record* group = category(context, folder.type == -2 ? "Items" : "Documents");
+        store::Record* node = context.insertRecord(
+            s("Categories"),
+            {{s("name"), s(folder.name)},
+             {s("type"), folder.type},
+             {s("predicate"), s(folder.predicate)},
+             {s("indexpath"), group->value(s("indexpath")).toString() +
+                                  QStringLiteral("%1").arg(position++, 3, 10, QLatin1Char('0'))}});
+        node->setRelated(s("parent"), group);
+    }
     if (!context.fetchFirst(store::FetchRequest(s("MyCompany"))))
         context.insertRecord(s("MyCompany"), {{s("name"), s("Big Company")}});
     store::StoreError error;

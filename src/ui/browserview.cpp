@@ -28,8 +28,8 @@ BrowserView::BrowserView(store::Store& store, support::Prompter& prompter, QWidg
     m_inner->setObjectName(QStringLiteral("listDetailSplitter"));
     m_inner->addWidget(m_list);
     m_inner->addWidget(m_detail);
-    m_inner->setStretchFactor(0, 3);
-    m_inner->setStretchFactor(1, 2);
+    m_inner->setStretchFactor(0, 1);
+    m_inner->setStretchFactor(1, 1);
     m_inner->setChildrenCollapsible(false);
 
     m_outer = new QSplitter(Qt::Horizontal);
@@ -39,7 +39,9 @@ BrowserView::BrowserView(store::Store& store, support::Prompter& prompter, QWidg
     m_outer->setStretchFactor(0, 0);
     m_outer->setStretchFactor(1, 1);
     m_outer->setChildrenCollapsible(false);
-    m_outer->setSizes({fontMetrics().averageCharWidth() * 30, fontMetrics().averageCharWidth() * 130});
+    const int character = fontMetrics().averageCharWidth();
+    m_outer->setSizes({character * 38, character * 160});
+    m_inner->setSizes({character * 85, character * 75});
 
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);

@@ -9,6 +9,7 @@
 #include <QGuiApplication>
 #include <QIcon>
 #include <QProcess>
+#include <QStandardPaths>
 
 namespace corvanta::ui {
 
@@ -37,6 +38,13 @@ bool DesktopApplication::start()
     // Icons come by their freedesktop names from the desktop's theme; a desktop without one (or
     // with only the bare "hicolor") gets them from the breeze theme that set-up installs.
     QIcon::setFallbackThemeName(QStringLiteral("breeze"));
+    QStringList searchPaths = QIcon::themeSearchPaths();
+    for (const QString& folder : QStandardPaths::locateAll(
+             QStandardPaths::GenericDataLocation, QStringLiteral("icons"), QStandardPaths::LocateDirectory)) {
+        if (!searchPaths.contains(folder))
+            searchPaths.append(folder);
+    }
+    QIcon::setThemeSearchPaths(searchPaths);
     if (QIcon::themeName().isEmpty() || QIcon::themeName() == QLatin1String("hicolor"))
         QIcon::setThemeName(QStringLiteral("breeze"));
     QGuiApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("org.corvanta.Corvanta"),

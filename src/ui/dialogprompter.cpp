@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QFileDialog>
 #include <QInputDialog>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -44,9 +45,17 @@ QString DialogPrompter::alert(const QString& title, const QString& text, const Q
     QMessageBox box(parent);
     box.setObjectName(QStringLiteral("alert"));
     box.setWindowTitle(title);
-    box.setText(QStringLiteral("<b>%1</b>").arg(title.toHtmlEscaped()));
-    box.setTextFormat(Qt::RichText);
-    box.setInformativeText(text.toHtmlEscaped().replace(QLatin1Char('\n'), QLatin1String("<br>")));
+    // Titles and texts hold record values ("A & B Ltd"): they are shown as plain text, never markup.
+    box.setTextFormat(Qt::PlainText);
+    box.setText(title);
+    box.setInformativeText(text);
+    if (auto* label = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"))) {
+        QFont bold = label->font();
+        bold.setBold(true);
+        label->setFont(bold);
+    }
+    if (auto* label = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel")))
+        label->setTextFormat(Qt::PlainText);
     box.setIcon(iconFor(text, buttons));
     if (parent)
         box.setWindowModality(Qt::WindowModal);

@@ -247,7 +247,7 @@ void SidebarDelegate::paint(QPainter* painter, const QStyleOptionViewItem& optio
         painter->setFont(opt.font);
         TagLabel::paint(painter, layout.name, layout.shownName,
                         foreground.isValid() ? foreground : opt.palette.color(group, QPalette::Text),
-                        background.isValid() ? background : opt.palette.color(group, QPalette::Midlight));
+                        background.isValid() ? background : opt.palette.color(group, QPalette::Dark));
         if (selected) {
             // A thin ring in the selected text's colour keeps the label apart from the highlight.
             painter->setRenderHint(QPainter::Antialiasing, true);
