@@ -1,6 +1,7 @@
 #include "folderortagwindow.h"
 
 #include "browse/categorytree.h"
+#include "sheetbuttons.h"
 #include "store/editingcontext.h"
 #include "store/record.h"
 #include "store/store.h"
@@ -163,18 +164,11 @@ FolderOrTagWindow::FolderOrTagWindow(store::EditingContext& scratch, Mode mode, 
         updatePreview();
     }
 
-    m_cancelButton = new QPushButton(tr("Cancel"), this);
-    m_cancelButton->setObjectName(s("cancelButton"));
-    m_cancelButton->setAutoDefault(false);
-    m_saveButton = new QPushButton(tr("Save"), this);
-    m_saveButton->setObjectName(s("saveButton"));
-    m_saveButton->setDefault(true);
-    connect(m_cancelButton, &QPushButton::clicked, this, &QDialog::reject);
+    const SheetButtons sheetButtons = SheetButtons::make(this);
+    m_cancelButton = sheetButtons.cancel;
+    m_saveButton = sheetButtons.save;
     connect(m_saveButton, &QPushButton::clicked, this, &FolderOrTagWindow::save);
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch(1);
-    buttons->addWidget(m_cancelButton);
-    buttons->addWidget(m_saveButton);
+    QHBoxLayout* buttons = sheetButtons.layout;
 
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(m_titleLabel);

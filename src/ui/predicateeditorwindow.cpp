@@ -1,6 +1,7 @@
 #include "predicateeditorwindow.h"
 
 #include "predicaterowwidget.h"
+#include "sheetbuttons.h"
 #include "store/record.h"
 #include "support/prompter.h"
 
@@ -77,18 +78,11 @@ PredicateEditorWindow::PredicateEditorWindow(store::Record* category, support::P
     m_rowsArea->setWidgetResizable(true);
     m_rowsArea->setWidget(m_rowsWidget);
 
-    m_cancelButton = new QPushButton(tr("Cancel"), this);
-    m_cancelButton->setObjectName(s("cancelButton"));
-    m_cancelButton->setAutoDefault(false);
-    m_saveButton = new QPushButton(tr("Save"), this);
-    m_saveButton->setObjectName(s("saveButton"));
-    m_saveButton->setDefault(true);
-    connect(m_cancelButton, &QPushButton::clicked, this, &QDialog::reject);
+    const SheetButtons sheetButtons = SheetButtons::make(this);
+    m_cancelButton = sheetButtons.cancel;
+    m_saveButton = sheetButtons.save;
     connect(m_saveButton, &QPushButton::clicked, this, &PredicateEditorWindow::save);
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch(1);
-    buttons->addWidget(m_cancelButton);
-    buttons->addWidget(m_saveButton);
+    QHBoxLayout* buttons = sheetButtons.layout;
 
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(form);
