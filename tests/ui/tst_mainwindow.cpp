@@ -60,7 +60,6 @@ private Q_SLOTS:
     void browserCommands();
     void keyWindowRows_data();
     void keyWindowRows();
-    void deleteAsksFirst();
     void windowTagsOpenNothingYet();
     void companiesMenu();
     void quittingWritesTheBackup();
@@ -178,28 +177,6 @@ void TestMainWindow::keyWindowRows()
     QCOMPARE(rows.deleted, enabled ? 1 : 0);
     QVERIFY(m_company->prompter().questions().isEmpty());
     QVERIFY(m_company->client(s("Acme Ltd")));
-}
-
-void TestMainWindow::deleteAsksFirst()
-{
-    selectNode(s("All Clients"));
-    m_window->browserView()->recordList()->table()->selectRow(0);
-    m_window->updateCommandStates();
-
-    m_company->prompter().addAnswer(s("Cancel"));
-    m_window->commandAction(Command::Delete)->trigger();
-    const auto& asked = m_company->prompter().questions();
-    QCOMPARE(asked.size(), 1);
-    QCOMPARE(asked.at(0).title, s("Are you sure you want to delete the client \"Acme Ltd\"?"));
-    QCOMPARE(asked.at(0).text,
-             s("The chosen client is in use in 0 documents. This action cannot be undone."));
-    QCOMPARE(asked.at(0).buttons, (QStringList{s("Delete Client"), s("Cancel")}));
-    QVERIFY(m_company->client(s("Acme Ltd")));
-
-    m_company->prompter().addAnswer(s("Delete Client"));
-    m_window->commandAction(Command::Delete)->trigger();
-    QVERIFY(!m_company->client(s("Acme Ltd")));
-    QCOMPARE(m_window->browserView()->recordList()->table()->model()->rowCount(), 0);
 }
 
 void TestMainWindow::windowTagsOpenNothingYet()
