@@ -22,6 +22,7 @@ BrowserView::BrowserView(store::Store& store, support::Prompter& prompter, QWidg
     m_sidebar = new SidebarView(store, prompter);
     m_list = new RecordListView(store, prompter);
     m_detail = new DetailPane(store);
+    m_detail->setPrompter(&prompter);
     m_commands = new BrowserCommands(store, prompter, *m_list, this);
 
     m_inner = new QSplitter(Qt::Horizontal);
