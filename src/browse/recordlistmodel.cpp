@@ -69,7 +69,8 @@ const QList<RecordListModel::Column>& RecordListModel::columnsOf(ListKind kind)
                                        {"phones", QT_TR_NOOP("Phone"), S::List}};
     static const QList<Column> items{{"name", QT_TR_NOOP("Name"), S::Text},
                                      {"code", QT_TR_NOOP("Code"), S::Text},
-                                     {"unit_price", QT_TR_NOOP("Price"), S::Number},
+                                     // An item's first price level is its unit price.
+                                     {"custom_price01", QT_TR_NOOP("Price"), S::Number},
                                      {"stock_current", QT_TR_NOOP("Stock"), S::Number}};
     static const QList<Column> documents{{"number_formatted", QT_TR_NOOP("Number"), S::Text},
                                          {"date_creation", QT_TR_NOOP("Date"), S::Date},

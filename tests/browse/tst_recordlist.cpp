@@ -273,6 +273,9 @@ void tst_RecordList::rowRoles()
     QCOMPARE(model.index(last, 2).data().toString(), s("Alpha AG"));
     QCOMPARE(model.index(last, 3).data(Qt::EditRole).toDouble(), 10.0);
     QVERIFY(model.index(last, 3).data().toString().contains(s("10")));
+    // An item's price is its first price level.
+    model.setCategory(company.category(s("All Items")));
+    QCOMPARE(model.index(0, 2).data(Qt::EditRole).toDouble(), 4.0);
 }
 
 void tst_RecordList::sortMenuEntries()
