@@ -17,6 +17,7 @@
 #include <QScrollBar>
 #include <QStyle>
 #include <QVBoxLayout>
+#include <algorithm>
 
 namespace corvanta::ui {
 
@@ -143,7 +144,10 @@ void PredicateEditorWindow::showRows(const PredicateRow& root, const QList<int>&
     updateTabOrder();
 
     for (PredicateRowWidget* row : std::as_const(m_rowWidgets)) {
-        if (row->path() != focusPath || focusName.isEmpty())
+        // Compared element by element: Qt 6.4 compares two empty lists of ints with a null memcmp.
+        const QList<int>& path = row->path();
+        if (focusName.isEmpty() || path.size() != focusPath.size() ||
+            !std::equal(path.cbegin(), path.cend(), focusPath.cbegin()))
             continue;
         if (auto* control = row->findChild<QWidget*>(focusName); control && control->isEnabled())
             control->setFocus(Qt::OtherFocusReason);
