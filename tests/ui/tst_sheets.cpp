@@ -108,7 +108,9 @@ private:
     std::unique_ptr<store::EditingContext> fresh() { return m_store->newContext(); }
     QString storedCondition(const QString& name)
     {
-        const Record* folder = category(*fresh(), name);
+        // The context that read it must outlive the read.
+        const auto context = fresh();
+        const Record* folder = category(*context, name);
         return folder ? folder->value(s("predicate")).toString() : s("(none)");
     }
     // The condition `root` as the rows of `kind` write it.
