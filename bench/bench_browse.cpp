@@ -3,6 +3,7 @@
 // first page of each list, each against hand-written SQL that asks the same question, side by
 // side in one run.
 
+#include "benchoutput.h"
 #include "browse/categorycounts.h"
 #include "browse/recordlistmodel.h"
 #include "browse/reportoptions.h"
@@ -29,24 +30,14 @@
 #include <functional>
 
 using namespace corvanta;
+using bench::medianOf;
+using bench::out;
 
 namespace {
 
 QString s(const char* text)
 {
     return QString::fromLatin1(text);
-}
-
-QTextStream& out()
-{
-    static QTextStream stream(stdout);
-    return stream;
-}
-
-double medianOf(QList<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values.at(values.size() / 2);
 }
 
 double millisecondsOf(const std::function<void()>& work)

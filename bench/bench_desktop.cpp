@@ -2,6 +2,7 @@
 // from choosing "All Documents" to its list drawn (against loading every document at once, as a
 // list without paging would), and the sidebar's recount after a save.
 #include "app/applicationcore.h"
+#include "benchoutput.h"
 #include "browse/sidebarmodel.h"
 #include "browse/sidebarstate.h"
 #include "companies/databaselist.h"
@@ -29,24 +30,14 @@
 #include <QWindow>
 
 using namespace corvanta;
+using bench::medianOf;
+using bench::out;
 
 namespace {
 
 QString s(const char* text)
 {
     return QString::fromLatin1(text);
-}
-
-QTextStream& out()
-{
-    static QTextStream stream(stdout);
-    return stream;
-}
-
-double medianOf(QList<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values.at(values.size() / 2);
 }
 
 double msSince(const QElapsedTimer& timer)

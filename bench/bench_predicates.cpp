@@ -2,6 +2,7 @@
 // the store compiles from each folder's predicate against a hand-written query of the same
 // meaning, side by side in one run, and all default counts together.
 
+#include "benchoutput.h"
 #include "companygenerator.h"
 #include "model/companydatabase.h"
 #include "predicate/parser.h"
@@ -19,14 +20,10 @@
 #include <algorithm>
 
 using namespace corvanta;
+using bench::medianOf;
+using bench::out;
 
 namespace {
-
-QTextStream& out()
-{
-    static QTextStream stream(stdout);
-    return stream;
-}
 
 struct Folder
 {
@@ -37,12 +34,6 @@ struct Folder
     QString handWritten; // SQL of the same meaning
     QVariantList handArguments;
 };
-
-double medianOf(QList<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values.at(values.size() / 2);
-}
 
 // The smart folders every new company has, and one folder per tag.
 QList<Folder> sidebarFolders(store::EditingContext& context)
