@@ -24,8 +24,12 @@ fi
 scratch="$(mktemp -d)"
 trap 'rm -rf "$scratch"' EXIT
 mkdir -p "$build/artifacts" "$build/logs"
-export ASAN_OPTIONS="${ASAN_OPTIONS:-abort_on_error=1:detect_leaks=1}"
+# Full stacks for allocations, so that a leak inside an outside library is known by that library
+# even when it was allocated through glib, whose frames the fast unwinder cannot walk.
+export ASAN_OPTIONS="${ASAN_OPTIONS:-abort_on_error=1:detect_leaks=1:fast_unwind_on_malloc=0}"
 export UBSAN_OPTIONS="${UBSAN_OPTIONS:-print_stacktrace=1:halt_on_error=1}"
+# Leaks inside outside libraries that no caller can free (listed there, each with its reason).
+export LSAN_OPTIONS="${LSAN_OPTIONS:-suppressions=$root/tests/fuzz/lsan.supp:print_suppressions=0}"
 
 # The value of one "stat::NAME: VALUE" line of libFuzzer's final statistics.
 stat() {
