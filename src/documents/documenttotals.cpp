@@ -4,6 +4,7 @@
 #include "store/editingcontext.h"
 
 #include <QList>
+#include <functional>
 
 namespace corvanta::documents {
 
@@ -33,25 +34,31 @@ struct TaxGroup
     double total = 0.0;
 };
 
-} // namespace
-
-void DocumentTotals::updateTaxSummary(Record* document)
+// The groups of a document's rows, keyed by the tax's name: two taxes of one name share a
+// line, with the rates of the one met last. Rows are read in the order given, each row's amounts
+// as they were last computed.
+struct Collected
 {
-    if (!document)
-        return;
-    store::EditingContext& context = *document->context();
-    const QList<Record*> rows = DocumentRowsRecord::displayOrder(document);
-
-    // Groups are keyed by the tax's name: two taxes of one name share a line, with the rates of
-    // the one met last.
     QList<TaxGroup> groups;
-    const auto groupNamed = [&](const QString& name) -> TaxGroup* {
-        for (TaxGroup& g : groups) {
-            if (g.name == name)
-                return &g;
-        }
-        return nullptr;
-    };
+    double sumNet = 0.0;
+    double sumTax1 = 0.0;
+    double sumTax2 = 0.0;
+    double sumTotal = 0.0;
+};
+
+TaxGroup* groupNamed(QList<TaxGroup>& groups, const QString& name)
+{
+    for (TaxGroup& g : groups) {
+        if (g.name == name)
+            return &g;
+    }
+    return nullptr;
+}
+
+Collected collect(const QList<Record*>& rows, double exchangeRate,
+                  const std::function<void(Record*, qint64)>& visitRow = {})
+{
+    Collected result;
     QList<const Record*> taxes;
     for (const Record* row : rows) {
         const Record* tax = row->related(s("tax"));
@@ -59,10 +66,10 @@ void DocumentTotals::updateTaxSummary(Record* document)
             continue;
         taxes << tax;
         const QString name = tax->value(s("name")).toString();
-        TaxGroup* group = groupNamed(name);
+        TaxGroup* group = groupNamed(result.groups, name);
         if (!group) {
-            groups.append(TaxGroup{});
-            group = &groups.last();
+            result.groups.append(TaxGroup{});
+            group = &result.groups.last();
             group->name = name;
         }
         group->rate1 = tax->value(s("rate1"));
@@ -70,22 +77,17 @@ void DocumentTotals::updateTaxSummary(Record* document)
         group->cumulative = tax->value(s("cumulative"));
     }
 
-    const double exchangeRate = document->value(s("exchange_rate")).toDouble();
-    double sumNet = 0.0;
-    double sumTax1 = 0.0;
-    double sumTax2 = 0.0;
-    double sumTotal = 0.0;
     qint64 position = 1;
     for (Record* row : rows) {
-        row->setValue(s("order"), position++);
-        if (auto* documentRow = dynamic_cast<DocumentRowsRecord*>(row))
-            documentRow->refreshTaxSnapshot();
+        if (visitRow)
+            visitRow(row, position);
+        ++position;
         const double net = row->value(s("net")).toDouble();
         const double tax1 = row->value(s("tax1_value")).toDouble();
         const double tax2 = row->value(s("tax2_value")).toDouble();
         const double total = row->value(s("total")).toDouble();
         if (const Record* tax = row->related(s("tax"))) {
-            if (TaxGroup* group = groupNamed(tax->value(s("name")).toString())) {
+            if (TaxGroup* group = groupNamed(result.groups, tax->value(s("name")).toString())) {
                 group->net += net;
                 group->tax1Value += tax1;
                 group->tax2Value += tax2;
@@ -94,11 +96,45 @@ void DocumentTotals::updateTaxSummary(Record* document)
                 group->defaultCurrencyTax2Value += tax2 * exchangeRate;
             }
         }
-        sumNet += net;
-        sumTax1 += tax1;
-        sumTax2 += tax2;
-        sumTotal += total;
+        result.sumNet += net;
+        result.sumTax1 += tax1;
+        result.sumTax2 += tax2;
+        result.sumTotal += total;
     }
+    return result;
+}
+
+} // namespace
+
+DocumentTotals::Sums DocumentTotals::currentSums(const Record* document)
+{
+    Sums sums;
+    if (!document)
+        return sums;
+    const Collected collected =
+        collect(DocumentRowsRecord::displayOrder(document), document->value(s("exchange_rate")).toDouble());
+    sums.net = collected.sumNet;
+    sums.tax1 = collected.sumTax1;
+    sums.tax2 = collected.sumTax2;
+    sums.total = collected.sumTotal;
+    for (const TaxGroup& g : collected.groups)
+        sums.taxLines.append({g.name, g.net, g.tax1Value, g.tax2Value, g.total});
+    return sums;
+}
+
+void DocumentTotals::updateTaxSummary(Record* document)
+{
+    if (!document)
+        return;
+    store::EditingContext& context = *document->context();
+    const Collected collected =
+        collect(DocumentRowsRecord::displayOrder(document), document->value(s("exchange_rate")).toDouble(),
+                [](Record* row, qint64 position) {
+                    row->setValue(s("order"), position);
+                    if (auto* documentRow = dynamic_cast<DocumentRowsRecord*>(row))
+                        documentRow->refreshTaxSnapshot();
+                });
+    const QList<TaxGroup>& groups = collected.groups;
 
     for (Record* summary : document->relatedList(s("summaries")))
         context.deleteRecord(summary);
@@ -120,10 +156,10 @@ void DocumentTotals::updateTaxSummary(Record* document)
                                      {s("total"), g.total}});
         summary->setRelated(s("document"), document);
     }
-    document->setValue(s("sum_net"), sumNet);
-    document->setValue(s("sum_tax1"), sumTax1);
-    document->setValue(s("sum_tax2"), sumTax2);
-    document->setValue(s("sum_total"), sumTotal);
+    document->setValue(s("sum_net"), collected.sumNet);
+    document->setValue(s("sum_tax1"), collected.sumTax1);
+    document->setValue(s("sum_tax2"), collected.sumTax2);
+    document->setValue(s("sum_total"), collected.sumTotal);
 }
 
 } // namespace corvanta::documents

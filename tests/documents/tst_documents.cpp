@@ -195,6 +195,16 @@ void tst_Documents::taxSummaryAndSums()
         row->setValue(s("quantity"), parts[0].toDouble());
         row->setValue(s("unit_price"), parts[1].toDouble());
     }
+    // While the rows are edited, the sums shown are those the next update stores, and nothing
+    // is written yet.
+    const DocumentTotals::Sums live = DocumentTotals::currentSums(document);
+    QVERIFY(document->relatedList(s("summaries")).isEmpty());
+    QStringList liveLines;
+    for (const DocumentTotals::TaxLine& line : live.taxLines)
+        liveLines << QStringList{line.name, QString::number(line.net), QString::number(line.tax1Value),
+                                 QString::number(line.tax2Value), QString::number(line.total)}
+                         .join(QLatin1Char(' '));
+
     // Run twice: the second run replaces the summary of the first.
     DocumentTotals::updateTaxSummary(document);
     DocumentTotals::updateTaxSummary(document);
@@ -212,9 +222,15 @@ void tst_Documents::taxSummaryAndSums()
         actual << values.join(QLatin1Char(' '));
     }
     QCOMPARE(actual, summaries);
+    for (qsizetype i = 0; i < summaries.size(); ++i)
+        QVERIFY2(summaries[i].startsWith(liveLines.value(i) + QLatin1Char(' ')),
+                 qPrintable(liveLines.value(i)));
     const char* const keys[] = {"sum_net", "sum_tax1", "sum_tax2", "sum_total"};
-    for (int i = 0; i < 4; ++i)
+    const double liveSums[] = {live.net, live.tax1, live.tax2, live.total};
+    for (int i = 0; i < 4; ++i) {
         QCOMPARE(document->value(s(keys[i])).toDouble(), sums.at(i));
+        QVERIFY2(liveSums[i] == document->value(s(keys[i])).toDouble(), keys[i]);
+    }
 }
 
 void tst_Documents::copiesOfItemClientAndCompany()
