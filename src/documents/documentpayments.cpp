@@ -63,6 +63,24 @@ bool DocumentPayments::removePayment(const predicate::RecordRef& paymentRef)
     return save(*context, documentRef);
 }
 
+bool DocumentPayments::changePayment(const predicate::RecordRef& paymentRef, double amount,
+                                     const predicate::RecordRef& paymentType, const QDateTime& date)
+{
+    if (!NumberLimits::accept(NumberLimits::Kind::Amount, amount, m_prompter))
+        return false;
+    std::unique_ptr<store::EditingContext> context = m_store.newContext();
+    Record* payment = context->fetchRecord(s("Payments"), paymentRef);
+    if (!payment || !date.isValid())
+        return false;
+    Record* type = paymentType.isNull() ? CompanyRecord::defaultRecord(*context, s("default_payment_type"))
+                                        : context->fetchRecord(s("PaymentTypes"), paymentType);
+    payment->setValue(s("amount"), amount);
+    payment->setValue(s("date"), date);
+    payment->setRelated(s("payment"), type);
+    const Record* document = payment->related(s("document"));
+    return save(*context, document ? document->ref() : predicate::RecordRef{});
+}
+
 double DocumentPayments::remaining(const predicate::RecordRef& document)
 {
     std::unique_ptr<store::EditingContext> context = m_store.newContext();

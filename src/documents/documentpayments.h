@@ -33,6 +33,10 @@ public:
                                                    const predicate::RecordRef& paymentType = {},
                                                    const std::optional<QDateTime>& date = std::nullopt);
     bool removePayment(const predicate::RecordRef& payment);
+    // Changes a recorded payment in place: its amount (checked as a new one is), how it was paid
+    // (none: the company's default) and when. False when it is refused or cannot be saved.
+    bool changePayment(const predicate::RecordRef& payment, double amount,
+                       const predicate::RecordRef& paymentType, const QDateTime& date);
     // The document's total less its payments.
     double remaining(const predicate::RecordRef& document);
 

@@ -513,6 +513,13 @@ void tst_Documents::payments()
                "payments.payment.name=Cash|Bank Transfer"));
     QCOMPARE(changed.count(), 3);
     QCOMPARE(changed.first().first().value<RecordRef>(), invoice);
+    // Changed in place: a refused amount leaves the payment as it was.
+    QVERIFY(!payments.changePayment(*cash, qQNaN(), {}, at(2024, 6, 2)));
+    QVERIFY(payments.changePayment(*cash, 5, {}, at(2024, 6, 2)));
+    QCOMPARE(m_company->storedText(invoice, s("payments.amount payments.date payments.payment.name")),
+             s("payments.amount=5|7.5 payments.date=2024-06-02T10:30:00|2024-06-09T08:00:00 "
+               "payments.payment.name=Bank Transfer|Bank Transfer"));
+    QCOMPARE(payments.remaining(invoice), -0.5);
     QVERIFY(payments.removePayment(*cash));
     QCOMPARE(payments.remaining(invoice), 4.5);
     QVERIFY(!payments.removePayment(invoice));
