@@ -4,6 +4,7 @@
 #include <QFileDialog>
 #include <QInputDialog>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -110,12 +111,24 @@ std::optional<QString> DialogPrompter::chooseFile(const QString& title, const QS
 std::optional<QString> DialogPrompter::askText(const QString& title, const QString& label,
                                                const QString& initial)
 {
-    bool accepted = false;
-    const QString text =
-        QInputDialog::getText(parentWindow(), title, label, QLineEdit::Normal, initial, &accepted);
-    if (!accepted)
+    // One field under the question, starting with `initial` selected so that typing replaces it;
+    // Return confirms, Escape cancels.
+    QWidget* parent = parentWindow();
+    QInputDialog dialog(parent);
+    dialog.setObjectName(QStringLiteral("askTextDialog"));
+    dialog.setWindowTitle(title);
+    dialog.setLabelText(label);
+    dialog.setInputMode(QInputDialog::TextInput);
+    dialog.setTextValue(initial);
+    if (parent)
+        dialog.setWindowModality(Qt::WindowModal);
+    if (auto* field = dialog.findChild<QLineEdit*>())
+        field->setObjectName(QStringLiteral("askTextField"));
+    if (auto* text = dialog.findChild<QLabel*>())
+        text->setTextFormat(Qt::PlainText);
+    if (dialog.exec() != QDialog::Accepted)
         return std::nullopt;
-    return text;
+    return dialog.textValue();
 }
 
 } // namespace corvanta::ui

@@ -1,7 +1,9 @@
 #include "ui/dialogprompter.h"
 
 #include <QApplication>
+#include <QInputDialog>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
@@ -28,6 +30,8 @@ private Q_SLOTS:
     void keys_data();
     void keys();
     void showsTheExactTexts();
+    void askText_data();
+    void askText();
 };
 
 void TestDialogPrompter::keys_data()
@@ -83,6 +87,49 @@ void TestDialogPrompter::showsTheExactTexts()
     // The text is shown as written, markup characters and all, its line breaks kept.
     QCOMPARE(text, s("Included: <i>x</i> & y, \n\nThis action cannot be undone."));
     QVERIFY(buttons.contains(s("Delete Group")) && buttons.contains(s("Cancel")));
+}
+
+// The small entry window (the start number): the exact title and question, the field starting
+// with the given text all selected, Return taking what is typed and Escape answering nothing.
+void TestDialogPrompter::askText_data()
+{
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<int>("key");
+    QTest::addColumn<QString>("answer"); // "(none)": cancelled
+
+    QTest::newRow("Return keeps the start") << QString() << int(Qt::Key_Return) << s("1");
+    QTest::newRow("typing replaces the start") << s("500") << int(Qt::Key_Return) << s("500");
+    QTest::newRow("Escape answers nothing") << s("500") << int(Qt::Key_Escape) << s("(none)");
+}
+
+void TestDialogPrompter::askText()
+{
+    QFETCH(QString, typed);
+    QFETCH(int, key);
+    QFETCH(QString, answer);
+
+    QString title;
+    QString label;
+    QString initial;
+    QTimer::singleShot(0, [&] {
+        QTRY_VERIFY(qobject_cast<QInputDialog*>(QApplication::activeModalWidget()));
+        auto* dialog = qobject_cast<QInputDialog*>(QApplication::activeModalWidget());
+        title = dialog->windowTitle();
+        label = dialog->labelText();
+        auto* field = dialog->findChild<QLineEdit*>(s("askTextField"));
+        QVERIFY(field);
+        initial = field->text();
+        if (!typed.isEmpty())
+            QTest::keyClicks(field, typed);
+        QTest::keyClick(field, Qt::Key(key));
+    });
+    DialogPrompter prompter;
+    const std::optional<QString> given = prompter.askText(
+        s("Start Number"), s("This is the first document of its type in 2026. & more"), s("1"));
+    QCOMPARE(title, s("Start Number"));
+    QCOMPARE(label, s("This is the first document of its type in 2026. & more"));
+    QCOMPARE(initial, s("1"));
+    QCOMPARE(given.value_or(s("(none)")), answer);
 }
 
 QTEST_MAIN(TestDialogPrompter)

@@ -1,0 +1,506 @@
+#include "documents/documentpayments.h"
+#include "documents/paymentstatus.h"
+#include "editors/documentcontroller.h"
+#include "exchange/emailhandover.h"
+#include "exchange/emailpreparation.h"
+#include "model/companyrecord.h"
+#include "templates/printedoutput.h"
+#include "ui/documentoutputs.h"
+#include "ui/documentpaymentssheet.h"
+#include "ui/emailpreparationwindow.h"
+#include "ui/paymentstablemodel.h"
+#include "ui/pdfprinter.h"
+#include "ui/previewwindow.h"
+#include "uitestsupport.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDoubleSpinBox>
+#include <QFile>
+#include <QFileDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPdfDocument>
+#include <QPlainTextEdit>
+#include <QPrinter>
+#include <QPushButton>
+#include <QStandardPaths>
+#include <QTableView>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <numeric>
+
+using namespace corvanta;
+using namespace corvanta::ui;
+using corvanta::ui::testing::s;
+using corvanta::ui::testing::UiCompany;
+using store::Record;
+
+namespace {
+
+// An invoice for "Acme Ltd" with `rows` rows, made in the document editor as a user makes it.
+Record* fillInvoice(editors::DocumentController& editor, int rows)
+{
+    Record* document = editor.newDocument(0);
+    editor.clientEntered(s("Acme Ltd"));
+    for (int i = 0; i < rows; ++i) {
+        Record* row = editor.addRow();
+        editor.itemNameEntered(row, s("Consulting, part %1").arg(i + 1));
+        editor.setQuantity(row, i % 3 + 1);
+        editor.setUnitPrice(row, 40.0 + i);
+    }
+    editor.updateDocumentFields();
+    editor.updateTaxSummary();
+    return document;
+}
+
+// How many pages a PDF file has; -1 when it cannot be read.
+int pagesOf(const QString& path)
+{
+    QPdfDocument pdf;
+    return pdf.load(path) == QPdfDocument::Error::None ? pdf.pageCount() : -1;
+}
+
+// Whether a page of a PDF shows anything but white.
+bool hasInk(QPdfDocument& pdf, int page)
+{
+    const QImage image = pdf.render(page, QSize(150, 212)).convertToFormat(QImage::Format_RGB32);
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            if (qGray(image.pixel(x, y)) < 128)
+                return true;
+        }
+    }
+    return false;
+}
+
+// A mail program that writes its arguments, one a line, to `log`.
+QString fakeMailProgram(const QTemporaryDir& folder, const QString& log)
+{
+    const QString path = folder.filePath(s("fake-xdg-email"));
+    QFile script(path);
+    if (!script.open(QIODevice::WriteOnly))
+        return {};
+    script.write(QStringLiteral("#!/bin/sh\nfor a in \"$@\"; do printf '%s\\n' \"$a\"; done > '%1'\n")
+                     .arg(log)
+                     .toUtf8());
+    script.close();
+    script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    return path;
+}
+
+} // namespace
+
+// The output of a document: the preview window, printing, the PDF export, the e-mail sheet and
+// the payments sheet, driven as the user drives them, with the results read back from the PDFs
+// and the store.
+class TestDocumentOutputs : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void previewPages();
+    void printCopies_data();
+    void printCopies();
+    void saveAsName_data();
+    void saveAsName();
+    void emailTemplates_data();
+    void emailTemplates();
+    void emailSending();
+    void payments_data();
+    void payments();
+    void paymentsEditedInPlace();
+    void pictures();
+
+private:
+    Record* storedInvoice(const QString& number, int rows);
+
+    std::unique_ptr<UiCompany> m_company;
+    std::unique_ptr<editors::DocumentController> m_editor;
+    std::unique_ptr<DocumentOutputs> m_outputs;
+};
+
+void TestDocumentOutputs::init()
+{
+    m_company = std::make_unique<UiCompany>();
+    m_company->addClient(s("Acme Ltd"));
+    m_editor = std::make_unique<editors::DocumentController>(m_company->store(), m_company->prompter());
+    m_outputs = std::make_unique<DocumentOutputs>(m_company->store(), m_company->prompter(), nullptr);
+    m_editor->setOutput(m_outputs.get());
+}
+
+void TestDocumentOutputs::cleanup()
+{
+    m_outputs.reset();
+    m_editor.reset();
+    m_company.reset();
+}
+
+Record* TestDocumentOutputs::storedInvoice(const QString& number, int rows)
+{
+    Record* document = fillInvoice(*m_editor, rows);
+    document->setValue(s("number_formatted"), number);
+    document->setValue(s("draft"), false);
+    document->setValue(s("created"), QDateTime::currentDateTime());
+    store::StoreError error;
+    if (!m_editor->context().save(&error))
+        qWarning("cannot save: %s", qPrintable(error.message()));
+    return document;
+}
+
+void TestDocumentOutputs::previewPages()
+{
+    // An unsaved invoice of many rows, previewed from its editor.
+    Record* document = fillInvoice(*m_editor, 30);
+    m_editor->preview();
+    PreviewWindow* window = m_outputs->previewWindow(document->ref());
+    QVERIFY(window);
+    QVERIFY(window->isVisible());
+    QCOMPARE(window->windowTitle(), s("Preview – Invoice"));
+    QTemporaryDir folder;
+    int rendered = 0;
+    QString error;
+    QVERIFY2(templates::PrintedOutput(folder.path())
+                 .writeDocument(document, templates::PrintedOutput::templateOf(document),
+                                folder.filePath(s("check.pdf")), &rendered, &error),
+             qPrintable(error));
+    QVERIFY(rendered > 1);
+    QCOMPARE(window->document()->pageCount(), rendered);
+    QCOMPARE(window->findChild<QLabel*>(s("pageLabel"))->text(), s("Page 1 of %1").arg(rendered));
+
+    // Asked again after more rows: the same window, rendered anew.
+    for (int i = 0; i < 30; ++i)
+        m_editor->addRow();
+    m_editor->preview();
+    QCOMPARE(m_outputs->previewWindow(document->ref()), window);
+    QVERIFY(window->document()->pageCount() > rendered);
+    QVERIFY(m_company->prompter().questions().isEmpty());
+
+    m_outputs->closePreview(document->ref());
+    QTRY_VERIFY(!m_outputs->previewWindow(document->ref()));
+}
+
+void TestDocumentOutputs::printCopies_data()
+{
+    QTest::addColumn<int>("copies");
+    QTest::addColumn<bool>("collate");
+    QTest::newRow("one copy") << 1 << true;
+    QTest::newRow("three copies collated") << 3 << true;
+    QTest::newRow("two copies page by page") << 2 << false;
+}
+
+void TestDocumentOutputs::printCopies()
+{
+    QFETCH(int, copies);
+    QFETCH(bool, collate);
+
+    Record* document = storedInvoice(s("INVOICE/2026-0042"), 30);
+    QTemporaryDir folder;
+    const QString single = folder.filePath(s("single.pdf"));
+    QString error;
+    int pages = 0;
+    QVERIFY2(
+        templates::PrintedOutput(folder.path())
+            .writeDocument(document, templates::PrintedOutput::templateOf(document), single, &pages, &error),
+        qPrintable(error));
+
+    QPrinter printer(QPrinter::HighResolution);
+    printer.setOutputFormat(QPrinter::PdfFormat);
+    const QString printed = folder.filePath(s("printed.pdf"));
+    printer.setOutputFileName(printed);
+    PdfPrinter::setUp(printer, copies);
+    printer.setCollateCopies(collate);
+    QVERIFY(m_outputs->printTo(document, printer));
+
+    QPdfDocument pdf;
+    QCOMPARE(pdf.load(printed), QPdfDocument::Error::None);
+    QCOMPARE(pdf.pageCount(), pages * copies);
+    for (int page = 0; page < pdf.pageCount(); ++page) {
+        const QSizeF size = pdf.pagePointSize(page);
+        QVERIFY2(qAbs(size.width() - 595.3) < 1 && qAbs(size.height() - 841.9) < 1,
+                 qPrintable(s("page %1 is %2 x %3").arg(page).arg(size.width()).arg(size.height())));
+        QVERIFY2(hasInk(pdf, page), qPrintable(s("page %1 is blank").arg(page)));
+    }
+    if (copies > 1) {
+        // Collated copies repeat the whole document; page by page repeats each page.
+        const auto same = [&](int a, int b) {
+            return pdf.render(a, QSize(120, 170)) == pdf.render(b, QSize(120, 170));
+        };
+        if (collate)
+            QVERIFY(same(0, pages) && !same(0, 1));
+        else
+            QVERIFY(same(0, 1) && !same(0, copies));
+    }
+}
+
+void TestDocumentOutputs::saveAsName_data()
+{
+    QTest::addColumn<QString>("number");
+    QTest::addColumn<QString>("fileName");
+    QTest::newRow("slashes") << s("INVOICE/2026-0007") << s("INVOICE-2026-0007.pdf");
+    QTest::newRow("outer blanks") << s("  OFFER 12  ") << s("OFFER 12.pdf");
+    QTest::newRow("no number") << QString() << s("Untitled.pdf");
+}
+
+void TestDocumentOutputs::saveAsName()
+{
+    QFETCH(QString, number);
+    QFETCH(QString, fileName);
+
+    Record* document = storedInvoice(number, 3);
+    QTemporaryDir folder;
+    QString offered;
+    QTimer::singleShot(0, [&] {
+        QTRY_VERIFY(qobject_cast<QFileDialog*>(QApplication::activeModalWidget()));
+        auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+        QCOMPARE(dialog->objectName(), s("saveAsDialog"));
+        offered = QFileInfo(dialog->selectedFiles().value(0)).fileName();
+        dialog->selectFile(folder.filePath(offered));
+        QMetaObject::invokeMethod(dialog, "accept");
+    });
+    m_outputs->saveAs(document);
+    QCOMPARE(offered, fileName);
+    QVERIFY(pagesOf(folder.filePath(fileName)) >= 1);
+    QVERIFY(m_company->prompter().questions().isEmpty());
+}
+
+void TestDocumentOutputs::emailTemplates_data()
+{
+    QTest::addColumn<QString>("chosen");
+    QTest::addColumn<QString>("subject");
+    QTest::addColumn<QString>("body");
+    QTest::newRow("reminder") << s("Reminder") << s("Open invoice @ClientName")
+                              << s("Dear Acme Ltd,\nplease pay. Demo Company");
+    QTest::newRow("thanks") << s("Thanks") << s("Thank you") << s("Thanks, Acme Ltd!");
+    QTest::newRow("the empty default") << s("Empty Template") << QString() << QString();
+}
+
+void TestDocumentOutputs::emailTemplates()
+{
+    QFETCH(QString, chosen);
+    QFETCH(QString, subject);
+    QFETCH(QString, body);
+
+    store::EditingContext& main = m_company->main();
+    main.insertRecord(s("EmailTemplates"), {{s("name"), s("Reminder")},
+                                            {s("subject"), s("Open invoice @ClientName")},
+                                            {s("body"), s("Dear @ClientName,\nplease pay. @MyCompanyName")}});
+    main.insertRecord(
+        s("EmailTemplates"),
+        {{s("name"), s("Thanks")}, {s("subject"), s("Thank you")}, {s("body"), s("Thanks, @ClientName!")}});
+    m_company->save();
+    const Record* company = model::CompanyRecord::of(m_company->main());
+    const QString companyName = company ? company->value(s("name")).toString() : QString();
+    body.replace(s("Demo Company"), companyName);
+
+    const Record* document = storedInvoice(s("INVOICE/2026-0003"), 2);
+    EmailPreparationWindow sheet(m_company->store(), m_company->prompter(), document->ref());
+    sheet.show();
+    auto* popup = sheet.findChild<QComboBox*>(s("templatePopup"));
+    QVERIFY(popup);
+    QCOMPARE(popup->count(), 3);
+    const int index = popup->findText(chosen);
+    QVERIFY(index >= 0);
+    popup->setCurrentIndex(index);
+    Q_EMIT popup->activated(index);
+    QCOMPARE(sheet.findChild<QLineEdit*>(s("subjectEdit"))->text(), subject);
+    QCOMPARE(sheet.findChild<QPlainTextEdit*>(s("bodyEdit"))->toPlainText(), body);
+    QCOMPARE(sheet.findChild<QCheckBox*>(s("attachmentCheck"))->text(), s("INVOICE/2026-0003"));
+}
+
+void TestDocumentOutputs::emailSending()
+{
+    Record* document = storedInvoice(s("INVOICE/2026-0004"), 2);
+    document->setValue(s("client_email"), s("office@acme.example"));
+    QVERIFY(m_editor->context().save());
+
+    // No mail program: the user is told and the sheet stays open.
+    EmailPreparationWindow failing(m_company->store(), m_company->prompter(), document->ref());
+    failing.setHandOver(exchange::EmailHandOver(s("corvanta-no-such-mail-program")));
+    failing.show();
+    QTest::mouseClick(failing.findChild<QPushButton*>(s("sendButton")), Qt::LeftButton);
+    QCOMPARE(m_company->prompter().titles(), QStringList{s("The email could not be sent")});
+    QVERIFY(m_company->prompter().questions().constFirst().text.contains(s("corvanta-no-such-mail-program")));
+    QVERIFY(failing.isVisible());
+
+    // A mail program that takes it: recipient, subject, body and the PDF handed over, sheet closed.
+    QTemporaryDir folder;
+    const QString log = folder.filePath(s("arguments.txt"));
+    EmailPreparationWindow sheet(m_company->store(), m_company->prompter(), document->ref());
+    sheet.setHandOver(exchange::EmailHandOver(fakeMailProgram(folder, log), 5000));
+    sheet.show();
+    QCOMPARE(sheet.findChild<QLineEdit*>(s("recipientEdit"))->text(), s("office@acme.example"));
+    sheet.findChild<QLineEdit*>(s("subjectEdit"))->setText(s("Your invoice"));
+    sheet.findChild<QPlainTextEdit*>(s("bodyEdit"))->setPlainText(s("Hello"));
+    QTest::mouseClick(sheet.findChild<QPushButton*>(s("sendButton")), Qt::LeftButton);
+    QTRY_VERIFY(QFile::exists(log));
+    QVERIFY(!sheet.isVisible());
+    QFile file(log);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QStringList arguments = QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'));
+    const QString attachment = arguments.value(arguments.indexOf(s("--attach")) + 1);
+    QCOMPARE(arguments.mid(0, 5), (QStringList{s("--utf8"), s("--to"), s("office@acme.example"),
+                                               s("--subject"), s("Your invoice")}));
+    QCOMPARE(QFileInfo(attachment).fileName(), s("INVOICE-2026-0004.pdf"));
+    QVERIFY(pagesOf(attachment) >= 1);
+}
+
+void TestDocumentOutputs::payments_data()
+{
+    QTest::addColumn<QList<double>>("paid");
+    QTest::addColumn<bool>("settle");
+    QTest::addColumn<QString>("stored");
+    QTest::addColumn<bool>("isPaid");
+    QTest::newRow("settled after a part") << QList<double>{30} << true << s("30|70") << true;
+    QTest::newRow("closed without settling") << QList<double>{30} << false << s("30") << false;
+    QTest::newRow("nothing paid, settled") << QList<double>{} << true << s("100") << true;
+    QTest::newRow("overpaid, settling adds nothing") << QList<double>{120} << true << s("120") << false;
+}
+
+void TestDocumentOutputs::payments()
+{
+    QFETCH(QList<double>, paid);
+    QFETCH(bool, settle);
+    QFETCH(QString, stored);
+    QFETCH(bool, isPaid);
+
+    const predicate::RecordRef invoice = m_company->addInvoice(s("INVOICE/2026-0010"), 100)->ref();
+    const auto storedAmounts = [&] {
+        const std::unique_ptr<store::EditingContext> context = m_company->store().newContext();
+        QStringList amounts;
+        const QVariantList values =
+            context->fetchRecord(s("Documents"), invoice)->valueForKeyPath(s("payments.amount")).toList();
+        for (const QVariant& amount : values)
+            amounts << QString::number(amount.toDouble());
+        return amounts.join(QLatin1Char('|'));
+    };
+
+    {
+        DocumentPaymentsSheet sheet(m_company->store(), m_company->prompter(), invoice);
+        sheet.show();
+        auto* table = sheet.findChild<QTableView*>(s("paymentsTable"));
+        for (const double amount : paid) {
+            QTest::mouseClick(sheet.findChild<QPushButton*>(s("addButton")), Qt::LeftButton);
+            // The new payment's amount is open for typing.
+            auto* field = table->findChild<QDoubleSpinBox*>(s("amountEditor"));
+            QVERIFY(field);
+            field->selectAll();
+            QTest::keyClicks(field, QString::number(amount));
+            QTest::keyClick(field, Qt::Key_Return);
+            // Return commits the typed amount as soon as the event loop runs.
+            const QModelIndex last =
+                table->model()->index(table->model()->rowCount() - 1, PaymentsTableModel::AmountColumn);
+            QTRY_COMPARE(last.data(Qt::EditRole).toDouble(), amount);
+        }
+        QTRY_COMPARE(table->model()->rowCount(), int(paid.size()));
+        // Settling is offered only while something is left to pay; leaving by it otherwise (as a
+        // command can) adds nothing either.
+        auto* settleButton = sheet.findChild<QPushButton*>(s("settleButton"));
+        QCOMPARE(settleButton->isEnabled(), 100 - std::accumulate(paid.begin(), paid.end(), 0.0) > 0);
+        if (!settle)
+            QTest::mouseClick(sheet.findChild<QPushButton*>(s("closeButton")), Qt::LeftButton);
+        else if (settleButton->isEnabled())
+            QTest::mouseClick(settleButton, Qt::LeftButton);
+        else
+            sheet.finish(true);
+        QVERIFY(!sheet.isVisible());
+    }
+    QCOMPARE(storedAmounts(), stored);
+    {
+        const std::unique_ptr<store::EditingContext> context = m_company->store().newContext();
+        QCOMPARE(documents::PaymentStatus::isPaid(context->fetchRecord(s("Documents"), invoice)), isPaid);
+    }
+
+    // Leaving by the settling button a second time adds nothing more.
+    DocumentPaymentsSheet again(m_company->store(), m_company->prompter(), invoice);
+    again.show();
+    auto* settleButton = again.findChild<QPushButton*>(s("settleButton"));
+    QCOMPARE(settleButton->isEnabled(), !isPaid && stored != s("120"));
+    if (!settleButton->isEnabled())
+        again.finish(true);
+    QCOMPARE(storedAmounts(), stored);
+    QVERIFY(m_company->prompter().questions().isEmpty());
+}
+
+void TestDocumentOutputs::paymentsEditedInPlace()
+{
+    const predicate::RecordRef invoice = m_company->addInvoice(s("INVOICE/2026-0011"), 100)->ref();
+    documents::DocumentPayments core(m_company->store(), m_company->prompter());
+    QVERIFY(core.addPayment(invoice, 20, {}, QDateTime(QDate(2026, 3, 1), QTime(9, 0))));
+    QVERIFY(core.addPayment(invoice, 50, {}, QDateTime(QDate(2026, 3, 5), QTime(9, 0))));
+
+    DocumentPaymentsSheet sheet(m_company->store(), m_company->prompter(), invoice);
+    sheet.show();
+    auto* table = sheet.findChild<QTableView*>(s("paymentsTable"));
+    QAbstractItemModel* model = table->model();
+    auto* remaining = sheet.findChild<QLabel*>(s("remainingLabel"));
+    const auto model2 = qobject_cast<PaymentsTableModel*>(model);
+    QCOMPARE(remaining->text(), s("Remaining: %1").arg(model2->formattedAmount(30)));
+    QCOMPARE(model->data(model->index(0, PaymentsTableModel::AmountColumn), Qt::TextAlignmentRole).toInt(),
+             int(Qt::AlignRight | Qt::AlignVCenter));
+
+    // The amount and the date changed in place, stored at once; the rest follows.
+    QVERIFY(model->setData(model->index(0, PaymentsTableModel::AmountColumn), 25.5));
+    QVERIFY(model->setData(model->index(0, PaymentsTableModel::DateColumn), QDate(2026, 3, 2)));
+    QCOMPARE(remaining->text(), s("Remaining: %1").arg(model2->formattedAmount(24.5)));
+    QCOMPARE(core.remaining(invoice), 24.5);
+    QCOMPARE(model->data(model->index(0, PaymentsTableModel::DateColumn), Qt::EditRole).toDate(),
+             QDate(2026, 3, 2));
+
+    // Removing the selected one.
+    table->selectRow(1);
+    QTest::mouseClick(sheet.findChild<QPushButton*>(s("removeButton")), Qt::LeftButton);
+    QCOMPARE(model->rowCount(), 1);
+    QCOMPARE(core.remaining(invoice), 74.5);
+    QVERIFY(!sheet.findChild<QPushButton*>(s("removeButton"))->isEnabled());
+}
+
+void TestDocumentOutputs::pictures()
+{
+    const QString folder = qEnvironmentVariable("CORVANTA_PICTURES");
+    if (folder.isEmpty())
+        QSKIP("Set CORVANTA_PICTURES to a folder to take the pictures.");
+    QDir().mkpath(folder);
+    // The program's icons, found in the system's icon folders as at its start.
+    QIcon::setThemeSearchPaths(QIcon::themeSearchPaths() +
+                               QStandardPaths::locateAll(QStandardPaths::GenericDataLocation, s("icons"),
+                                                         QStandardPaths::LocateDirectory));
+    QIcon::setThemeName(s("breeze"));
+
+    Record* document = storedInvoice(s("INVOICE/2026-0030"), 30);
+    document->setValue(s("client_email"), s("office@acme.example"));
+    QVERIFY(m_editor->context().save());
+    m_outputs->preview(document);
+    PreviewWindow* preview = m_outputs->previewWindow(document->ref());
+    QVERIFY(preview);
+    preview->resize(760, 900);
+    QTest::qWait(300);
+    QVERIFY(preview->grab().save(folder + s("/preview.png")));
+
+    m_company->main().insertRecord(
+        s("EmailTemplates"),
+        {{s("name"), s("Invoice")},
+         {s("subject"), s("Your invoice")},
+         {s("body"),
+          s("Dear @ClientName,\n\nplease find our invoice attached.\n\nKind regards\n@MyCompanyName")}});
+    m_company->save();
+    EmailPreparationWindow sheet(m_company->store(), m_company->prompter(), document->ref());
+    auto* popup = sheet.findChild<QComboBox*>(s("templatePopup"));
+    popup->setCurrentIndex(popup->findText(s("Invoice")));
+    Q_EMIT popup->activated(popup->currentIndex());
+    sheet.show();
+    QVERIFY(sheet.grab().save(folder + s("/email.png")));
+
+    documents::DocumentPayments core(m_company->store(), m_company->prompter());
+    const double total = document->value(s("sum_total")).toDouble();
+    QVERIFY(core.addPayment(document->ref(), 500, {}, QDateTime(QDate(2026, 3, 1), QTime(9, 0))));
+    QVERIFY(core.addPayment(document->ref(), total / 4, {}, QDateTime(QDate(2026, 3, 15), QTime(9, 0))));
+    DocumentPaymentsSheet payments(m_company->store(), m_company->prompter(), document->ref());
+    payments.show();
+    QVERIFY(payments.grab().save(folder + s("/payments.png")));
+}
+
+CORVANTA_UI_TEST_MAIN(TestDocumentOutputs)
+#include "tst_documentoutputs.moc"
