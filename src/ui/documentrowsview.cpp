@@ -15,6 +15,9 @@ namespace {
 constexpr std::array<int, 4> kTabColumns = {DocumentRowsModel::Name, DocumentRowsModel::Quantity,
                                             DocumentRowsModel::Price, DocumentRowsModel::Tax};
 
+// Room above and below a row's text, enough for the chooser of a unit or a tax.
+constexpr int kCellPadding = 5;
+
 } // namespace
 
 DocumentRowsView::DocumentRowsView(QWidget* parent)
@@ -29,6 +32,7 @@ DocumentRowsView::DocumentRowsView(QWidget* parent)
     setWordWrap(false);
     // Fixed row heights: a long document opens without measuring every row.
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    verticalHeader()->setDefaultSectionSize(fontMetrics().lineSpacing() + 2 * kCellPadding);
     verticalHeader()->hide();
     horizontalHeader()->setHighlightSections(false);
 }

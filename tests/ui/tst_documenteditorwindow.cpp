@@ -11,9 +11,11 @@
 #include <QComboBox>
 #include <QCompleter>
 #include <QElapsedTimer>
+#include <QIcon>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPointer>
+#include <QStandardPaths>
 #include <QToolButton>
 
 using namespace corvanta;
@@ -115,6 +117,11 @@ Record* tst_DocumentEditor::addDocument(int rows, const QString& currencyCode)
                                                           {s("exchange_rate"), 1.08},
                                                           {s("identifier"), support::UUID()}});
     document->setRelated(s("client"), client);
+    document->setValue(s("date_due"), QDateTime::currentDateTime().addDays(14));
+    for (const char* key : {"payment_type", "bank"})
+        document->setRelated(s(key), model::CompanyRecord::defaultRecord(main, s("default_") + s(key)));
+    document->setRelated(s("template"),
+                         model::CompanyRecord::defaultRecord(main, s("default_template_invoice")));
     document->setRelated(s("currency"), m_company->named("Currencies", s("code"), currencyCode));
     Record* tax = model::CompanyRecord::defaultRecord(main, s("default_tax"));
     const QStringList names{s("Design work"), s("Hosting, one month"), s("Steel bolts M8"),
@@ -398,6 +405,11 @@ void tst_DocumentEditor::picture()
     const QString path = qEnvironmentVariable("CORVANTA_PICTURE");
     if (path.isEmpty())
         QSKIP("CORVANTA_PICTURE names no file");
+    // The program's icons, found in the system's icon folders as at its start.
+    QIcon::setThemeSearchPaths(QIcon::themeSearchPaths() +
+                               QStandardPaths::locateAll(QStandardPaths::GenericDataLocation, s("icons"),
+                                                         QStandardPaths::LocateDirectory));
+    QIcon::setThemeName(s("breeze"));
     useEuro();
     const Record* document = addDocument(30, s("EUR"));
     DocumentEditorWindow* window = newWindow();
