@@ -1,0 +1,482 @@
+#include "editors/documentcontroller.h"
+#include "editors/itemcontroller.h"
+#include "format/numberinput.h"
+#include "ui/deliverysheet.h"
+#include "ui/itemeditorwindow.h"
+#include "ui/openeditors.h"
+#include "uitestsupport.h"
+
+#include <QAbstractItemView>
+#include <QComboBox>
+#include <QCompleter>
+#include <QDateEdit>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPointer>
+#include <QPushButton>
+#include <QToolButton>
+#include <QTreeWidget>
+
+using namespace corvanta;
+using namespace corvanta::ui::testing;
+using store::Record;
+using ui::DeliverySheet;
+using ui::ItemEditorWindow;
+
+namespace {
+
+// Replaces a field's text as the user does, and leaves it with Return unless told not to.
+void type(QLineEdit* edit, const QString& text, bool pressReturn = true)
+{
+    QVERIFY(edit);
+    edit->selectAll();
+    QTest::keyClick(edit, Qt::Key_Backspace);
+    QTest::keyClicks(edit, text);
+    if (pressReturn)
+        QTest::keyClick(edit, Qt::Key_Return);
+}
+
+void choose(QComboBox* popup, const QString& text)
+{
+    QVERIFY(popup);
+    const int index = popup->findText(text);
+    QVERIFY2(index >= 0, qPrintable(text + s(" is not offered")));
+    popup->setCurrentIndex(index);
+    Q_EMIT popup->activated(index);
+}
+
+QStringList rowsOf(const QTreeWidget* list)
+{
+    QStringList rows;
+    for (int i = 0; i < list->topLevelItemCount(); ++i) {
+        QStringList cells;
+        for (int column = 0; column < list->columnCount(); ++column)
+            cells << list->topLevelItem(i)->text(column);
+        rows << cells.join(s(" | "));
+    }
+    return rows;
+}
+
+QString shortDate(const QDate& date)
+{
+    return QLocale().toString(date, QLocale::ShortFormat);
+}
+
+} // namespace
+
+class TestItemEditor : public QObject
+{
+    Q_OBJECT
+
+private:
+    // A supplier is a company client of type 1, named by its company name.
+    Record* addSupplier(UiCompany& company, const QString& companyName)
+    {
+        Record* supplier = company.main().insertRecord(
+            s("Clients"),
+            {{s("company_name"), companyName}, {s("type"), qint64(1)}, {s("identifier"), support::UUID()}});
+        company.save();
+        return supplier;
+    }
+    Record* addTax(UiCompany& company, double rate1, double rate2)
+    {
+        Record* tax = company.main().insertRecord(
+            s("Taxes"),
+            {{s("name"), s("VAT %1/%2").arg(rate1).arg(rate2)}, {s("rate1"), rate1}, {s("rate2"), rate2}});
+        company.save();
+        return tax;
+    }
+    Record* addItem(UiCompany& company, const QString& name)
+    {
+        Record* item = company.main().insertRecord(
+            s("Items"), {{s("name"), name}, {s("type"), qint64(1)}, {s("identifier"), support::UUID()}});
+        company.save();
+        return item;
+    }
+    void addDelivery(UiCompany& company, Record* item, Record* supplier, double quantity, const QDate& date)
+    {
+        Record* delivery = company.main().insertRecord(
+            s("Warehouse"), {{s("quantity"), quantity}, {s("date"), QDateTime(date, QTime(0, 0))}});
+        delivery->setRelated(s("item"), item);
+        delivery->setRelated(s("client"), supplier);
+        company.save();
+    }
+    // A document of `type` with one row of `quantity` of the item.
+    void addDocumentRow(UiCompany& company, qint64 type, bool draft, const QString& number, Record* client,
+                        Record* item, double quantity, const QDateTime& created)
+    {
+        Record* document = company.main().insertRecord(s("Documents"), {{s("type"), type},
+                                                                        {s("draft"), draft},
+                                                                        {s("number_formatted"), number},
+                                                                        {s("created"), created},
+                                                                        {s("date_creation"), created},
+                                                                        {s("identifier"), support::UUID()}});
+        document->setRelated(s("client"), client);
+        Record* row =
+            company.main().insertRecord(s("DocumentRows"), {{s("quantity"), quantity}, {s("order"), 1}});
+        row->setRelated(s("document"), document);
+        row->setRelated(s("item"), item);
+        company.save();
+    }
+
+    // Opens the delivery sheet from the window's warehouse view.
+    static DeliverySheet* openDeliverySheet(ItemEditorWindow& window)
+    {
+        window.findChild<QToolButton*>(s("deliveriesInButton"))->click();
+        window.findChild<QPushButton*>(s("addDeliveryButton"))->click();
+        auto* sheet = window.findChild<DeliverySheet*>(s("DeliverySheet"));
+        if (sheet && !QTest::qWaitForWindowExposed(sheet))
+            return nullptr;
+        return sheet;
+    }
+
+    // Types into the supplier field and picks the first suggestion from the completer's list.
+    static void pickSupplier(DeliverySheet* sheet, const QString& typed)
+    {
+        auto* edit = sheet->findChild<QLineEdit*>(s("supplierEdit"));
+        QTest::keyClicks(edit, typed);
+        QAbstractItemView* popup = edit->completer()->popup();
+        QTRY_VERIFY(popup->isVisible());
+        popup->setCurrentIndex(popup->model()->index(0, 0));
+        QTest::keyClick(popup, Qt::Key_Return);
+    }
+
+private Q_SLOTS:
+    void initTestCase() { QCoreApplication::setOrganizationName(s("corvanta-tests")); }
+
+    // Prices are typed into the window's own fields; Gross to Net takes out the first rate of
+    // the chosen tax only, once per click.
+    void grossToNet_data()
+    {
+        QTest::addColumn<double>("rate1");
+        QTest::addColumn<double>("rate2");
+        QTest::addColumn<int>("clicks");
+        QTest::addColumn<double>("price1");
+        QTest::addColumn<double>("price2");
+        QTest::addColumn<QString>("shown1");
+        QTest::newRow("20 % with a second rate of 5 %") << 20.0 << 5.0 << 1 << 100.0 << 50.0 << s("100");
+        QTest::newRow("no tax keeps the prices") << -1.0 << 0.0 << 1 << 120.0 << 60.0 << s("120");
+        QTest::newRow("applied twice divides twice")
+            << 20.0 << 0.0 << 2 << 120.0 / 1.2 / 1.2 << 60.0 / 1.2 / 1.2 << s("83.33");
+    }
+    void grossToNet()
+    {
+        QFETCH(double, rate1);
+        QFETCH(double, rate2);
+        QFETCH(int, clicks);
+        QFETCH(double, price1);
+        QFETCH(double, price2);
+        QFETCH(QString, shown1);
+        UiCompany company;
+        const QString taxName =
+            rate1 < 0 ? QString() : addTax(company, rate1, rate2)->value(s("name")).toString();
+        ui::OpenEditors openEditors;
+        ItemEditorWindow window(company.store(), company.prompter(), openEditors);
+        QVERIFY(window.newItem(1));
+        if (!taxName.isEmpty())
+            choose(window.findChild<QComboBox*>(s("taxPopup")), taxName);
+        else
+            choose(window.findChild<QComboBox*>(s("taxPopup")), s("None"));
+        type(window.findChild<QLineEdit*>(s("priceEdit01")), s("120"));
+        type(window.findChild<QLineEdit*>(s("priceEdit02")), s("60"));
+        for (int i = 0; i < clicks; ++i)
+            QTest::mouseClick(window.findChild<QPushButton*>(s("grossToNetButton")), Qt::LeftButton);
+
+        const Record* item = window.controller().item();
+        QCOMPARE(item->value(s("custom_price01")).toDouble(), price1);
+        QCOMPARE(item->value(s("custom_price02")).toDouble(), price2);
+        QVERIFY(item->value(s("custom_price03")).isNull());
+        QCOMPARE(window.findChild<QLineEdit*>(s("priceEdit01"))->text(), shown1);
+        QVERIFY(window.isWindowModified());
+        QVERIFY(company.prompter().questions().isEmpty());
+    }
+
+    // A price the program cannot take is told and the field shows the stored price again.
+    void refusedPrice_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("not a number") << s("abc") << format::NumberInput::notANumberMessage(s("abc"));
+        QTest::newRow("too large for a price")
+            << s("2000000000000")
+            << s("The price must be a number from -1,000,000,000,000 to 1,000,000,000,000.");
+    }
+    void refusedPrice()
+    {
+        QFETCH(QString, typed);
+        QFETCH(QString, message);
+        UiCompany company;
+        ui::OpenEditors openEditors;
+        ItemEditorWindow window(company.store(), company.prompter(), openEditors);
+        QVERIFY(window.newItem(0));
+        auto* field = window.findChild<QLineEdit*>(s("priceEdit03"));
+        type(field, s("12.5"));
+        type(field, typed);
+
+        QCOMPARE(company.prompter().titles(), QStringList{format::NumberInput::alertTitle()});
+        QCOMPARE(company.prompter().questions().constFirst().text, message);
+        QCOMPARE(window.controller().item()->value(s("custom_price03")).toDouble(), 12.5);
+        QCOMPARE(field->text(), s("12.5"));
+    }
+
+    // Only the sheet's confirming button adds the delivery; the supplier comes from the
+    // suggestions of suppliers (type 1) and is shown by its full name.
+    void deliverySheet_data()
+    {
+        QTest::addColumn<QString>("answer");
+        QTest::addColumn<int>("deliveries");
+        QTest::newRow("Add") << s("add") << 1;
+        QTest::newRow("Return in the quantity field") << s("return") << 1;
+        QTest::newRow("Cancel") << s("cancel") << 0;
+        QTest::newRow("Escape") << s("escape") << 0;
+    }
+    void deliverySheet()
+    {
+        QFETCH(QString, answer);
+        QFETCH(int, deliveries);
+        UiCompany company;
+        addSupplier(company, s("Acme Supplies Ltd"));
+        company.addClient(s("Acme Retail")); // a customer, not a supplier
+        ui::OpenEditors openEditors;
+        ItemEditorWindow window(company.store(), company.prompter(), openEditors);
+        QVERIFY(window.newItem(1));
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+
+        QPointer<DeliverySheet> sheet = openDeliverySheet(window);
+        QVERIFY(sheet);
+        QCOMPARE(sheet->windowModality(), Qt::WindowModal);
+        pickSupplier(sheet, s("acme"));
+        auto* supplierEdit = sheet->findChild<QLineEdit*>(s("supplierEdit"));
+        QCOMPARE(supplierEdit->completer()->model()->rowCount(), 1);
+        QCOMPARE(supplierEdit->text(), s("Acme Supplies Ltd"));
+        sheet->findChild<QDateEdit*>(s("dateEdit"))->setDate(QDate(2026, 3, 14));
+        type(sheet->findChild<QLineEdit*>(s("quantityEdit")), s("7.5"), answer == s("return"));
+        if (answer == s("add"))
+            QTest::mouseClick(sheet->findChild<QPushButton*>(s("addButton")), Qt::LeftButton);
+        else if (answer == s("cancel"))
+            QTest::mouseClick(sheet->findChild<QPushButton*>(s("cancelButton")), Qt::LeftButton);
+        else
+            QTest::keyClick(sheet, Qt::Key_Escape);
+        QTRY_VERIFY(sheet.isNull());
+
+        const QList<Record*> in = window.controller().movementsIn();
+        QCOMPARE(in.size(), deliveries);
+        QCOMPARE(rowsOf(window.findChild<QTreeWidget*>(s("deliveriesInList"))).size(), deliveries);
+        QCOMPARE(window.isWindowModified(), deliveries > 0);
+        if (deliveries) {
+            QCOMPARE(in.constFirst()->value(s("quantity")).toDouble(), 7.5);
+            QCOMPARE(in.constFirst()->value(s("date")).toDateTime().date(), QDate(2026, 3, 14));
+            QCOMPARE(in.constFirst()->valueForKeyPath(s("client.company_name")).toString(),
+                     s("Acme Supplies Ltd"));
+        }
+        QVERIFY(company.prompter().questions().isEmpty());
+    }
+
+    // Out: rows of documents that are not drafts, of every type; in: the deliveries. Removing a
+    // delivery takes it off the list and marks the item edited.
+    void warehouseViews()
+    {
+        UiCompany company;
+        Record* supplier = addSupplier(company, s("Northwind Traders"));
+        Record* client = company.addClient(s("Blue Harbour"));
+        Record* item = addItem(company, s("Oak Table"));
+        addDelivery(company, item, supplier, 10, QDate(2026, 1, 5));
+        addDelivery(company, item, supplier, 5, QDate(2026, 2, 9));
+        const QDateTime created(QDate(2026, 3, 1), QTime(10, 0));
+        addDocumentRow(company, 0, false, s("INV-7"), client, item, 3, created);
+        addDocumentRow(company, 0, true, s("draft"), client, item, 4, created);
+        addDocumentRow(company, 3, false, s("QUO-2"), client, item, 2, created);
+
+        ui::OpenEditors openEditors;
+        ItemEditorWindow window(company.store(), company.prompter(), openEditors);
+        QVERIFY(window.openItem(item->ref()));
+        const QString day = shortDate(created.date());
+        QStringList out = rowsOf(window.findChild<QTreeWidget*>(s("movementsOutList")));
+        out.sort();
+        QCOMPARE(out, (QStringList{s("2 | Blue Harbour | QUO-2 | ") + day,
+                                   s("3 | Blue Harbour | INV-7 | ") + day}));
+        auto* inList = window.findChild<QTreeWidget*>(s("deliveriesInList"));
+        QCOMPARE(rowsOf(inList), (QStringList{shortDate(QDate(2026, 1, 5)) + s(" | Northwind Traders | 10"),
+                                              shortDate(QDate(2026, 2, 9)) + s(" | Northwind Traders | 5")}));
+
+        auto* removeButton = window.findChild<QPushButton*>(s("removeDeliveryButton"));
+        QVERIFY(!removeButton->isEnabled());
+        inList->setCurrentItem(inList->topLevelItem(0));
+        QVERIFY(removeButton->isEnabled());
+        removeButton->click();
+        QCOMPARE(rowsOf(inList), QStringList{shortDate(QDate(2026, 2, 9)) + s(" | Northwind Traders | 5")});
+        QVERIFY(window.isWindowModified());
+    }
+
+    // A delivery added in the window counts in the stock once the item is saved: 10 + 5 + 4
+    // delivered, 3 sold on a final invoice (the quotation does not count).
+    void stockAfterDeliveryAndSave()
+    {
+        UiCompany company;
+        Record* supplier = addSupplier(company, s("Northwind Traders"));
+        Record* client = company.addClient(s("Blue Harbour"));
+        Record* item = addItem(company, s("Oak Table"));
+        addDelivery(company, item, supplier, 10, QDate(2026, 1, 5));
+        addDelivery(company, item, supplier, 5, QDate(2026, 2, 9));
+        addDocumentRow(company, 0, false, s("INV-7"), client, item, 3, QDateTime::currentDateTime());
+        addDocumentRow(company, 3, false, s("QUO-2"), client, item, 2, QDateTime::currentDateTime());
+
+        ui::OpenEditors openEditors;
+        QPointer<ItemEditorWindow> window =
+            new ItemEditorWindow(company.store(), company.prompter(), openEditors);
+        QVERIFY(window->openItem(item->ref()));
+        window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(window));
+        QPointer<DeliverySheet> sheet = openDeliverySheet(*window);
+        QVERIFY(sheet);
+        pickSupplier(sheet, s("north"));
+        type(sheet->findChild<QLineEdit*>(s("quantityEdit")), s("4"), false);
+        QTest::mouseClick(sheet->findChild<QPushButton*>(s("addButton")), Qt::LeftButton);
+        QTRY_VERIFY(sheet.isNull());
+        QTest::mouseClick(window->findChild<QPushButton*>(s("saveButton")), Qt::LeftButton);
+        QTRY_VERIFY(window.isNull()); // a save from the window's own button closes it
+
+        ItemEditorWindow reopened(company.store(), company.prompter(), openEditors);
+        QVERIFY(reopened.openItem(item->ref()));
+        QCOMPARE(reopened.findChild<QLabel*>(s("stockLabel"))->text(), s("16"));
+        QCOMPARE(rowsOf(reopened.findChild<QTreeWidget*>(s("deliveriesInList"))).size(), 3);
+        QVERIFY(company.prompter().questions().isEmpty());
+    }
+
+    // Closing with unsaved changes asks; Cancel keeps the window and its edits.
+    void closeQuestion_data()
+    {
+        QTest::addColumn<bool>("edited");
+        QTest::addColumn<QString>("answer");
+        QTest::addColumn<bool>("closed");
+        QTest::addColumn<bool>("stored");
+        QTest::newRow("unchanged: no question") << false << QString() << true << false;
+        QTest::newRow("Save") << true << s("Save") << true << true;
+        QTest::newRow("Don't Save") << true << s("Don't Save") << true << false;
+        QTest::newRow("Cancel") << true << s("Cancel") << false << false;
+    }
+    void closeQuestion()
+    {
+        QFETCH(bool, edited);
+        QFETCH(QString, answer);
+        QFETCH(bool, closed);
+        QFETCH(bool, stored);
+        UiCompany company;
+        ui::OpenEditors openEditors;
+        QPointer<ItemEditorWindow> window =
+            new ItemEditorWindow(company.store(), company.prompter(), openEditors);
+        QVERIFY(window->newItem(0));
+        window->show();
+        if (edited) {
+            QTest::keyClicks(window->findChild<QLineEdit*>(s("nameEdit")), s("Garden Design"));
+            QCOMPARE(window->windowTitle(), s("Garden Design[*]"));
+            company.prompter().addAnswer(answer);
+        } else {
+            QCOMPARE(window->windowTitle(), s("New Item[*]"));
+        }
+        QCOMPARE(window->isWindowModified(), edited);
+        QCOMPARE(window->close(), closed);
+
+        if (edited) {
+            QCOMPARE(company.prompter().questions().size(), 1);
+            const auto& question = company.prompter().questions().constFirst();
+            QCOMPARE(question.title, s("Save this item?"));
+            QCOMPARE(
+                question.text,
+                s("This item has not been saved and contains unsaved changes. Would you like to save now?"));
+            QCOMPARE(question.buttons, (QStringList{s("Save"), s("Don't Save"), s("Cancel")}));
+        } else {
+            QVERIFY(company.prompter().questions().isEmpty());
+        }
+        if (closed) {
+            QTRY_VERIFY(window.isNull());
+        } else {
+            QVERIFY(window->isVisible());
+            QVERIFY(window->isWindowModified());
+            QCOMPARE(window->findChild<QLineEdit*>(s("nameEdit"))->text(), s("Garden Design"));
+            delete window;
+        }
+        QCOMPARE(company.named("Items", s("name"), s("Garden Design")) != nullptr, stored);
+    }
+
+    // A new item saved while a document editor is shown becomes a row of that document at the
+    // price level active there; without one shown nothing is handed over.
+    void handOver_data()
+    {
+        QTest::addColumn<bool>("documentShown");
+        QTest::addColumn<int>("level");
+        QTest::addColumn<double>("unitPrice");
+        QTest::newRow("first level") << true << 1 << 10.0;
+        QTest::newRow("third level") << true << 3 << 30.0;
+        QTest::newRow("document editor hidden") << false << 1 << 0.0;
+    }
+    void handOver()
+    {
+        QFETCH(bool, documentShown);
+        QFETCH(int, level);
+        QFETCH(double, unitPrice);
+        UiCompany company;
+        editors::DocumentController document(company.store(), company.prompter());
+        QVERIFY(document.newDocument(0));
+        document.defaultPriceChanged(level);
+        QWidget documentWindow;
+        if (documentShown)
+            documentWindow.show();
+        ui::OpenEditors openEditors;
+        openEditors.addDocumentEditor(&documentWindow, &document);
+
+        QPointer<ItemEditorWindow> window =
+            new ItemEditorWindow(company.store(), company.prompter(), openEditors);
+        QVERIFY(window->newItem(0));
+        type(window->findChild<QLineEdit*>(s("nameEdit")), s("Consulting"));
+        for (int n = 1; n <= 5; ++n)
+            type(window->findChild<QLineEdit*>(s("priceEdit0%1").arg(n)), QString::number(n * 10));
+        QVERIFY(window->save());
+        QTRY_VERIFY(window.isNull());
+
+        const QList<Record*> rows = document.rows();
+        QCOMPARE(rows.size(), documentShown ? 1 : 0);
+        if (documentShown) {
+            QCOMPARE(rows.constFirst()->value(s("name")).toString(), s("Consulting"));
+            QCOMPARE(rows.constFirst()->value(s("unit_price")).toDouble(), unitPrice);
+            QCOMPARE(rows.constFirst()->valueForKeyPath(s("item.name")).toString(), s("Consulting"));
+        }
+        QVERIFY(company.named("Items", s("name"), s("Consulting")));
+    }
+
+    // The company's names for the custom fields and price levels label the fields; a hidden
+    // custom field is not shown; what is typed lands in the field's own key.
+    void fieldLabels()
+    {
+        UiCompany company;
+        const auto compose = [&](const char* name) { return company.named("Compose", s("name"), s(name)); };
+        compose("item_custom02")->setValue(s("label"), s("Colour"));
+        compose("item_custom04")->setValue(s("hidden"), true);
+        compose("item_custom_price02")->setValue(s("label"), s("Wholesale"));
+        company.save();
+        ui::OpenEditors openEditors;
+        ItemEditorWindow window(company.store(), company.prompter(), openEditors);
+        QVERIFY(window.newItem(1));
+        window.show();
+
+        const auto labelOf = [&](const char* field) {
+            const QList<QLabel*> labels = window.findChildren<QLabel*>();
+            for (const QLabel* label : labels) {
+                if (label->buddy() && label->buddy()->objectName() == s(field))
+                    return label->isVisibleTo(&window) ? label->text() : s("(hidden)");
+            }
+            return s("(none)");
+        };
+        QCOMPARE(labelOf("customEdit02"), s("Colour:"));
+        QCOMPARE(labelOf("customEdit04"), s("(hidden)"));
+        QCOMPARE(labelOf("priceEdit01"), s("Unit Price:"));
+        QCOMPARE(labelOf("priceEdit02"), s("Wholesale:"));
+        QTest::keyClicks(window.findChild<QLineEdit*>(s("customEdit02")), s("Green"));
+        QCOMPARE(window.controller().item()->value(s("custom02")).toString(), s("Green"));
+    }
+};
+
+CORVANTA_UI_TEST_MAIN(TestItemEditor)
+
+#include "tst_itemeditor.moc"
