@@ -397,6 +397,7 @@ Record* DocumentController::addItem(const RecordRef& item)
         return nullptr;
     Record* row = addRow();
     RowFiller::fillFromItem(row, own, m_priceLevels.active());
+    Q_EMIT handOverReceived();
     return row;
 }
 
@@ -412,6 +413,7 @@ bool DocumentController::setClient(const RecordRef& client)
         return false;
     m_document->setRelated(s("client"), own);
     updateDocumentFields();
+    Q_EMIT handOverReceived();
     return true;
 }
 
@@ -421,6 +423,7 @@ bool DocumentController::addClient(const RecordRef& client)
     if (!own)
         return false;
     takeClient(own);
+    Q_EMIT handOverReceived();
     return true;
 }
 

@@ -135,6 +135,9 @@ Q_SIGNALS:
     void previewCloseRequested();
     void closeRequested();
     void soundRequested(const QString& name);
+    // A client or an item saved in another window reached the document (addItem, setClient,
+    // addClient): its window shows the header, the rows and the totals again.
+    void handOverReceived();
 
 private:
     struct StateBeforeSave

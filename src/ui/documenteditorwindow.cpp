@@ -132,6 +132,11 @@ DocumentEditorWindow::DocumentEditorWindow(store::Store& store, support::Prompte
             [this] { m_tabs->setCurrentIndex(0); });
     connect(m_controller.get(), &DocumentController::closeRequested, this, &QWidget::close);
     connect(m_rowsModel, &DocumentRowsModel::amountsChanged, this, &DocumentEditorWindow::refreshTotals);
+    connect(m_controller.get(), &DocumentController::handOverReceived, this, [this] {
+        refreshHeader();
+        m_rowsModel->updateFormats();
+        refreshTotals();
+    });
 
     openEditors.addDocumentEditor(this, m_controller.get());
 

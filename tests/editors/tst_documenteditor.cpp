@@ -433,6 +433,7 @@ void tst_DocumentEditor::savedRecordsReachTheOpenDocument()
     auto document = m_company->make<DocumentController>();
     document.newDocument(0);
     document.defaultPriceChanged(2);
+    QSignalSpy handedOver(&document, &DocumentController::handOverReceived);
     auto clients = m_company->make<ClientController>();
     Record* client = clients.newClient(2);
     client->setValue(s("first_name"), s("Ann"));
@@ -447,6 +448,7 @@ void tst_DocumentEditor::savedRecordsReachTheOpenDocument()
     QVERIFY(clients.save(ClientController::Sender::Control, &document));
     QCOMPARE(TestCompany::text(document.document(), s("client_full_name client_city client_email")),
              s("client_full_name=Ann Smith client_city=Szeged client_email=ann@smith.test"));
+    QCOMPARE(handedOver.count(), 1);
     // A saved item is filed under its kind, keeps the user's tags, and becomes a row at the active
     // price level. Only the first rate of its tax is taken out of its prices.
     auto items = m_company->make<ItemController>();
@@ -466,6 +468,7 @@ void tst_DocumentEditor::savedRecordsReachTheOpenDocument()
     QCOMPARE(document.rows().size(), 1);
     QCOMPARE(TestCompany::text(document.rows().first(), s("name unit_price total item.name")),
              s("name=Consulting unit_price=100 total=125 item.name=Consulting"));
+    QCOMPARE(handedOver.count(), 2);
     QVERIFY(document.isEdited() && document.canSave());
 }
 
