@@ -160,6 +160,15 @@ void DocumentOutputs::sendEmail(Record* document)
 {
     if (!document)
         return;
+    // The sheet reads the document as stored; the editor saves it before handing it over.
+    {
+        const std::unique_ptr<store::EditingContext> stored = m_store.newContext();
+        if (!stored->fetchRecord(s("Documents"), document->ref())) {
+            m_prompter.alert(tr("Send by Email"), tr("The document has to be saved before it can be sent."),
+                             {tr("OK")});
+            return;
+        }
+    }
     auto* sheet = new EmailPreparationWindow(m_store, m_prompter, document->ref(),
                                              m_parent ? m_parent->window() : nullptr);
     sheet->setAttribute(Qt::WA_DeleteOnClose);

@@ -50,13 +50,16 @@ public:
     // Closes a document's preview, as saving or closing its editor does.
     void closePreview(const predicate::RecordRef& document);
 
+    // The copies printing starts with: the setting "print_copy_" with the document's type name,
+    // at least 1.
+    int copiesSetting(const store::Record& document) const;
+
     // "Preview – " and the document's number, or its type before it has one.
     static QString previewTitle(const store::Record& document);
 
 private:
     // Renders to the temporary folder; the path, or empty after telling the user why not.
     QString renderTemporary(store::Record* document, const QString& fileName, const QString& title);
-    int copiesSetting(const store::Record& document) const;
 
     store::Store& m_store;
     support::Prompter& m_prompter;

@@ -100,8 +100,6 @@ QPushButton* iconButton(const char* icon, const QString& text, const char* name,
 DocumentPaymentsSheet::DocumentPaymentsSheet(store::Store& store, support::Prompter& prompter,
                                              const predicate::RecordRef& document, QWidget* parent)
     : QDialog(parent)
-    , m_store(store)
-    , m_prompter(prompter)
     , m_document(document)
 {
     setObjectName(s("DocumentPaymentsSheet"));

@@ -51,8 +51,6 @@ private:
     void updateRemaining();
     void updateButtons();
 
-    store::Store& m_store;
-    support::Prompter& m_prompter;
     predicate::RecordRef m_document;
     documents::DocumentPayments* m_payments = nullptr;
     PaymentsTableModel* m_model = nullptr;

@@ -35,6 +35,7 @@ class EmailPreparationWindow : public QDialog
     Q_OBJECT
 
 public:
+    // `selected` is a stored client or document.
     EmailPreparationWindow(store::Store& store, support::Prompter& prompter,
                            const predicate::RecordRef& selected, QWidget* parent = nullptr);
     ~EmailPreparationWindow() override;

@@ -13,6 +13,7 @@
 #include "ui/previewwindow.h"
 #include "uitestsupport.h"
 
+#include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDoubleSpinBox>
@@ -21,9 +22,11 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPdfDocument>
+#include <QPdfView>
 #include <QPlainTextEdit>
 #include <QPrinter>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QStandardPaths>
 #include <QTableView>
 #include <QTemporaryDir>
@@ -169,6 +172,14 @@ void TestDocumentOutputs::previewPages()
     QVERIFY(rendered > 1);
     QCOMPARE(window->document()->pageCount(), rendered);
     QCOMPARE(window->findChild<QLabel*>(s("pageLabel"))->text(), s("Page 1 of %1").arg(rendered));
+
+    // The next page is scrolled to and named; the first has no page before it.
+    QVERIFY(!window->findChild<QAction*>(s("previousPageAction"))->isEnabled());
+    const int top = window->view()->verticalScrollBar()->value();
+    window->findChild<QAction*>(s("nextPageAction"))->trigger();
+    QCOMPARE(window->currentPage(), 1);
+    QVERIFY(window->view()->verticalScrollBar()->value() > top);
+    QCOMPARE(window->findChild<QLabel*>(s("pageLabel"))->text(), s("Page 2 of %1").arg(rendered));
 
     // Asked again after more rows: the same window, rendered anew.
     for (int i = 0; i < 30; ++i)
@@ -478,6 +489,12 @@ void TestDocumentOutputs::pictures()
     preview->resize(760, 900);
     QTest::qWait(300);
     QVERIFY(preview->grab().save(folder + s("/preview.png")));
+
+    QPrinter printer(QPrinter::HighResolution);
+    printer.setOutputFormat(QPrinter::PdfFormat);
+    printer.setOutputFileName(folder + s("/printed.pdf"));
+    PdfPrinter::setUp(printer, 2);
+    QVERIFY(m_outputs->printTo(document, printer));
 
     m_company->main().insertRecord(
         s("EmailTemplates"),
