@@ -59,7 +59,7 @@ DeliverySheet::DeliverySheet(editors::ItemController& controller, support::Promp
     auto* informativeLabel =
         new QLabel(tr("The delivered quantity adds to the item's stock when the item is saved."), this);
     informativeLabel->setWordWrap(true);
-    informativeLabel->setMinimumWidth(fontMetrics().averageCharWidth() * 48);
+    informativeLabel->setMinimumWidth(fontMetrics().averageCharWidth() * 60);
 
     m_supplierEdit = new QLineEdit(this);
     m_supplierEdit->setObjectName(s("supplierEdit"));

@@ -118,7 +118,10 @@ ItemEditorWindow::~ItemEditorWindow()
 QWidget* ItemEditorWindow::makeItemFields()
 {
     auto* box = new QGroupBox(tr("Item"), this);
-    auto* form = new QFormLayout(box);
+    auto* form = new QFormLayout;
+    auto* boxLayout = new QVBoxLayout(box);
+    boxLayout->addLayout(form);
+    boxLayout->addStretch(1);
     const auto addRow = [&](const QString& text, QWidget* field) {
         auto* label = new QLabel(text, box);
         label->setBuddy(field);
@@ -166,6 +169,7 @@ QWidget* ItemEditorWindow::makeItemFields()
     m_descEdit->setObjectName(s("descEdit"));
     m_descEdit->setTabChangesFocus(true);
     m_descEdit->setMinimumHeight(fontMetrics().lineSpacing() * 4);
+    m_descEdit->setMaximumHeight(fontMetrics().lineSpacing() * 8);
     addRow(tr("&Description:"), m_descEdit);
     connect(m_descEdit, &QPlainTextEdit::textChanged, this,
             [this] { setText(s("desc"), m_descEdit->toPlainText()); });

@@ -32,7 +32,8 @@ QString shortDate(const QDateTime& date)
     return date.isValid() ? QLocale().toString(date.date(), QLocale::ShortFormat) : QString();
 }
 
-QTreeWidget* makeList(const char* name, const QStringList& headers, int quantityColumn, QWidget* parent)
+QTreeWidget* makeList(const char* name, const QStringList& headers, int quantityColumn, int nameColumn,
+                      QWidget* parent)
 {
     auto* list = new QTreeWidget(parent);
     list->setObjectName(s(name));
@@ -43,8 +44,10 @@ QTreeWidget* makeList(const char* name, const QStringList& headers, int quantity
     list->setHeaderLabels(headers);
     list->headerItem()->setTextAlignment(quantityColumn, Qt::AlignRight | Qt::AlignVCenter);
     list->header()->setStretchLastSection(false);
+    // The name takes the room the numbers and dates leave.
     for (int column = 0; column < headers.size(); ++column)
-        list->header()->setSectionResizeMode(column, QHeaderView::ResizeToContents);
+        list->header()->setSectionResizeMode(column, column == nameColumn ? QHeaderView::Stretch
+                                                                          : QHeaderView::ResizeToContents);
     return list;
 }
 
@@ -97,9 +100,9 @@ ItemWarehouseView::ItemWarehouseView(editors::ItemController& controller, suppor
 
     m_outList =
         makeList("movementsOutList", {tr("Quantity"), tr("Client"), tr("Document Number"), tr("Date")},
-                 kOutQuantityColumn, this);
-    m_inList =
-        makeList("deliveriesInList", {tr("Date"), tr("Supplier"), tr("Quantity")}, kInQuantityColumn, this);
+                 kOutQuantityColumn, 1, this);
+    m_inList = makeList("deliveriesInList", {tr("Date"), tr("Supplier"), tr("Quantity")}, kInQuantityColumn,
+                        1, this);
 
     m_addButton = new QPushButton(QIcon::fromTheme(s("list-add")), tr("Add Delivery…"), this);
     m_addButton->setObjectName(s("addDeliveryButton"));
