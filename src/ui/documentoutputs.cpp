@@ -14,6 +14,7 @@
 
 #include <QDir>
 #include <QFileDialog>
+#include <QPdfDocument>
 #include <QPrintDialog>
 #include <QPrinter>
 #include <QStandardPaths>
@@ -107,27 +108,37 @@ bool DocumentOutputs::printTo(Record* document, QPrinter& printer)
 {
     const QString path =
         renderTemporary(document, templates::PdfFileNames::documentFileName(*document), tr("Print"));
-    if (path.isEmpty())
-        return false;
+    return !path.isEmpty() && printFile(path, printer);
+}
+
+bool DocumentOutputs::printFile(const QString& path, QPrinter& printer)
+{
     QString error;
-    if (!PdfPrinter::print(path, printer, &error)) {
-        m_prompter.alert(tr("Print"), error, {tr("OK")});
-        return false;
-    }
-    return true;
+    if (PdfPrinter::print(path, printer, &error))
+        return true;
+    m_prompter.alert(tr("Print"), error, {tr("OK")});
+    return false;
 }
 
 void DocumentOutputs::print(Record* document, int copies)
 {
     if (!document)
         return;
+    // Rendered first, so that the dialog knows the pages there are to choose from.
+    const QString path =
+        renderTemporary(document, templates::PdfFileNames::documentFileName(*document), tr("Print"));
+    if (path.isEmpty())
+        return;
     QPrinter printer(QPrinter::HighResolution);
     PdfPrinter::setUp(printer, copies);
     printer.setDocName(document->value(s("number_formatted")).toString());
     QPrintDialog dialog(&printer, m_parent ? m_parent->window() : nullptr);
     dialog.setObjectName(s("printDialog"));
+    QPdfDocument pdf;
+    if (pdf.load(path) == QPdfDocument::Error::None && pdf.pageCount() > 0)
+        dialog.setMinMax(1, pdf.pageCount());
     if (dialog.exec() == QDialog::Accepted)
-        printTo(document, printer);
+        printFile(path, printer);
 }
 
 bool DocumentOutputs::saveTo(Record* document, const QString& path)

@@ -60,6 +60,7 @@ public:
 private:
     // Renders to the temporary folder; the path, or empty after telling the user why not.
     QString renderTemporary(store::Record* document, const QString& fileName, const QString& title);
+    bool printFile(const QString& path, QPrinter& printer);
 
     store::Store& m_store;
     support::Prompter& m_prompter;

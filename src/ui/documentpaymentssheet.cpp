@@ -232,4 +232,9 @@ void DocumentPaymentsSheet::finish(bool settle)
     done(settle ? 1 : 0);
 }
 
+void DocumentPaymentsSheet::reject()
+{
+    finish(false);
+}
+
 } // namespace corvanta::ui

@@ -46,6 +46,8 @@ public Q_SLOTS:
     void removePayments();
     // Leaves the sheet, paying the rest when `settle` is set.
     void finish(bool settle);
+    // Escape and the window's close button leave as "Close" does.
+    void reject() override;
 
 private:
     void updateRemaining();
