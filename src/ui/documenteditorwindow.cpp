@@ -131,11 +131,15 @@ DocumentEditorWindow::DocumentEditorWindow(store::Store& store, support::Prompte
     connect(m_controller.get(), &DocumentController::documentTabRequested, this,
             [this] { m_tabs->setCurrentIndex(0); });
     connect(m_controller.get(), &DocumentController::closeRequested, this, &QWidget::close);
-    connect(m_rowsModel, &DocumentRowsModel::amountsChanged, this, &DocumentEditorWindow::refreshTotals);
+    connect(m_rowsModel, &DocumentRowsModel::amountsChanged, this, [this] {
+        refreshTotals();
+        refreshSelection(); // the selected row's price fields
+    });
     connect(m_controller.get(), &DocumentController::handOverReceived, this, [this] {
         refreshHeader();
         m_rowsModel->updateFormats();
         refreshTotals();
+        refreshSelection();
     });
 
     openEditors.addDocumentEditor(this, m_controller.get());
@@ -415,6 +419,8 @@ QWidget* DocumentEditorWindow::makeFooter()
     noteColumn->addWidget(m_rowNoteEdit);
     noteColumn->addStretch(1);
     layout->addLayout(noteColumn, 3);
+    layout->addSpacing(footer->style()->pixelMetric(QStyle::PM_LayoutHorizontalSpacing) * 2);
+    layout->addWidget(makeRowPrices(), 2, Qt::AlignTop);
 
     m_totalsBox = new QWidget(footer);
     m_totalsBox->setObjectName(s("totalsBox"));
@@ -425,6 +431,42 @@ QWidget* DocumentEditorWindow::makeFooter()
     layout->addSpacing(footer->style()->pixelMetric(QStyle::PM_LayoutHorizontalSpacing) * 4);
     layout->addWidget(m_totalsBox, 2, Qt::AlignTop);
     return footer;
+}
+
+QWidget* DocumentEditorWindow::makeRowPrices()
+{
+    auto* box = new QWidget;
+    box->setObjectName(s("rowPrices"));
+    auto* form = new QFormLayout(box);
+    form->setContentsMargins(0, 0, 0, 0);
+    form->setLabelAlignment(Qt::AlignRight);
+    for (int level = 1; level <= documents::PriceLevels::kCount; ++level) {
+        auto* field = new QLineEdit(box);
+        field->setObjectName(s("priceField%1").arg(level));
+        field->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+        connect(field, &QLineEdit::editingFinished, this, [this, level] { priceEntered(level); });
+        auto* label = new QLabel(box);
+        label->setBuddy(field);
+        form->addRow(label, field);
+        m_priceLabels << label;
+        m_priceFields << field;
+    }
+    return box;
+}
+
+void DocumentEditorWindow::priceEntered(int level)
+{
+    QLineEdit* field = m_priceFields.at(level - 1);
+    const QList<Record*>& rows = m_controller->selectedRows();
+    if (m_loading || !field->isModified() || rows.isEmpty())
+        return;
+    field->setModified(false);
+    Record* row = rows.first();
+    if (const std::optional<double> price = m_rowsModel->readPrice(field->text())) {
+        if (m_controller->setPrice(row, level, *price))
+            m_rowsModel->rowValuesChanged(row);
+    }
+    refreshSelection();
 }
 
 QWidget* DocumentEditorWindow::makeNotesTab()
@@ -598,6 +640,9 @@ void DocumentEditorWindow::refreshPriceLevels()
         QFont font = button->font();
         font.setBold(level == active);
         button->setFont(font);
+        QLabel* fieldLabel = m_priceLabels.at(level - 1);
+        fieldLabel->setText(tr("%1:").arg(label));
+        fieldLabel->setFont(font);
     }
 }
 
@@ -621,6 +666,15 @@ void DocumentEditorWindow::refreshSelection()
     const QString note = rows.isEmpty() ? QString() : rows.first()->value(s("note")).toString();
     if (m_rowNoteEdit->toPlainText() != note)
         m_rowNoteEdit->setPlainText(note);
+    const Record* first = rows.value(0);
+    for (int level = 1; level <= documents::PriceLevels::kCount; ++level) {
+        QLineEdit* field = m_priceFields.at(level - 1);
+        field->setEnabled(first);
+        field->setText(first
+                           ? m_rowsModel->priceText(first->value(m_controller->priceLevels().fieldKey(level)))
+                           : QString());
+        field->setModified(false);
+    }
 }
 
 // Reactions
@@ -705,6 +759,7 @@ void DocumentEditorWindow::priceLevelChosen(int level)
     m_rowsView->finishEditing();
     m_controller->defaultPriceChanged(level);
     refreshPriceLevels();
+    refreshSelection();
     m_rowsModel->updateFormats();
     refreshTotals();
 }
@@ -759,6 +814,8 @@ void DocumentEditorWindow::finishEditing()
     if (!m_clientEdit->text().trimmed().isEmpty())
         clientEntered();
     exchangeRateEntered();
+    for (int level = 1; level <= documents::PriceLevels::kCount; ++level)
+        priceEntered(level);
 }
 
 // Commands

@@ -100,6 +100,8 @@ private:
     void exchangeRateEntered();
     void currencyChosen(int index);
     void priceLevelChosen(int level);
+    void priceEntered(int level);
+    QWidget* makeRowPrices();
     void buildNotesMenu();
     // Ends every edit in progress, so that a command sees what was typed.
     void finishEditing();
@@ -134,6 +136,8 @@ private:
     DocumentRowsView* m_rowsView = nullptr;
     QButtonGroup* m_priceLevels = nullptr;
     QPlainTextEdit* m_rowNoteEdit = nullptr;
+    QList<QLabel*> m_priceLabels;
+    QList<QLineEdit*> m_priceFields;
     QToolButton* m_notesButton = nullptr;
     QFormLayout* m_totalsForm = nullptr;
     QWidget* m_totalsBox = nullptr;

@@ -171,19 +171,49 @@ bool DocumentRowsModel::setData(const QModelIndex& index, const QVariant& value,
     return changed;
 }
 
-bool DocumentRowsModel::setNumber(Record* row, int column, const QString& text)
+namespace {
+
+// A typed number in a formatter's style; nothing, after telling the user why, when it is none.
+// An emptied field counts as nothing typed: 0.
+std::optional<double> readNumber(const format::NumberFormatter& formatter, const QString& text,
+                                 support::Prompter& prompter)
 {
-    const format::NumberFormatter& formatter = column == Quantity ? *m_quantities : *m_priceInput;
     QVariant number;
     QString error;
     if (!formatter.getObjectValue(&number, text, &error)) {
-        m_prompter.alert(format::NumberInput::alertTitle(), error, {tr("OK")});
-        return false;
+        prompter.alert(format::NumberInput::alertTitle(), error, {DocumentRowsModel::tr("OK")});
+        return std::nullopt;
     }
-    // An emptied field counts as nothing: no quantity, no price.
-    const double amount = number.isNull() ? 0.0 : number.toDouble();
-    return column == Quantity ? m_controller.setQuantity(row, amount)
-                              : m_controller.setUnitPrice(row, amount);
+    return number.isNull() ? 0.0 : number.toDouble();
+}
+
+} // namespace
+
+bool DocumentRowsModel::setNumber(Record* row, int column, const QString& text)
+{
+    const std::optional<double> amount =
+        readNumber(column == Quantity ? *m_quantities : *m_priceInput, text, m_prompter);
+    if (!amount)
+        return false;
+    return column == Quantity ? m_controller.setQuantity(row, *amount)
+                              : m_controller.setUnitPrice(row, *amount);
+}
+
+QString DocumentRowsModel::priceText(const QVariant& price) const
+{
+    return m_priceInput->stringForObjectValue(price);
+}
+
+std::optional<double> DocumentRowsModel::readPrice(const QString& text) const
+{
+    return readNumber(*m_priceInput, text, m_prompter);
+}
+
+void DocumentRowsModel::rowValuesChanged(const Record* record)
+{
+    const int row = rowOf(record);
+    if (row >= 0)
+        rowChanged(row);
 }
 
 void DocumentRowsModel::rowChanged(int row)

@@ -3,6 +3,7 @@
 #include <QAbstractTableModel>
 #include <QList>
 #include <memory>
+#include <optional>
 
 namespace corvanta::editors {
 class DocumentController;
@@ -41,6 +42,13 @@ public:
     void updateFormats();
 
     store::Record* rowRecord(int row) const { return m_rows.value(row); }
+    // A row's values were changed outside the table (its price fields): redraws it and the totals.
+    void rowValuesChanged(const store::Record* record);
+    // A price as a price field shows it for typing: the document currency's separators, no mark.
+    QString priceText(const QVariant& price) const;
+    // Reads a typed price; nothing, after telling the user why, when the text is no number. An
+    // emptied field reads as 0.
+    std::optional<double> readPrice(const QString& text) const;
     int rowOf(const store::Record* record) const;
 
     int rowCount(const QModelIndex& parent = {}) const override;

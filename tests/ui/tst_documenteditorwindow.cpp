@@ -14,8 +14,11 @@
 #include <QIcon>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
+#include <QPlainTextEdit>
 #include <QPointer>
 #include <QStandardPaths>
+#include <QTableView>
 #include <QToolButton>
 
 using namespace corvanta;
@@ -36,6 +39,8 @@ private Q_SLOTS:
     void rowsTypedWithTabAndReturn();
     void itemNameEntered_data();
     void itemNameEntered();
+    void priceLevelsKeepTypedPrices();
+    void rowNoteLibrary();
     void saveWithoutClientKeepsWindowAndEdits();
     void draftThenFinalisedWhenPrinted();
     void closeQuestion_data();
@@ -262,6 +267,68 @@ void tst_DocumentEditor::itemNameEntered()
     QCOMPARE(row->value(s("name")).toString(), name);
     QCOMPARE(row->related(s("item")) != nullptr, linked);
     QCOMPARE(cellText(window, 0, DocumentRowsModel::Price), price);
+}
+
+void tst_DocumentEditor::priceLevelsKeepTypedPrices()
+{
+    const Record* bolt = addItem(s("Bolt"), s("B-8"), 4.5);
+    DocumentEditorWindow* window = newWindow();
+    QVERIFY(window->newDocument(0));
+    window->show();
+    window->controller().addItem(bolt->ref());
+    auto* view = window->findChild<QTableView*>(s("rowsView"));
+    view->selectRow(0);
+    auto* level1 = window->findChild<QLineEdit*>(s("priceField1"));
+    QCOMPARE(level1->text(), s("4.5"));
+
+    // A price typed for the active level is the row's price, and stays when another level is shown.
+    level1->setText(s("5.25"));
+    level1->setModified(true);
+    Q_EMIT level1->editingFinished();
+    QCOMPARE(cellText(window, 0, DocumentRowsModel::Price), s("$5.25"));
+    QTest::mouseClick(window->findChild<QToolButton*>(s("priceLevel2")), Qt::LeftButton);
+    QVERIFY(window->findChild<QToolButton*>(s("priceLevel2"))->isChecked());
+    QCOMPARE(cellText(window, 0, DocumentRowsModel::Price), s("$4.05"));
+    QCOMPARE(window->findChild<QLabel*>(s("totalValue"))->text(), s("$4.46"));
+    QTest::mouseClick(window->findChild<QToolButton*>(s("priceLevel1")), Qt::LeftButton);
+    QCOMPARE(cellText(window, 0, DocumentRowsModel::Price), s("$5.25"));
+    QCOMPARE(level1->text(), s("5.25"));
+}
+
+void tst_DocumentEditor::rowNoteLibrary()
+{
+    DocumentEditorWindow* window = newWindow();
+    QVERIFY(window->newDocument(0));
+    window->show();
+    window->controller().addRow();
+    window->controller().addRow();
+    auto* view = window->findChild<QTableView*>(s("rowsView"));
+    auto* note = window->findChild<QPlainTextEdit*>(s("rowNoteEdit"));
+    auto* menu = window->findChild<QToolButton*>(s("rowNotesButton"))->menu();
+    const auto entry = [&](const QString& title) {
+        Q_EMIT menu->aboutToShow();
+        for (QAction* action : menu->actions()) {
+            if (action->text() == title)
+                return action->menu();
+        }
+        return static_cast<QMenu*>(nullptr);
+    };
+
+    // A note typed for the first row goes to the library, and from there to the second row.
+    view->selectRow(0);
+    note->setPlainText(s("Delivered in two parts"));
+    Q_EMIT menu->aboutToShow();
+    menu->findChild<QAction*>(s("saveNoteAction"))->trigger();
+    view->selectRow(1);
+    QVERIFY(note->toPlainText().isEmpty());
+    QMenu* saved = entry(s("Delivered in two parts"));
+    QVERIFY(saved);
+    saved->actions().value(0)->trigger(); // Add to Selected Line
+    QCOMPARE(window->controller().rows().value(1)->value(s("note")).toString(), s("Delivered in two parts"));
+    QCOMPARE(note->toPlainText(), s("Delivered in two parts"));
+
+    entry(s("Delivered in two parts"))->actions().value(1)->trigger(); // Remove from Menu
+    QVERIFY(!entry(s("Delivered in two parts")));
 }
 
 void tst_DocumentEditor::saveWithoutClientKeepsWindowAndEdits()
