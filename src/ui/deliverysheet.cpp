@@ -64,6 +64,11 @@ DeliverySheet::DeliverySheet(editors::ItemController& controller, support::Promp
     m_supplierEdit = new QLineEdit(this);
     m_supplierEdit->setObjectName(s("supplierEdit"));
     m_supplierEdit->setPlaceholderText(tr("Company name"));
+    m_supplierHint =
+        new QLabel(tr("Choose a supplier from the suggestions, or leave the field empty."), this);
+    m_supplierHint->setObjectName(s("supplierHint"));
+    m_supplierHint->setWordWrap(true);
+    m_supplierHint->setForegroundRole(QPalette::PlaceholderText);
     m_suggestionModel = new QStringListModel(this);
     m_completer = new QCompleter(m_suggestionModel, this);
     m_completer->setObjectName(s("supplierCompleter"));
@@ -84,6 +89,7 @@ DeliverySheet::DeliverySheet(editors::ItemController& controller, support::Promp
     auto* supplierLabel = new QLabel(tr("&Supplier:"), this);
     supplierLabel->setBuddy(m_supplierEdit);
     form->addRow(supplierLabel, m_supplierEdit);
+    form->addRow(QString(), m_supplierHint);
     auto* quantityLabel = new QLabel(tr("&Quantity:"), this);
     quantityLabel->setBuddy(m_quantityEdit);
     form->addRow(quantityLabel, m_quantityEdit);
@@ -169,7 +175,7 @@ void DeliverySheet::supplierLeft()
 void DeliverySheet::updateAddButton()
 {
     const bool supplierKnown = m_supplier || m_supplierEdit->text().trimmed().isEmpty();
-    m_supplierEdit->setToolTip(supplierKnown ? QString() : tr("Choose a supplier from the suggestions"));
+    m_supplierHint->setVisible(!supplierKnown);
     m_addButton->setEnabled(supplierKnown && !m_quantityEdit->text().trimmed().isEmpty());
 }
 

@@ -4,6 +4,7 @@
 
 class QCompleter;
 class QDateEdit;
+class QLabel;
 class QLineEdit;
 class QPushButton;
 class QStringListModel;
@@ -51,6 +52,7 @@ private:
     store::Record* m_delivery = nullptr;
 
     QLineEdit* m_supplierEdit = nullptr;
+    QLabel* m_supplierHint = nullptr;
     QStringListModel* m_suggestionModel = nullptr;
     QCompleter* m_completer = nullptr;
     QLineEdit* m_quantityEdit = nullptr;

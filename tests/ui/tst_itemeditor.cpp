@@ -4,6 +4,7 @@
 #include "ui/deliverysheet.h"
 #include "ui/itemeditorwindow.h"
 #include "ui/openeditors.h"
+#include "ui/tagspopover.h"
 #include "uitestsupport.h"
 
 #include <QAbstractItemView>
@@ -229,6 +230,7 @@ private Q_SLOTS:
         QTest::newRow("Return in the quantity field") << s("return") << 1;
         QTest::newRow("Cancel") << s("cancel") << 0;
         QTest::newRow("Escape") << s("escape") << 0;
+        QTest::newRow("typed name that is no supplier") << s("unknown") << 0;
     }
     void deliverySheet()
     {
@@ -246,14 +248,26 @@ private Q_SLOTS:
         QPointer<DeliverySheet> sheet = openDeliverySheet(window);
         QVERIFY(sheet);
         QCOMPARE(sheet->windowModality(), Qt::WindowModal);
-        pickSupplier(sheet, s("acme"));
         auto* supplierEdit = sheet->findChild<QLineEdit*>(s("supplierEdit"));
+        auto* addButton = sheet->findChild<QPushButton*>(s("addButton"));
+        if (answer == s("unknown")) {
+            type(supplierEdit, s("Acme Retail"), false);
+            QVERIFY(!addButton->isEnabled());
+            QVERIFY(sheet->findChild<QLabel*>(s("supplierHint"))->isVisible());
+            QTest::mouseClick(addButton, Qt::LeftButton);
+            QTest::keyClick(sheet, Qt::Key_Escape);
+            QTRY_VERIFY(sheet.isNull());
+            QVERIFY(window.controller().movementsIn().isEmpty());
+            return;
+        }
+        pickSupplier(sheet, s("acme"));
+        QVERIFY(!sheet->findChild<QLabel*>(s("supplierHint"))->isVisible());
         QCOMPARE(supplierEdit->completer()->model()->rowCount(), 1);
         QCOMPARE(supplierEdit->text(), s("Acme Supplies Ltd"));
         sheet->findChild<QDateEdit*>(s("dateEdit"))->setDate(QDate(2026, 3, 14));
         type(sheet->findChild<QLineEdit*>(s("quantityEdit")), s("7.5"), answer == s("return"));
         if (answer == s("add"))
-            QTest::mouseClick(sheet->findChild<QPushButton*>(s("addButton")), Qt::LeftButton);
+            QTest::mouseClick(addButton, Qt::LeftButton);
         else if (answer == s("cancel"))
             QTest::mouseClick(sheet->findChild<QPushButton*>(s("cancelButton")), Qt::LeftButton);
         else
@@ -426,6 +440,37 @@ private Q_SLOTS:
             QCOMPARE(rows.constFirst()->valueForKeyPath(s("item.name")).toString(), s("Consulting"));
         }
         QVERIFY(company.named("Items", s("name"), s("Consulting")));
+    }
+
+    // A tag ticked in the popover marks the item edited and is saved with it, next to the
+    // program's own tag of the item's type.
+    void tags()
+    {
+        UiCompany company;
+        company.main().insertRecord(s("Categories"), {{s("name"), s("Outdoor")}, {s("type"), qint64(2)}});
+        company.save();
+        ui::OpenEditors openEditors;
+        QPointer<ItemEditorWindow> window =
+            new ItemEditorWindow(company.store(), company.prompter(), openEditors);
+        QVERIFY(window->openItem(addItem(company, s("Garden Bench"))->ref()));
+        window->show();
+        QVERIFY(!window->isWindowModified());
+        window->findChild<QPushButton*>(s("tagsButton"))->click();
+        auto* popover = window->findChild<ui::TagsPopover*>();
+        QVERIFY(popover);
+        QCOMPARE(popover->rows().size(), 1);
+        popover->toggleRow(0);
+        QVERIFY(window->isWindowModified());
+        QVERIFY(window->save());
+        QTRY_VERIFY(window.isNull());
+
+        const Record* item = company.named("Items", s("name"), s("Garden Bench"));
+        QVERIFY(item);
+        QStringList names;
+        for (const Record* tag : item->relatedList(s("tags")))
+            names << tag->value(s("name")).toString();
+        QVERIFY2(names.contains(s("Outdoor")), qPrintable(names.join(s(", "))));
+        QCOMPARE(names.size(), 2);
     }
 
     // The company's names for the custom fields and price levels label the fields; a hidden
