@@ -171,7 +171,7 @@ void TagsPopover::reload()
         // up to a dozen, the rest scroll.
         const int check = style()->pixelMetric(QStyle::PM_IndicatorWidth) + 4 * metrics.averageCharWidth();
         const int width =
-            qBound(metrics.averageCharWidth() * 16, widest + check, metrics.averageCharWidth() * 48);
+            qBound(metrics.averageCharWidth() * 20, widest + check, metrics.averageCharWidth() * 48);
         const int rowHeight = m_list->sizeHintForRow(0);
         const int shown = qMin(int(m_rows.size()), kVisibleRows);
         const int scrollBar =
@@ -181,7 +181,8 @@ void TagsPopover::reload()
     } else {
         m_emptyLabel->setFixedWidth(metrics.averageCharWidth() * 32);
     }
-    adjustSize();
+    layout()->activate();
+    resize(sizeHint());
 }
 
 void TagsPopover::itemChanged(QListWidgetItem* item)

@@ -1,0 +1,352 @@
+#include "editors/documentcontroller.h"
+#include "ui/clienteditorwindow.h"
+#include "ui/openeditors.h"
+#include "ui/taglabel.h"
+#include "ui/tagspopover.h"
+#include "uitestsupport.h"
+
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPainter>
+#include <QPointer>
+#include <QPushButton>
+#include <QTabWidget>
+#include <QTemporaryDir>
+#include <QToolButton>
+
+using namespace corvanta;
+using namespace corvanta::ui::testing;
+using store::Record;
+using ui::ClientEditorWindow;
+
+class TestClientEditor : public QObject
+{
+    Q_OBJECT
+
+private:
+    template <typename T>
+    static T* child(QWidget* window, const char* name)
+    {
+        T* found = window->findChild<T*>(s(name));
+        if (!found)
+            qFatal("no %s in the window", name);
+        return found;
+    }
+    // Chooses a pop-up's entry with the keyboard, as a user does.
+    static void choose(QComboBox* popup, int index)
+    {
+        QTest::keyClick(popup, Qt::Key_Home);
+        for (int i = 0; i < index; ++i)
+            QTest::keyClick(popup, Qt::Key_Down);
+        QCOMPARE(popup->currentIndex(), index);
+    }
+    static QString labelText(QWidget* window, const char* name)
+    {
+        return child<QLabel>(window, name)->text().remove(QLatin1Char('&'));
+    }
+    // The client as stored, read in a fresh context.
+    static QString stored(UiCompany& company, const QString& identifier, const QString& keys)
+    {
+        auto context = company.store().newContext();
+        const Record* client = context->fetchFirst(
+            store::FetchRequest(s("Clients"), predicate::literal("identifier == %@", {identifier})));
+        if (!client)
+            return s("(not stored)");
+        QStringList values;
+        for (const QString& key : keys.split(QLatin1Char(' ')))
+            values << key + s("=") + client->value(key).toString();
+        QStringList tags;
+        for (const Record* tag : client->relatedList(s("tags")))
+            tags << tag->value(s("name")).toString();
+        tags.sort();
+        values << s("tags=") + tags.join(s(","));
+        return values.join(s(" "));
+    }
+
+    // Realistic data for the pictures: three addresses and a contact.
+    static void fillForPicture(ClientEditorWindow* window)
+    {
+        QTest::keyClicks(child<QLineEdit>(window, "emailsField"),
+                         s("orders@acme.example,accounts@acme.example"));
+        QTest::keyClicks(child<QLineEdit>(window, "phonesField"), s("+44 20 7946 0958"));
+        auto* street = window->findChild<QWidget*>(s("addresses_street"));
+        auto* city = window->findChild<QWidget*>(s("addresses_city"));
+        auto* zip = window->findChild<QWidget*>(s("addresses_zip_code"));
+        auto* country = window->findChild<QWidget*>(s("addresses_country"));
+        const QList<QStringList> addresses = {
+            {s("14 Harbour Road"), s("Bristol"), s("BS1 5TY"), s("United Kingdom")},
+            {s("Unit 7, Mill Lane Estate"), s("Leeds"), s("LS11 8BP"), s("United Kingdom")},
+            {s("Kaiserstrasse 21"), s("Frankfurt"), s("60311"), s("Germany")}};
+        child<QTabWidget>(window, "clientTabs")->setCurrentIndex(1);
+        for (const QStringList& address : addresses) {
+            QTest::mouseClick(child<QToolButton>(window, "addressesAddButton"), Qt::LeftButton);
+            QTest::keyClicks(street, address.at(0));
+            QTest::keyClicks(city, address.at(1));
+            QTest::keyClicks(zip, address.at(2));
+            QTest::keyClicks(country, address.at(3));
+        }
+        child<QListWidget>(window, "addressesList")->setCurrentRow(0);
+    }
+    // The window with the popover where it opened, as one picture, and the window alone.
+    static void savePicture(ClientEditorWindow* window, QWidget* popover, const QString& folder)
+    {
+        QTest::qWait(50); // lets the layouts place what was just added
+        QVERIFY(window->grab().save(folder + s("/client-editor.png")));
+        const QPoint at = popover->pos() - window->geometry().topLeft();
+        QPixmap picture(
+            window->size().expandedTo(QSize(at.x() + popover->width(), at.y() + popover->height())));
+        picture.fill(window->palette().color(QPalette::Window));
+        QPainter painter(&picture);
+        painter.drawPixmap(0, 0, window->grab());
+        painter.drawPixmap(at, popover->grab());
+        painter.setPen(window->palette().color(QPalette::Mid));
+        painter.drawRect(QRect(at, popover->size()).adjusted(0, 0, -1, -1));
+        painter.end();
+        QVERIFY(picture.save(folder + s("/tags-popover.png")));
+    }
+
+private Q_SLOTS:
+    // The windows keep their size in the user's settings: here in a scratch folder.
+    void initTestCase() { qputenv("XDG_CONFIG_HOME", m_config.path().toUtf8()); }
+    void init() { m_company = std::make_unique<UiCompany>(); }
+    void cleanup() { m_company.reset(); }
+
+    // Changing the kind from the pop-up empties every name field and labels the two fields
+    // after the new kind.
+    void kindChange_data()
+    {
+        QTest::addColumn<qint64>("from");
+        QTest::addColumn<int>("to");
+        QTest::addColumn<QString>("labels");
+        QTest::newRow("company to individual") << qint64(0) << 2 << s("First Name: | Last Name:");
+        QTest::newRow("individual to supplier") << qint64(2) << 1 << s("Company Name: | Tax Number:");
+        QTest::newRow("supplier to company") << qint64(1) << 0 << s("Company Name: | Tax Number:");
+    }
+    void kindChange()
+    {
+        QFETCH(qint64, from);
+        QFETCH(int, to);
+        QFETCH(QString, labels);
+        ui::OpenEditors openEditors;
+        ClientEditorWindow window(m_company->store(), m_company->prompter(), openEditors);
+        QVERIFY(window.newClient(from));
+        window.show();
+        QVERIFY(!window.isWindowModified());
+        QCOMPARE(window.windowTitle(), s("New Client[*]"));
+        QTest::keyClicks(child<QLineEdit>(&window, "firstNameField"), s("Ada"));
+        QTest::keyClicks(child<QLineEdit>(&window, "secondNameField"), s("Lovelace"));
+        QVERIFY(window.isWindowModified());
+        QCOMPARE(window.windowTitle(), from == 2 ? s("Ada Lovelace[*]") : s("Ada[*]"));
+        Record* client = window.client();
+        for (const char* key : {"company_name", "tax_number", "first_name", "last_name"})
+            client->setValue(s(key), s("x"));
+
+        choose(child<QComboBox>(&window, "kindPopup"), to);
+        QCOMPARE(client->value(s("type")).toInt(), to);
+        for (const char* key : {"company_name", "tax_number", "first_name", "last_name"})
+            QVERIFY2(client->value(s(key)).toString().isEmpty(), key);
+        QCOMPARE(child<QLineEdit>(&window, "firstNameField")->text(), QString());
+        QCOMPARE(labelText(&window, "firstNameLabel") + s(" | ") + labelText(&window, "secondNameLabel"),
+                 labels);
+        // The fields now write the new kind's keys.
+        QTest::keyClicks(child<QLineEdit>(&window, "firstNameField"), s("Grace"));
+        QCOMPARE(client->value(to == 2 ? s("first_name") : s("company_name")).toString(), s("Grace"));
+    }
+
+    // A supplier saved without a name is given one and filed as a company and a supplier;
+    // a save from the window's button closes it.
+    void saveSupplierWithoutName()
+    {
+        ui::OpenEditors openEditors;
+        QPointer window = new ClientEditorWindow(m_company->store(), m_company->prompter(), openEditors);
+        QVERIFY(window->newClient(1));
+        window->show();
+        const QString identifier = window->client()->value(s("identifier")).toString();
+        QTest::keyClicks(child<QLineEdit>(window, "emailsField"), s("orders@example.com"));
+        QTest::mouseClick(child<QPushButton>(window, "saveButton"), Qt::LeftButton);
+        QTRY_VERIFY(window.isNull());
+        QCOMPARE(stored(*m_company, identifier, s("first_name company_name emails")),
+                 s("first_name=No Name company_name= emails=orders@example.com tags=Company,Supplier"));
+        QVERIFY(m_company->prompter().questions().isEmpty());
+    }
+
+    // Three addresses added with the button: the first is the default until another is ticked;
+    // removing the default moves it to the first address left.
+    void addresses_data()
+    {
+        QTest::addColumn<int>("ticked");
+        QTest::addColumn<int>("removed");
+        QTest::addColumn<QString>("defaultAfter");
+        QTest::newRow("first default removed") << -1 << 0 << s("Two Street");
+        QTest::newRow("last default removed") << 2 << 2 << s("One Street");
+        QTest::newRow("another removed") << 1 << 0 << s("Two Street");
+    }
+    void addresses()
+    {
+        QFETCH(int, ticked);
+        QFETCH(int, removed);
+        QFETCH(QString, defaultAfter);
+        ui::OpenEditors openEditors;
+        ClientEditorWindow window(m_company->store(), m_company->prompter(), openEditors);
+        QVERIFY(window.newClient(0));
+        window.show();
+        auto* list = child<QListWidget>(&window, "addressesList");
+        auto* street = window.findChild<QWidget*>(s("addresses_street"));
+        QVERIFY(street);
+        const QStringList streets = {s("One Street"), s("Two Street"), s("Three Street")};
+        for (const QString& text : streets) {
+            QTest::mouseClick(child<QToolButton>(&window, "addressesAddButton"), Qt::LeftButton);
+            QTest::keyClicks(street, text);
+        }
+        Record* client = window.client();
+        QCOMPARE(client->relatedList(s("addresses")).size(), 3);
+        QCOMPARE(list->count(), 3);
+        QCOMPARE(list->item(2)->text(), s("Three Street"));
+        QCOMPARE(client->valueForKeyPath(s("default_address.street")).toString(), s("One Street"));
+        QCOMPARE(list->item(0)->checkState(), Qt::Checked);
+
+        if (ticked >= 0) {
+            list->item(ticked)->setCheckState(Qt::Checked);
+            QCOMPARE(client->valueForKeyPath(s("default_address.street")).toString(), streets.at(ticked));
+            for (int row = 0; row < 3; ++row)
+                QCOMPARE(list->item(row)->checkState() == Qt::Checked, row == ticked);
+        }
+        list->setCurrentRow(removed);
+        QTest::mouseClick(child<QToolButton>(&window, "addressesRemoveButton"), Qt::LeftButton);
+        QCOMPARE(client->relatedList(s("addresses")).size(), 2);
+        QCOMPARE(list->count(), 2);
+        QCOMPARE(client->valueForKeyPath(s("default_address.street")).toString(), defaultAfter);
+        for (int row = 0; row < 2; ++row)
+            QCOMPARE(list->item(row)->checkState() == Qt::Checked, list->item(row)->text() == defaultAfter);
+        QVERIFY(window.isWindowModified());
+    }
+
+    // The Tags button opens the popover under it; a ticked tag is on the client, shown in the
+    // window's tag row and saved beside the kind folder.
+    void tagsPopover()
+    {
+        const QList<QPair<const char*, QColor>> tags = {{"Wholesale", QColor(Qt::darkGreen)},
+                                                        {"Export", QColor(0x1d, 0x63, 0x9b)},
+                                                        {"Priority", QColor(0xb0, 0x3a, 0x2e)}};
+        for (const auto& [name, colour] : tags) {
+            m_company->main().insertRecord(s("Categories"), {{s("name"), s(name)},
+                                                             {s("type"), qint64(1)},
+                                                             {s("foreground_color"), QColor(Qt::white)},
+                                                             {s("background_color"), colour}});
+        }
+        m_company->save();
+        const Record* acme = m_company->addClient(s("Acme"));
+        ui::OpenEditors openEditors;
+        QPointer window = new ClientEditorWindow(m_company->store(), m_company->prompter(), openEditors);
+        QVERIFY(window->openClient(acme->ref()));
+        window->show();
+        const QString pictures = qEnvironmentVariable("CORVANTA_PICTURES");
+        if (!pictures.isEmpty())
+            fillForPicture(window);
+        QTest::mouseClick(child<QPushButton>(window, "tagsButton"), Qt::LeftButton);
+        ui::TagsPopover* popover = window->tagsPopover();
+        QVERIFY(popover && popover->isVisible());
+        auto* list = child<QListWidget>(popover, "tagsList");
+        QCOMPARE(list->count(), 3);
+        QCOMPARE(list->item(2)->text(), s("Wholesale"));
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualItemRect(list->item(2)).center());
+        QVERIFY(window->isWindowModified());
+        QCOMPARE(window->client()->relatedList(s("tags")).size(), 1);
+        const QList<ui::TagLabelWidget*> shown =
+            window->findChild<QWidget*>(s("tagRow"))->findChildren<ui::TagLabelWidget*>();
+        QCOMPARE(shown.size(), 1);
+        QCOMPARE(shown.constFirst()->text(), s("Wholesale"));
+        QVERIFY(shown.constFirst()->isVisible());
+        if (!pictures.isEmpty()) {
+            QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
+                              list->visualItemRect(list->item(1)).center());
+            savePicture(window, popover, pictures);
+        }
+        QTest::keyClick(list, Qt::Key_Escape);
+        QTRY_VERIFY(!popover->isVisible());
+
+        const QString identifier = window->client()->value(s("identifier")).toString();
+        window->save();
+        QTRY_VERIFY(window.isNull());
+        QCOMPARE(stored(*m_company, identifier, s("company_name")),
+                 pictures.isEmpty() ? s("company_name=Acme tags=Company,Wholesale")
+                                    : s("company_name=Acme tags=Company,Priority,Wholesale"));
+    }
+
+    // Closing an edited client asks; each answer does what it says.
+    void closeQuestion_data()
+    {
+        QTest::addColumn<QString>("answer");
+        QTest::addColumn<bool>("closed");
+        QTest::addColumn<QString>("result");
+        QTest::newRow("save") << s("Save") << true << s("company_name=Northwind tags=Company");
+        QTest::newRow("don't save") << s("Don't Save") << true << s("(not stored)");
+        QTest::newRow("cancel") << s("Cancel") << false << s("(not stored)");
+    }
+    void closeQuestion()
+    {
+        QFETCH(QString, answer);
+        QFETCH(bool, closed);
+        QFETCH(QString, result);
+        ui::OpenEditors openEditors;
+        QPointer window = new ClientEditorWindow(m_company->store(), m_company->prompter(), openEditors);
+        QVERIFY(window->newClient(0));
+        window->show();
+        const QString identifier = window->client()->value(s("identifier")).toString();
+        QTest::keyClicks(child<QLineEdit>(window, "firstNameField"), s("Northwind"));
+        m_company->prompter().addAnswer(answer);
+        window->close();
+        QCOMPARE(m_company->prompter().titles(), QStringList{s("Save this client?")});
+        QCOMPARE(m_company->prompter().questions().constFirst().buttons,
+                 (QStringList{s("Save"), s("Don't Save"), s("Cancel")}));
+        QTRY_COMPARE(window.isNull(), closed);
+        QCOMPARE(stored(*m_company, identifier, s("company_name")), result);
+        if (!closed) {
+            QVERIFY(window->isWindowModified());
+            delete window;
+        }
+    }
+
+    // A client saved while a document editor is open, even minimised, becomes its document's
+    // client; a hidden document editor is not open.
+    void handOver_data()
+    {
+        QTest::addColumn<QString>("state");
+        QTest::addColumn<QString>("client");
+        QTest::newRow("shown") << s("shown") << s("Contoso");
+        QTest::newRow("minimised") << s("minimised") << s("Contoso");
+        QTest::newRow("hidden") << s("hidden") << QString();
+    }
+    void handOver()
+    {
+        QFETCH(QString, state);
+        QFETCH(QString, client);
+        editors::DocumentController document(m_company->store(), m_company->prompter());
+        QVERIFY(document.newDocument(0));
+        QWidget documentWindow;
+        ui::OpenEditors openEditors;
+        openEditors.addDocumentEditor(&documentWindow, &document);
+        if (state == s("shown"))
+            documentWindow.show();
+        else if (state == s("minimised"))
+            documentWindow.showMinimized();
+
+        QPointer window = new ClientEditorWindow(m_company->store(), m_company->prompter(), openEditors);
+        QVERIFY(window->newClient(0));
+        window->show();
+        QTest::keyClicks(child<QLineEdit>(window, "firstNameField"), s("Contoso"));
+        QTest::mouseClick(child<QPushButton>(window, "saveButton"), Qt::LeftButton);
+        QTRY_VERIFY(window.isNull());
+        QCOMPARE(document.document()->valueForKeyPath(s("client.full_name")).toString(), client);
+        QCOMPARE(document.document()->value(s("client_full_name")).toString(), client);
+    }
+
+private:
+    QTemporaryDir m_config;
+    std::unique_ptr<UiCompany> m_company;
+};
+
+CORVANTA_UI_TEST_MAIN(TestClientEditor)
+#include "tst_clienteditor.moc"
