@@ -111,6 +111,7 @@ private Q_SLOTS:
     void saveAsName();
     void emailTemplates_data();
     void emailTemplates();
+    void emailTemplateListFollowsTheStore();
     void emailSending();
     void payments_data();
     void payments();
@@ -319,6 +320,29 @@ void TestDocumentOutputs::emailTemplates()
     QCOMPARE(sheet.findChild<QLineEdit*>(s("subjectEdit"))->text(), subject);
     QCOMPARE(sheet.findChild<QPlainTextEdit*>(s("bodyEdit"))->toPlainText(), body);
     QCOMPARE(sheet.findChild<QCheckBox*>(s("attachmentCheck"))->text(), s("INVOICE/2026-0003"));
+}
+
+void TestDocumentOutputs::emailTemplateListFollowsTheStore()
+{
+    const Record* document = storedInvoice(s("INVOICE/2026-0005"), 1);
+    EmailPreparationWindow sheet(m_company->store(), m_company->prompter(), document->ref());
+    auto* popup = sheet.findChild<QComboBox*>(s("templatePopup"));
+    auto* subject = sheet.findChild<QLineEdit*>(s("subjectEdit"));
+    subject->setText(s("Typed by hand"));
+
+    // A template added and the default renamed in the templates' window: the list follows, the
+    // chosen template and the typed subject stay.
+    m_company->main().insertRecord(s("EmailTemplates"), {{s("name"), s("Added")}});
+    m_company->save();
+    Record* empty = m_company->named("EmailTemplates", s("name"), s("Empty Template"));
+    empty->setValue(s("name"), s("Blank"));
+    m_company->save();
+    QStringList names;
+    for (int i = 0; i < popup->count(); ++i)
+        names << popup->itemText(i);
+    QCOMPARE(names, (QStringList{s("Added"), s("Blank")}));
+    QCOMPARE(popup->currentText(), s("Blank"));
+    QCOMPARE(subject->text(), s("Typed by hand"));
 }
 
 void TestDocumentOutputs::emailSending()
