@@ -84,7 +84,6 @@ ItemEditorWindow::ItemEditorWindow(store::Store& store, support::Prompter& promp
     m_tagsButton->setToolTip(tr("Choose the item's tags"));
     m_saveButton = new QPushButton(QIcon::fromTheme(s("document-save")), tr("Save"), this);
     m_saveButton->setObjectName(s("saveButton"));
-    m_saveButton->setDefault(true);
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(m_tagsButton);
     buttons->addStretch(1);
