@@ -4,6 +4,7 @@
 #include "documents/numberlimits.h"
 #include "documents/pricelevels.h"
 #include "documents/stockcalculator.h"
+#include "model/companyrecord.h"
 #include "predicate/literal.h"
 #include "store/editingcontext.h"
 #include "store/store.h"
@@ -42,7 +43,11 @@ ItemController::~ItemController() = default;
 
 Record* ItemController::newItem(qint64 type)
 {
-    return editNew({{s("type"), type}, {s("identifier"), support::UUID()}});
+    Record* item = editNew({{s("type"), type}, {s("identifier"), support::UUID()}});
+    // A new item is sold in the company's usual unit and with its usual tax, as a new row is.
+    item->setRelated(s("unit"), model::CompanyRecord::defaultRecord(*m_context, s("default_unit")));
+    item->setRelated(s("tax"), model::CompanyRecord::defaultRecord(*m_context, s("default_tax")));
+    return item;
 }
 
 Record* ItemController::openItem(const predicate::RecordRef& item)

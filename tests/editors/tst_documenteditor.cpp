@@ -4,6 +4,7 @@
 #include "editors/documentoutput.h"
 #include "editors/itemcontroller.h"
 #include "editors/numberformatpreferences.h"
+#include "model/companyrecord.h"
 
 #include <QSignalSpy>
 #include <cmath>
@@ -453,6 +454,12 @@ void tst_DocumentEditor::savedRecordsReachTheOpenDocument()
     // price level. Only the first rate of its tax is taken out of its prices.
     auto items = m_company->make<ItemController>();
     Record* item = items.newItem(0);
+    // A new item starts in the company's default unit and tax.
+    for (const char* key : {"unit", "tax"}) {
+        Record* fallback = model::CompanyRecord::defaultRecord(items.context(), s("default_") + s(key));
+        QVERIFY(fallback);
+        QCOMPARE(item->related(s(key)), fallback);
+    }
     item->setValue(s("name"), s("Consulting"));
     item->setValue(s("tags"),
                    QVariantList{QVariant::fromValue(m_company->add(
