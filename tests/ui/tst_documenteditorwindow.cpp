@@ -46,6 +46,7 @@ private Q_SLOTS:
     void closeQuestion_data();
     void closeQuestion();
     void foreignCurrencyShowsRateAndAmounts();
+    void handOversGoToTheLastActiveEditor();
     void longDocumentOpensQuickly();
     void picture();
 
@@ -454,6 +455,21 @@ void tst_DocumentEditor::foreignCurrencyShowsRateAndAmounts()
     Q_EMIT currencies->activated(dollar);
     QVERIFY(!rate->isVisible());
     QCOMPARE(window->controller().document()->value(s("exchange_rate")).toDouble(), 1.0);
+}
+
+void tst_DocumentEditor::handOversGoToTheLastActiveEditor()
+{
+    DocumentEditorWindow* first = newWindow();
+    DocumentEditorWindow* second = newWindow();
+    QVERIFY(first->newDocument(0) && second->newDocument(3));
+    QCOMPARE(second->windowTitle(), s("New Quotation[*]"));
+    first->show();
+    second->show();
+    for (DocumentEditorWindow* window : {second, first, second}) {
+        window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(window));
+        QCOMPARE(m_openEditors->documentEditor(), &window->controller());
+    }
 }
 
 void tst_DocumentEditor::longDocumentOpensQuickly()
