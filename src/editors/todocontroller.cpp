@@ -6,6 +6,7 @@
 #include "store/store.h"
 #include "support/uuid.h"
 #include "tasks/recurrence.h"
+#include "tasks/tododone.h"
 #include "tasks/todosaving.h"
 
 #include <QColor>
@@ -113,6 +114,14 @@ void ToDoController::setAllDay(bool allDay)
     setValue(s("all_day"), allDay);
 }
 
+void ToDoController::setDone(bool done)
+{
+    if (!m_record || m_record->value(s("done")).toBool() == done)
+        return;
+    tasks::ToDoDone::toggle(m_record);
+    markEdited();
+}
+
 void ToDoController::setClient(Record* client)
 {
     if (!m_record || m_record->related(s("client")) == client)
@@ -160,6 +169,11 @@ void ToDoController::setRepeatType(int type)
     if (!m_record)
         return;
     setValue(s("repeat_type"), qint64(type));
+    // A to-do that does not recur has nothing to end.
+    if (type < Recurrence::Daily || type > Recurrence::Yearly) {
+        setRepeatEndType(0);
+        return;
+    }
     if (type == Recurrence::Weekly && repeatWeekdays().isEmpty()) {
         const QDateTime start = m_record->value(s("date_start")).toDateTime();
         if (start.isValid())

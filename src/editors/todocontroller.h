@@ -40,6 +40,8 @@ public:
     void setStart(const QDateTime& start);
     void setEnd(const QDateTime& end);
     void setAllDay(bool allDay);
+    // Marks the to-do done or pending, with the to-dos' tag of its new state.
+    void setDone(bool done);
 
     // The client and item the to-do is about; null unlinks. Suggestions for typed text, by name.
     void setClient(store::Record* client);
@@ -51,7 +53,7 @@ public:
     store::Record* itemNamed(const QString& text);
 
     // 0 for none, or Recurrence::Daily … Yearly. A weekly to-do without weekdays recurs on its
-    // start's weekday.
+    // start's weekday; a to-do that stops recurring loses its end.
     void setRepeatType(int type);
     void setRepeatFrequency(qint64 frequency);
     // Weekday numbers 1 Sunday … 7 Saturday; a weekly to-do keeps at least one.

@@ -101,6 +101,12 @@ void tst_ToDoController::recurrenceValues()
     editor.setRepeatEndType(0);
     QVERIFY(todo->value(s("repeat_end_date")).isNull());
     QCOMPARE(todo->value(s("repeat_summary")).toString(), s("Weekly on Friday"));
+
+    // Without a recurrence, an end left behind would still be summarised.
+    editor.setRepeatEndType(1);
+    editor.setRepeatType(0);
+    QCOMPARE(todo->value(s("repeat_end_type")).toLongLong(), 0);
+    QCOMPARE(todo->value(s("repeat_summary")).toString(), QString());
 }
 
 void tst_ToDoController::endsOnTheChosenDay()
