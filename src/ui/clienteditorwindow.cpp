@@ -282,7 +282,9 @@ QWidget* ClientEditorWindow::buildPaymentPage()
     m_paymentTypePopup = popup("paymentTypePopup", tr("Payment &type:"), s("default_payment_type"));
     m_bankPopup = popup("bankPopup", tr("&Bank:"), s("default_bank"));
     m_dueDaysPopup = popup("dueDaysPopup", tr("&Due days:"), s("default_due_day"));
-    auto* hint = new QLabel(tr("New documents for this client start with these terms."), page);
+    auto* hint = new QLabel(
+        tr("Documents made out to this client take these terms; where none is chosen, the company's apply."),
+        page);
     hint->setWordWrap(true);
     hint->setForegroundRole(QPalette::PlaceholderText);
     form->addRow(hint);
@@ -337,6 +339,9 @@ void ClientEditorWindow::load()
     Record* record = client();
     if (!record)
         return;
+    // The popover works on one record: a client opened afresh gets its own.
+    delete m_tagsPopover;
+    m_tagsPopover = nullptr;
     m_loading = true;
     m_kindPopup->setCurrentIndex(m_kindPopup->findData(record->value(s("type")).toLongLong()));
     m_emailsEdit->setText(record->value(s("emails")).toString());

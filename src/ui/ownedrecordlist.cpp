@@ -22,6 +22,8 @@ QToolButton* iconButton(QWidget* parent, const QString& name, const char* icon, 
     auto* button = new QToolButton(parent);
     button->setObjectName(name);
     button->setIcon(QIcon::fromTheme(QString::fromLatin1(icon)));
+    // Shown only where the icon theme lacks the icon.
+    button->setText(toolTip);
     button->setToolTip(toolTip);
     button->setAccessibleName(toolTip);
     button->setAutoRaise(true);

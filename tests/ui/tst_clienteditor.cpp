@@ -12,6 +12,7 @@
 #include <QPainter>
 #include <QPointer>
 #include <QPushButton>
+#include <QStandardPaths>
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QToolButton>
@@ -105,11 +106,25 @@ private:
         painter.drawRect(QRect(at, popover->size()).adjusted(0, 0, -1, -1));
         painter.end();
         QVERIFY(picture.save(folder + s("/tags-popover.png")));
+        auto* tabs = child<QTabWidget>(window, "clientTabs");
+        for (int tab = 0; tab < tabs->count(); ++tab) {
+            tabs->setCurrentIndex(tab);
+            QVERIFY(window->grab().save(folder + s("/client-editor-tab%1.png").arg(tab)));
+        }
+        tabs->setCurrentIndex(1);
     }
 
 private Q_SLOTS:
     // The windows keep their size in the user's settings: here in a scratch folder.
-    void initTestCase() { qputenv("XDG_CONFIG_HOME", m_config.path().toUtf8()); }
+    void initTestCase()
+    {
+        qputenv("XDG_CONFIG_HOME", m_config.path().toUtf8());
+        // The icons found in the system's icon folders, as the program does at its start.
+        QIcon::setThemeSearchPaths(QIcon::themeSearchPaths() +
+                                   QStandardPaths::locateAll(QStandardPaths::GenericDataLocation, s("icons"),
+                                                             QStandardPaths::LocateDirectory));
+        QIcon::setThemeName(s("breeze"));
+    }
     void init() { m_company = std::make_unique<UiCompany>(); }
     void cleanup() { m_company.reset(); }
 
@@ -273,6 +288,54 @@ private Q_SLOTS:
         QCOMPARE(stored(*m_company, identifier, s("company_name")),
                  pictures.isEmpty() ? s("company_name=Acme tags=Company,Wholesale")
                                     : s("company_name=Acme tags=Company,Priority,Wholesale"));
+    }
+
+    // The payment defaults are chosen from the company's records, "nothing" first; a saved
+    // choice is shown again when the client is opened.
+    void paymentDefaults_data()
+    {
+        QTest::addColumn<QString>("popup");
+        QTest::addColumn<QString>("none");
+        QTest::addColumn<QString>("entry");
+        QTest::addColumn<QString>("keyPath");
+        QTest::newRow("payment type")
+            << s("paymentTypePopup") << s("No Payment") << s("Cash") << s("default_payment_type.name");
+        QTest::newRow("bank") << s("bankPopup") << s("No bank") << s("My Bank") << s("default_bank.line1");
+        QTest::newRow("due days") << s("dueDaysPopup") << s("No terms") << s("8 Business Days")
+                                  << s("default_due_day.name");
+    }
+    void paymentDefaults()
+    {
+        QFETCH(QString, popup);
+        QFETCH(QString, none);
+        QFETCH(QString, entry);
+        QFETCH(QString, keyPath);
+        ui::OpenEditors openEditors;
+        QPointer window = new ClientEditorWindow(m_company->store(), m_company->prompter(), openEditors);
+        QVERIFY(window->newClient(0));
+        window->show();
+        QTest::keyClicks(child<QLineEdit>(window, "firstNameField"), s("Fabrikam"));
+        auto* combo = window->findChild<QComboBox*>(popup);
+        QVERIFY(combo);
+        QCOMPARE(combo->currentText(), none);
+        const int index = combo->findText(entry);
+        QVERIFY(index > 0);
+        choose(combo, index);
+        QCOMPARE(window->client()->valueForKeyPath(keyPath).toString(), entry);
+        window->save();
+        QTRY_VERIFY(window.isNull());
+
+        const auto saved = m_company->main().fetchFirst(
+            store::FetchRequest(s("Clients"), predicate::literal("full_name == %@", {s("Fabrikam")})));
+        QVERIFY(saved);
+        ClientEditorWindow reopened(m_company->store(), m_company->prompter(), openEditors);
+        QVERIFY(reopened.openClient(saved->ref()));
+        auto* shown = reopened.findChild<QComboBox*>(popup);
+        QCOMPARE(shown->currentText(), entry);
+        // Back to nothing.
+        choose(shown, 0);
+        QVERIFY(reopened.client()->valueForKeyPath(keyPath).isNull());
+        QVERIFY(reopened.isWindowModified());
     }
 
     // Closing an edited client asks; each answer does what it says.
