@@ -20,6 +20,7 @@
 #include "store/editingcontext.h"
 #include "store/record.h"
 #include "support/prompter.h"
+#include "tagspopover.h"
 
 #include <QAction>
 #include <QButtonGroup>
@@ -283,6 +284,15 @@ QWidget* DocumentEditorWindow::makeHeader()
     connect(m_templateChooser, &QComboBox::activated, this,
             [this] { setDocumentRelated(s("template"), m_templateChooser, s("Templates")); });
     left->addRow(buddyLabel(tr("Te&mplate:"), m_templateChooser), m_templateChooser);
+
+    m_tagsButton = new QPushButton(QIcon::fromTheme(s("tag")), tr("Ta&gs…"), box);
+    m_tagsButton->setObjectName(s("tagsButton"));
+    m_tagsButton->setToolTip(tr("Choose the document's tags"));
+    connect(m_tagsButton, &QPushButton::clicked, this, &DocumentEditorWindow::showTags);
+    auto* tagsRow = new QHBoxLayout;
+    tagsRow->addWidget(m_tagsButton);
+    tagsRow->addStretch(1);
+    left->addRow(QString(), tagsRow);
 
     const QString dateFormat = QLocale().dateFormat(QLocale::ShortFormat);
     m_dateEdit = new QDateEdit(box);
@@ -787,6 +797,18 @@ void DocumentEditorWindow::buildNotesMenu()
         connect(noteMenu->addAction(tr("Remove from Menu")), &QAction::triggered, this,
                 [this, entry] { m_controller->removeNote(entry); });
     }
+}
+
+void DocumentEditorWindow::showTags()
+{
+    Record* document = m_controller->document();
+    if (!document)
+        return;
+    auto* popover = new TagsPopover(document, this);
+    popover->setObjectName(s("TagsPopover"));
+    popover->setAttribute(Qt::WA_DeleteOnClose);
+    connect(popover, &TagsPopover::tagsChanged, m_controller.get(), &DocumentController::markEdited);
+    popover->showUnder(m_tagsButton);
 }
 
 void DocumentEditorWindow::setDocumentValue(const QString& key, const QVariant& value)

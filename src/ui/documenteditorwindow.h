@@ -13,6 +13,7 @@ class QFormLayout;
 class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
+class QPushButton;
 class QStringListModel;
 class QTabWidget;
 class QToolButton;
@@ -103,6 +104,7 @@ private:
     void priceEntered(int level);
     QWidget* makeRowPrices();
     void buildNotesMenu();
+    void showTags();
     // Ends every edit in progress, so that a command sees what was typed.
     void finishEditing();
     void setDocumentValue(const QString& key, const QVariant& value);
@@ -125,6 +127,7 @@ private:
     QStringListModel* m_clientNames = nullptr;
     QLabel* m_clientLabel = nullptr;
     QComboBox* m_templateChooser = nullptr;
+    QPushButton* m_tagsButton = nullptr;
     QFormLayout* m_termsForm = nullptr;
     QComboBox* m_currencyChooser = nullptr;
     QLabel* m_exchangeRateLabel = nullptr;

@@ -5,6 +5,7 @@
 #include "ui/documentrowsmodel.h"
 #include "ui/documentrowsview.h"
 #include "ui/openeditors.h"
+#include "ui/tagspopover.h"
 #include "uitestsupport.h"
 
 #include <QAbstractItemView>
@@ -17,6 +18,7 @@
 #include <QMenu>
 #include <QPlainTextEdit>
 #include <QPointer>
+#include <QPushButton>
 #include <QStandardPaths>
 #include <QTableView>
 #include <QToolButton>
@@ -41,6 +43,7 @@ private Q_SLOTS:
     void itemNameEntered();
     void priceLevelsKeepTypedPrices();
     void rowNoteLibrary();
+    void tagsTicked();
     void saveWithoutClientKeepsWindowAndEdits();
     void draftThenFinalisedWhenPrinted();
     void closeQuestion_data();
@@ -330,6 +333,25 @@ void tst_DocumentEditor::rowNoteLibrary()
 
     entry(s("Delivered in two parts"))->actions().value(1)->trigger(); // Remove from Menu
     QVERIFY(!entry(s("Delivered in two parts")));
+}
+
+void tst_DocumentEditor::tagsTicked()
+{
+    m_company->main().insertRecord(s("Categories"), {{s("name"), s("Urgent")}, {s("type"), qint64(3)}});
+    m_company->save();
+    DocumentEditorWindow* window = newWindow();
+    QVERIFY(window->newDocument(0));
+    window->show();
+    QTest::mouseClick(window->findChild<QPushButton*>(s("tagsButton")), Qt::LeftButton);
+    auto* popover = window->findChild<ui::TagsPopover*>(s("TagsPopover"));
+    QVERIFY(popover && popover->isVisible());
+    QCOMPARE(popover->rows().size(), 1);
+    QVERIFY(!window->isWindowModified());
+    popover->toggleRow(0);
+    const QList<Record*> tags = window->controller().document()->relatedList(s("tags"));
+    QCOMPARE(tags.size(), 1);
+    QCOMPARE(tags.first()->value(s("name")).toString(), s("Urgent"));
+    QVERIFY(window->isWindowModified());
 }
 
 void tst_DocumentEditor::saveWithoutClientKeepsWindowAndEdits()
