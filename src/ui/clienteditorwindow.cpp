@@ -140,12 +140,12 @@ void ClientEditorWindow::buildForm()
 
     m_addresses = new OwnedRecordList(
         s("addresses"),
-        {{s("street"), tr("S&treet:"), true},
-         {s("zip_code"), tr("&Postcode:")},
+        {{s("street"), tr("&Street:"), true},
+         {s("zip_code"), tr("&Zip code:")},
          {s("city"), tr("C&ity:")},
-         {s("state"), tr("St&ate:")},
-         {s("country"), tr("Co&untry:")},
-         {s("address_note"), tr("N&ote:")}},
+         {s("state"), tr("Stat&e:")},
+         {s("country"), tr("Countr&y:")},
+         {s("address_note"), tr("&Note:")}},
         {[this] { return client() ? client()->relatedList(s("addresses")) : QList<Record*>(); },
          [this] { return client() ? client()->related(s("default_address")) : nullptr; },
          [this] { return m_controller.addAddress(); },
@@ -158,10 +158,10 @@ void ClientEditorWindow::buildForm()
 
     m_contacts = new OwnedRecordList(
         s("contacts"),
-        {{s("name"), tr("&Name:")},
+        {{s("name"), tr("Na&me:")},
          {s("email"), tr("&E-mail:")},
          {s("phone"), tr("P&hone:")},
-         {s("contact_note"), tr("N&ote:"), true}},
+         {s("contact_note"), tr("&Note:"), true}},
         {[this] { return client() ? client()->relatedList(s("contacts")) : QList<Record*>(); },
          [this] { return client() ? client()->related(s("default_contact")) : nullptr; },
          [this] { return m_controller.addContact(); },
@@ -279,9 +279,9 @@ QWidget* ClientEditorWindow::buildPaymentPage()
         form->addRow(text, combo);
         return combo;
     };
-    m_paymentTypePopup = popup("paymentTypePopup", tr("Payment &type:"), s("default_payment_type"));
+    m_paymentTypePopup = popup("paymentTypePopup", tr("Pa&yment type:"), s("default_payment_type"));
     m_bankPopup = popup("bankPopup", tr("&Bank:"), s("default_bank"));
-    m_dueDaysPopup = popup("dueDaysPopup", tr("&Due days:"), s("default_due_day"));
+    m_dueDaysPopup = popup("dueDaysPopup", tr("Du&e days:"), s("default_due_day"));
     auto* hint = new QLabel(
         tr("Documents made out to this client take these terms; where none is chosen, the company's apply."),
         page);
