@@ -2,22 +2,15 @@
 
 #include "browse/recordcommands.h"
 #include "browse/recordmenus.h"
+#include "documentoutputs.h"
+#include "editorwindows.h"
 #include "recordlistview.h"
 #include "store/record.h"
 #include "store/store.h"
 #include "support/prompter.h"
-#include "templates/pdffilenames.h"
-#include "templates/printedoutput.h"
 
 #include <QActionGroup>
-#include <QApplication>
-#include <QDesktopServices>
-#include <QDir>
-#include <QFileDialog>
-#include <QFileInfo>
 #include <QMenu>
-#include <QStandardPaths>
-#include <QUrl>
 
 namespace corvanta::ui {
 
@@ -34,27 +27,18 @@ bool isDocument(const Record* record)
     return record && record->entityName() == QLatin1String("Documents");
 }
 
-// Shows the wait cursor while a document is rendered.
-class WaitCursor
-{
-public:
-    WaitCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
-    ~WaitCursor() { QApplication::restoreOverrideCursor(); }
-    WaitCursor(const WaitCursor&) = delete;
-    WaitCursor& operator=(const WaitCursor&) = delete;
-};
-
 const char* const kCommandProperty = "recordCommand";
 
 } // namespace
 
 BrowserCommands::BrowserCommands(store::Store& store, support::Prompter& prompter, RecordListView& list,
-                                 QWidget* window)
+                                 QWidget* window, EditorWindows* editors)
     : QObject(window)
     , m_store(store)
     , m_prompter(prompter)
     , m_list(list)
     , m_window(window)
+    , m_editors(editors)
 {
     m_commands = new browse::RecordCommands(store, prompter, {}, this);
     m_menus = new RecordMenus(store, prompter, this);
@@ -75,22 +59,34 @@ bool BrowserCommands::isEnabled(RecordCommand command) const
     case RecordCommand::New:
     case RecordCommand::Edit:
     case RecordCommand::SendEmail:
+    case RecordCommand::SaveAs:
+    case RecordCommand::Preview:
     case RecordCommand::Print:
     case RecordCommand::AddToDocument:
-        // These open the editor windows, the e-mail sheet and the print dialog, which the program
-        // does not have yet.
-        return false;
+        if (!m_editors)
+            return false;
+        break;
     default:
         break;
     }
     const QList<Record*> selection = m_list.selectedRecords();
     if (!browse::CommandAvailability::isEnabled(command, selection))
         return false;
-    // Only a document has a PDF and a design template.
-    if (command == RecordCommand::SaveAs || command == RecordCommand::Preview ||
-        command == RecordCommand::DesignTemplate)
+    const QString entity = selection.first()->entityName();
+    switch (command) {
+    case RecordCommand::SaveAs:
+    case RecordCommand::Preview:
+    case RecordCommand::Print:
+    case RecordCommand::DesignTemplate:
+        // Only a document has a PDF and a design template.
         return isDocument(selection.first());
-    return true;
+    case RecordCommand::SendEmail:
+        return isDocument(selection.first()) || entity == QLatin1String("Clients");
+    case RecordCommand::AddToDocument:
+        return entity == QLatin1String("Clients") || entity == QLatin1String("Items");
+    default:
+        return true;
+    }
 }
 
 Record* BrowserCommands::target(RecordCommand command) const
@@ -119,58 +115,52 @@ void BrowserCommands::cancelDocument()
         m_commands->cancelDocument(document->ref());
 }
 
-QString BrowserCommands::databaseFolder(const QString& name) const
+void BrowserCommands::newRecord()
 {
-    // A company database keeps its side folders beside its file.
-    const QString folder = QDir(QFileInfo(m_store.path()).absolutePath()).filePath(name);
-    QDir().mkpath(folder);
-    return folder;
+    const Record* record = target(RecordCommand::New);
+    if (!record)
+        return;
+    // A new record of the kind selected: a document of the same type, a client or item of the
+    // same kind.
+    const ListKind kind = browse::ListKinds::ofEntity(record->entityName());
+    const qint64 type = kind == ListKind::ToDos ? 0 : record->value(QStringLiteral("type")).toLongLong();
+    m_editors->newEditor(kind, type);
 }
 
-bool BrowserCommands::writePdf(Record* document, const QString& path, const QString& title)
+void BrowserCommands::editRecord()
 {
-    QString error;
-    Record* designTemplate = templates::PrintedOutput::templateOf(document);
-    if (!designTemplate) {
-        error = tr("\"%1\" has no design template, and the company has no default template for its type.")
-                    .arg(document->value(QStringLiteral("number_formatted")).toString());
-    } else {
-        const WaitCursor wait;
-        int pages = 0;
-        if (templates::PrintedOutput(databaseFolder(QStringLiteral("templates")))
-                .writeDocument(document, designTemplate, path, &pages, &error))
-            return true;
-    }
-    m_prompter.alert(title, error, {tr("OK")});
-    return false;
+    if (const Record* record = target(RecordCommand::Edit))
+        m_editors->editRecord(record->ref());
 }
 
 void BrowserCommands::saveAs()
 {
-    Record* document = target(RecordCommand::SaveAs);
-    if (!document)
-        return;
-    const QString suggested = QDir(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation))
-                                  .filePath(templates::PdfFileNames::documentFileName(*document));
-    const QString path =
-        QFileDialog::getSaveFileName(m_window, tr("Save as PDF"), suggested, tr("PDF documents (*.pdf)"));
-    if (path.isEmpty())
-        return;
-    writePdf(document, path, tr("Save as PDF"));
+    if (const Record* document = target(RecordCommand::SaveAs))
+        m_editors->saveDocumentAs(document->ref());
 }
 
 void BrowserCommands::preview()
 {
-    Record* document = target(RecordCommand::Preview);
-    if (!document)
-        return;
-    const QString path = QDir(databaseFolder(QStringLiteral("temp")))
-                             .filePath(templates::PdfFileNames::documentFileName(*document));
-    if (!writePdf(document, path, tr("Preview")))
-        return;
-    // The desktop's PDF viewer shows it until the program has a preview window of its own.
-    if (!QDesktopServices::openUrl(QUrl::fromLocalFile(path)))
-        m_prompter.alert(tr("Preview"), tr("No program to show \"%1\" was found.").arg(path), {tr("OK")});
+    if (Record* document = target(RecordCommand::Preview))
+        m_editors->outputs().preview(document);
+}
+
+void BrowserCommands::print()
+{
+    if (const Record* document = target(RecordCommand::Print))
+        m_editors->printDocument(document->ref());
+}
+
+void BrowserCommands::sendEmail()
+{
+    if (const Record* record = target(RecordCommand::SendEmail))
+        m_editors->sendEmail(record->ref());
+}
+
+void BrowserCommands::addToDocument()
+{
+    if (const Record* record = target(RecordCommand::AddToDocument))
+        m_editors->addToDocument(record->ref());
 }
 
 QMenu* BrowserCommands::contextMenu(ListKind kind)
@@ -199,8 +189,9 @@ QMenu* BrowserCommands::makeMenu(ListKind kind)
             connect(action, &QAction::triggered, this, slot);
     };
     const bool document = kind == ListKind::Documents;
-    add(RecordCommand::New, tr("New"), "document-new", QKeySequence::New);
-    add(RecordCommand::Edit, tr("Edit…"), "document-edit", QKeySequence(tr("Ctrl+E")));
+    add(RecordCommand::New, tr("New"), "document-new", QKeySequence::New, &BrowserCommands::newRecord);
+    add(RecordCommand::Edit, tr("Edit…"), "document-edit", QKeySequence(tr("Ctrl+E")),
+        &BrowserCommands::editRecord);
     add(RecordCommand::Duplicate, tr("Duplicate"), "edit-copy", QKeySequence(tr("Ctrl+D")),
         &BrowserCommands::duplicateRecord);
     add(RecordCommand::Delete, tr("Delete…"), "edit-delete", QKeySequence::Delete,
@@ -209,16 +200,18 @@ QMenu* BrowserCommands::makeMenu(ListKind kind)
         add(RecordCommand::Cancel, tr("Cancel Invoice…"), "edit-undo", {}, &BrowserCommands::cancelDocument);
     menu->addSeparator();
     if (kind == ListKind::Clients || document)
-        add(RecordCommand::SendEmail, tr("Send by Email…"), "mail-send", {});
+        add(RecordCommand::SendEmail, tr("Send by Email…"), "mail-send", {}, &BrowserCommands::sendEmail);
     if (document) {
         add(RecordCommand::SaveAs, tr("Save as PDF…"), "document-save-as", QKeySequence::SaveAs,
             &BrowserCommands::saveAs);
         add(RecordCommand::Preview, tr("Preview"), "document-preview", QKeySequence(tr("Ctrl+Shift+P")),
             &BrowserCommands::preview);
-        add(RecordCommand::Print, tr("Print…"), "document-print", QKeySequence::Print);
+        add(RecordCommand::Print, tr("Print…"), "document-print", QKeySequence::Print,
+            &BrowserCommands::print);
     }
     if (kind == ListKind::Clients || kind == ListKind::Items)
-        add(RecordCommand::AddToDocument, tr("Add to Document"), "list-add", {});
+        add(RecordCommand::AddToDocument, tr("Add to Document"), "list-add", {},
+            &BrowserCommands::addToDocument);
     menu->addSeparator();
 
     QMenu* tags = menu->addMenu(QIcon::fromTheme(QStringLiteral("tag")), tr("Tags"));

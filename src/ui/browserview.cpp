@@ -15,7 +15,8 @@
 
 namespace corvanta::ui {
 
-BrowserView::BrowserView(store::Store& store, support::Prompter& prompter, QWidget* parent)
+BrowserView::BrowserView(store::Store& store, support::Prompter& prompter, EditorWindows* editors,
+                         QWidget* parent)
     : QWidget(parent)
 {
     setObjectName(QStringLiteral("BrowserView"));
@@ -23,7 +24,7 @@ BrowserView::BrowserView(store::Store& store, support::Prompter& prompter, QWidg
     m_list = new RecordListView(store, prompter);
     m_detail = new DetailPane(store);
     m_detail->setPrompter(&prompter);
-    m_commands = new BrowserCommands(store, prompter, *m_list, this);
+    m_commands = new BrowserCommands(store, prompter, *m_list, this, editors);
 
     m_inner = new QSplitter(Qt::Horizontal);
     m_inner->setObjectName(QStringLiteral("listDetailSplitter"));

@@ -17,6 +17,7 @@ namespace corvanta::ui {
 
 class BrowserCommands;
 class DetailPane;
+class EditorWindows;
 class RecordListView;
 class SidebarView;
 
@@ -27,7 +28,9 @@ class BrowserView : public QWidget
     Q_OBJECT
 
 public:
-    BrowserView(store::Store& store, support::Prompter& prompter, QWidget* parent = nullptr);
+    // `editors` opens the editor windows for the browser's commands (none: those stay disabled).
+    BrowserView(store::Store& store, support::Prompter& prompter, EditorWindows* editors = nullptr,
+                QWidget* parent = nullptr);
     ~BrowserView() override;
 
     SidebarView* sidebar() const { return m_sidebar; }

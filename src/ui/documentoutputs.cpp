@@ -93,6 +93,17 @@ void DocumentOutputs::preview(Record* document)
     window->activateWindow();
 }
 
+void DocumentOutputs::refreshPreview(Record* document)
+{
+    PreviewWindow* window = document ? m_previews.value(document->ref()) : nullptr;
+    if (!window || !window->isVisible())
+        return;
+    const QString path = renderTemporary(document, s("preview-%1.pdf").arg(document->pk()), tr("Preview"));
+    if (!path.isEmpty())
+        window->showPdf(path, previewTitle(*document), templates::PdfFileNames::documentFileName(*document),
+                        copiesSetting(*document));
+}
+
 PreviewWindow* DocumentOutputs::previewWindow(const predicate::RecordRef& document) const
 {
     return m_previews.value(document);

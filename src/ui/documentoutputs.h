@@ -47,6 +47,9 @@ public:
 
     // The open preview of a document, or null.
     PreviewWindow* previewWindow(const predicate::RecordRef& document) const;
+    // Renders the document again into its preview window, if one is shown, without bringing the
+    // window to the front: the preview follows the editor while the user types there.
+    void refreshPreview(store::Record* document);
     // Closes a document's preview, as saving or closing its editor does.
     void closePreview(const predicate::RecordRef& document);
 

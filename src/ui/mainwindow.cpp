@@ -5,13 +5,22 @@
 #include "app/makerlinks.h"
 #include "app/updatechecker.h"
 #include "browse/commandavailability.h"
+#include "browse/listkind.h"
+#include "browse/pagebridge.h"
 #include "browsercommands.h"
 #include "browserview.h"
 #include "companies/databasemanager.h"
 #include "companiesmenuview.h"
+#include "detailpane.h"
+#include "editorwindows.h"
 #include "exchange/emailhandover.h"
+#include "predicate/literal.h"
 #include "recordlistview.h"
 #include "sidebarview.h"
+#include "store/editingcontext.h"
+#include "store/fetchrequest.h"
+#include "store/record.h"
+#include "store/store.h"
 #include "support/prompter.h"
 
 #include <QAbstractSpinBox>
@@ -25,9 +34,11 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPlainTextEdit>
+#include <QPointer>
 #include <QSettings>
 #include <QStackedWidget>
 #include <QStatusBar>
+#include <QTableView>
 #include <QTextEdit>
 #include <QTimer>
 #include <QToolBar>
@@ -125,7 +136,8 @@ MainWindow::MainWindow(app::ApplicationCore& core, support::Prompter& prompter, 
     setProperty(windowKindProperty(), int(WindowKind::Main));
     setUnifiedTitleAndToolBarOnMac(true);
 
-    m_browser = new BrowserView(*core.store(), prompter);
+    m_editors = new EditorWindows(*core.store(), prompter, this);
+    m_browser = new BrowserView(*core.store(), prompter, m_editors);
     m_views = new QStackedWidget;
     m_views->setObjectName(QStringLiteral("viewStack"));
     m_views->addWidget(m_browser);
@@ -141,6 +153,7 @@ MainWindow::MainWindow(app::ApplicationCore& core, support::Prompter& prompter, 
         updateSelectedLabel();
     });
     connect(qApp, &QApplication::focusChanged, this, &MainWindow::updateCommandStates);
+    connectDetailPage();
     if (companies::DatabaseManager* manager = core.databaseManager()) {
         // Connecting to another database quits as the user would, then the program starts again.
         connect(manager, &companies::DatabaseManager::restartRequested, this,
@@ -367,7 +380,7 @@ void MainWindow::updateCommandStates()
                                isHandled(command, CommandRules::route(command, state)));
     }
     for (QAction* action : std::as_const(m_windowTagActions))
-        action->setEnabled(false); // no window of a tag is part of the program yet
+        action->setEnabled(hasWindow(action->data().toInt()));
 }
 
 void MainWindow::runCommand(Command command)
@@ -396,19 +409,78 @@ void MainWindow::runCommand(Command command)
     case Command::Preview:
         commands->preview();
         break;
+    case Command::Print:
+        commands->print();
+        break;
+    case Command::New:
+        commands->newRecord();
+        break;
+    case Command::Edit:
+        commands->editRecord();
+        break;
     default:
-        // New, Edit and Print open editor and print windows, which the browser does not offer yet.
         break;
     }
     updateCommandStates();
 }
 
+bool MainWindow::hasWindow(int tag)
+{
+    // The editors; the reference lists and the company's own windows come with later work, and
+    // a tag never opens an empty window.
+    return tag >= 1 && tag <= 4;
+}
+
 bool MainWindow::openWindow(int tag)
 {
-    // The editors and list windows of the tags become part of the program with later work; a
-    // tag never opens an empty window.
-    Q_UNUSED(tag);
-    return false;
+    switch (tag) {
+    case 1:
+        return m_editors->newEditor(browse::ListKind::Clients) != nullptr;
+    case 2:
+        return m_editors->newEditor(browse::ListKind::Items) != nullptr;
+    case 3:
+        return m_editors->newEditor(browse::ListKind::Documents) != nullptr;
+    case 4:
+        return m_editors->newEditor(browse::ListKind::ToDos) != nullptr;
+    default:
+        return false;
+    }
+}
+
+void MainWindow::connectDetailPage()
+{
+    store::Store& store = *m_core.store();
+    const auto stored = [&store](const char* entity, const QString& identifier) {
+        store::Record* record = store.mainContext().fetchFirst(store::FetchRequest(
+            QString::fromLatin1(entity), predicate::literal("identifier == %@", {identifier})));
+        return record ? record->ref() : predicate::RecordRef();
+    };
+    browse::PageBridge& bridge = m_browser->detailPane()->bridge();
+    connect(&bridge, &browse::PageBridge::documentPaymentsRequested, this,
+            [this, stored](const QString& identifier) {
+                const predicate::RecordRef document = stored("Documents", identifier);
+                if (!document.isNull())
+                    m_editors->showDocumentPayments(document, this);
+            });
+    connect(&bridge, &browse::PageBridge::warehouseRequested, this,
+            [this, stored](const QString& identifier) {
+                const predicate::RecordRef item = stored("Items", identifier);
+                if (!item.isNull())
+                    m_editors->showWarehouse(item);
+            });
+    // A double click on a row opens its record, as Edit does.
+    connect(m_browser->recordList()->table(), &QAbstractItemView::doubleClicked, this,
+            [this] { m_browser->commands()->editRecord(); });
+}
+
+bool MainWindow::closeEditors()
+{
+    for (QWidget* window : m_editors->windows()) {
+        QPointer<QWidget> editor = window;
+        if (!editor->close() && editor && editor->isVisible())
+            return false;
+    }
+    return true;
 }
 
 void MainWindow::updateSelectedLabel()
@@ -465,6 +537,11 @@ void MainWindow::closeEvent(QCloseEvent* event)
         return;
     }
     saveLayout();
+    // Unsaved editors ask first; the one the user keeps open keeps the program running.
+    if (!closeEditors()) {
+        event->ignore();
+        return;
+    }
     QApplication::setOverrideCursor(Qt::WaitCursor);
     const app::ApplicationCore::TerminateReply reply =
         m_core.applicationShouldTerminate([this] { m_browser->sidebar()->saveSidebarSettingsToDatabase(); });

@@ -20,6 +20,7 @@ namespace corvanta::ui {
 
 class BrowserView;
 class CompaniesMenuView;
+class EditorWindows;
 
 // The main window: the browser with its sidebar, list and detail page, the menus and the tool
 // bar. The global commands (New, Edit, Duplicate, Delete, Save, Preview, Print) go where the
@@ -35,6 +36,7 @@ public:
     ~MainWindow() override;
 
     BrowserView* browserView() const { return m_browser; }
+    EditorWindows* editorWindows() const { return m_editors; }
     app::MainView currentView() const { return m_currentView; }
     QAction* commandAction(app::Command command) const { return m_commands.value(command); }
 
@@ -45,9 +47,11 @@ public:
     void updateCommandStates();
     // Runs a command where the rules send it.
     void runCommand(app::Command command);
-    // Opens the window of a command tag; false when the tag names none or the window is not
-    // part of the program yet.
+    // Opens the window of a command tag; false when the tag names none, the window is not part
+    // of the program yet, or it could not open.
     bool openWindow(int tag);
+    // Whether the window of a command tag is part of the program.
+    static bool hasWindow(int tag);
 
     // What a window in front tells the rules it is: windows set this property to a WindowKind.
     static const char* windowKindProperty();
@@ -72,10 +76,16 @@ private:
     void showAbout();
     void restoreLayout();
     void saveLayout() const;
+    // Closes the editor windows as the user would, each asking about its unsaved changes; false
+    // when one of them stays open.
+    bool closeEditors();
+    // The page's requests for a document's payments and an item's stock.
+    void connectDetailPage();
 
     app::ApplicationCore& m_core;
     support::Prompter& m_prompter;
     QStackedWidget* m_views = nullptr;
+    EditorWindows* m_editors = nullptr;
     BrowserView* m_browser = nullptr;
     CompaniesMenuView* m_companiesMenu = nullptr;
     QLabel* m_selectedLabel = nullptr;

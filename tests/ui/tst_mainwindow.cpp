@@ -60,7 +60,7 @@ private Q_SLOTS:
     void browserCommands();
     void keyWindowRows_data();
     void keyWindowRows();
-    void windowTagsOpenNothingYet();
+    void windowTags();
     void companiesMenu();
     void quittingWritesTheBackup();
 
@@ -111,9 +111,9 @@ void TestMainWindow::browserCommands_data()
     QTest::addColumn<QList<bool>>("expected"); // Duplicate, Delete, Preview, New, Edit, Save
 
     QTest::newRow("a client selected")
-        << s("All Clients") << true << QList<bool>{true, true, false, false, false, false};
+        << s("All Clients") << true << QList<bool>{true, true, false, true, true, false};
     QTest::newRow("an invoice selected")
-        << s("All Documents") << true << QList<bool>{true, true, true, false, false, false};
+        << s("All Documents") << true << QList<bool>{true, true, true, true, true, false};
     QTest::newRow("nothing selected")
         << s("All Clients") << false << QList<bool>{false, false, false, false, false, false};
 }
@@ -131,7 +131,7 @@ void TestMainWindow::browserCommands()
         table->selectRow(0);
     table->setFocus();
     m_window->updateCommandStates();
-    // New and Edit open the editors, which the program does not have yet; Save belongs to them.
+    // Save belongs to the editors, never to the browser.
     const QList<Command> commands{Command::Duplicate, Command::Delete, Command::Preview,
                                   Command::New,       Command::Edit,   Command::Save};
     for (int i = 0; i < commands.size(); ++i)
@@ -179,17 +179,34 @@ void TestMainWindow::keyWindowRows()
     QVERIFY(m_company->client(s("Acme Ltd")));
 }
 
-void TestMainWindow::windowTagsOpenNothingYet()
+void TestMainWindow::windowTags()
 {
     const QList<QAction*> actions = m_window->findChildren<QAction*>(QRegularExpression(s("^actionWindow")));
     QCOMPARE(actions.size(), 14);
-    const int windows = QApplication::topLevelWidgets().size();
+    m_window->updateCommandStates();
+    // Tags 1 to 4 open a new editor of their kind; the others wait for their windows.
+    const QHash<int, WindowKind> editors{{1, WindowKind::ClientEditor},
+                                         {2, WindowKind::ItemEditor},
+                                         {3, WindowKind::DocumentEditor},
+                                         {4, WindowKind::ToDoEditor}};
     for (QAction* action : actions) {
-        QVERIFY2(!action->isEnabled(), qPrintable(action->text()));
-        QVERIFY(!m_window->openWindow(action->data().toInt()));
+        const int tag = action->data().toInt();
+        QCOMPARE(action->isEnabled(), editors.contains(tag));
+        const QWidgetList before = QApplication::topLevelWidgets();
+        QCOMPARE(m_window->openWindow(tag), editors.contains(tag));
+        QWidgetList opened = QApplication::topLevelWidgets();
+        opened.removeIf(
+            [&before](QWidget* widget) { return before.contains(widget) || !widget->isVisible(); });
+        QCOMPARE(opened.size(), editors.contains(tag) ? 1 : 0);
+        if (opened.isEmpty())
+            continue;
+        QCOMPARE(WindowKind(opened.first()->property(MainWindow::windowKindProperty()).toInt()),
+                 editors.value(tag));
+        // Nothing was typed: the editor closes without a question.
+        QVERIFY(opened.first()->close());
     }
     QVERIFY(!m_window->openWindow(5));
-    QCOMPARE(QApplication::topLevelWidgets().size(), windows);
+    QVERIFY(m_company->prompter().questions().isEmpty());
 }
 
 void TestMainWindow::companiesMenu()
