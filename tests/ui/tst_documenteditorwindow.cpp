@@ -19,6 +19,7 @@
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QStandardPaths>
 #include <QTableView>
 #include <QToolButton>
@@ -28,6 +29,18 @@ using namespace corvanta::ui::testing;
 using store::Record;
 using ui::DocumentEditorWindow;
 using ui::DocumentRowsModel;
+
+namespace {
+
+// A document of 1,000 rows opens well within this; the sanitizers make everything several times
+// slower.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr qint64 kOpeningLimitMs = 1500;
+#else
+constexpr qint64 kOpeningLimitMs = 300;
+#endif
+
+} // namespace
 
 class tst_DocumentEditor : public QObject
 {
@@ -208,14 +221,18 @@ void tst_DocumentEditor::rowsTypedWithTabAndReturn()
     // The item filled the row; Tab went on to the quantity, and from there over the unit to the price.
     QCOMPARE(cellText(window, 0, DocumentRowsModel::Price), s("$4.5"));
     QCOMPARE(view->currentIndex().column(), int(DocumentRowsModel::Quantity));
+    // Typing changes single rows; the table is rebuilt only when rows come or go.
+    QSignalSpy resets(view->model(), &QAbstractItemModel::modelReset);
     QTest::keyClicks(cellEditor(), s("3"));
     QTest::keyClick(cellEditor(), Qt::Key_Tab);
     QCOMPARE(view->currentIndex().column(), int(DocumentRowsModel::Price));
     QCOMPARE(cellText(window, 0, DocumentRowsModel::Total), s("$14.85"));
+    QCOMPARE(resets.count(), 0);
 
     // Return on the last row adds a row and edits its name.
     QTest::keyClick(cellEditor(), Qt::Key_Return);
     QTRY_COMPARE(view->model()->rowCount(), 2);
+    QCOMPARE(resets.count(), 1);
     QCOMPARE(view->currentIndex(), view->model()->index(1, DocumentRowsModel::Name));
     QVERIFY(cellEditor());
     QTest::keyClicks(cellEditor(), s("Consulting"));
@@ -506,7 +523,7 @@ void tst_DocumentEditor::longDocumentOpensQuickly()
     const qint64 elapsed = timer.elapsed();
     qInfo("1000 rows opened and shown in %lld ms", elapsed);
     QCOMPARE(window->findChild<QAbstractItemView*>(s("rowsView"))->model()->rowCount(), 1000);
-    QVERIFY2(elapsed < 300, qPrintable(QString::number(elapsed)));
+    QVERIFY2(elapsed < kOpeningLimitMs, qPrintable(QString::number(elapsed)));
 }
 
 // Set CORVANTA_PICTURE to a file name to keep a picture of a 30-row invoice in euros.
