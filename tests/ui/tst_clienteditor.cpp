@@ -106,12 +106,6 @@ private:
         painter.drawRect(QRect(at, popover->size()).adjusted(0, 0, -1, -1));
         painter.end();
         QVERIFY(picture.save(folder + s("/tags-popover.png")));
-        auto* tabs = child<QTabWidget>(window, "clientTabs");
-        for (int tab = 0; tab < tabs->count(); ++tab) {
-            tabs->setCurrentIndex(tab);
-            QVERIFY(window->grab().save(folder + s("/client-editor-tab%1.png").arg(tab)));
-        }
-        tabs->setCurrentIndex(1);
     }
 
 private Q_SLOTS:
