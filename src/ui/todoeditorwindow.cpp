@@ -3,7 +3,6 @@
 #include "app/commandrules.h"
 #include "editors/todocontroller.h"
 #include "mainwindow.h"
-#include "openeditors.h"
 #include "store/editingcontext.h"
 #include "store/record.h"
 #include "store/store.h"
@@ -82,11 +81,11 @@ void showValue(Edit* edit, const Value& value)
 
 } // namespace
 
-ToDoEditorWindow::ToDoEditorWindow(store::Store& store, support::Prompter& prompter, OpenEditors& openEditors,
-                                   QWidget* parent)
+// Like every editor it is given the open document editors; a to-do goes into no document.
+ToDoEditorWindow::ToDoEditorWindow(store::Store& store, support::Prompter& prompter,
+                                   OpenEditors& /*openEditors*/, QWidget* parent)
     : QWidget(parent, Qt::Window)
     , m_controller(std::make_unique<ToDoController>(store, prompter))
-    , m_openEditors(openEditors)
 {
     setObjectName(s("ToDoEditorWindow"));
     setAttribute(Qt::WA_DeleteOnClose);

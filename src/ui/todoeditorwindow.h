@@ -79,7 +79,6 @@ private:
     void refreshTitle();
 
     std::unique_ptr<editors::ToDoController> m_controller;
-    OpenEditors& m_openEditors;
     QList<store::Record*> m_clientSuggestions;
     QList<store::Record*> m_itemSuggestions;
 

@@ -3,15 +3,14 @@
 #include "tasks/recurrence.h"
 
 #include <QColor>
-#include <QSignalSpy>
 
 using namespace corvanta;
 using namespace corvanta::documents::testing;
 using corvanta::editors::ToDoController;
 
-// The to-do editor's own part: a new to-do's values, times that keep their order, the
-// recurrence values each choice needs, and its save and close question. The save rules
-// themselves are tested with the to-dos.
+// The to-do editor's own part: a new to-do's values, times that keep their order and the
+// recurrence values each choice needs. Its save and close question are walked through its
+// window's test, the save rules themselves with the to-dos.
 class tst_ToDoController : public QObject
 {
     Q_OBJECT
@@ -24,7 +23,6 @@ private Q_SLOTS:
     void times();
     void recurrenceValues();
     void endsOnTheChosenDay();
-    void saveAndClose();
 
 private:
     std::unique_ptr<TestCompany> m_company;
@@ -122,43 +120,6 @@ void tst_ToDoController::endsOnTheChosenDay()
         return offsets.size() < 100;
     });
     QCOMPARE(offsets, (QList<qint64>{0, 1, 2, 3, 4}));
-}
-
-void tst_ToDoController::saveAndClose()
-{
-    auto editor = m_company->make<ToDoController>();
-    QSignalSpy closing(&editor, &ToDoController::closeRequested);
-    Record* todo = editor.newToDo();
-    editor.setValue(s("title"), s("Call the printer"));
-    QVERIFY(editor.isEdited());
-
-    // Cancel keeps the window and the changes; a save without a control leaves it open.
-    m_company->prompter().addAnswer(s("Cancel"));
-    QVERIFY(editor.windowShouldClose() == ToDoController::CloseAnswer::KeepOpen);
-    QVERIFY(editor.save(ToDoController::Sender::None));
-    QCOMPARE(closing.count(), 0);
-    QVERIFY(!editor.isEdited());
-    QCOMPARE(m_company->count("ToDos"), 1);
-    QCOMPARE(todo->value(s("created")).toDateTime(), at(2026, 11, 23, 10, 5));
-
-    editor.setValue(s("title"), QString());
-    QVERIFY(editor.save(ToDoController::Sender::Control));
-    QCOMPARE(closing.count(), 1);
-    Record* stored = m_company->record(todo->ref());
-    QCOMPARE(stored->value(s("title")).toString(), s("No Name"));
-    QCOMPARE(stored->relatedList(s("tags")).value(0)->value(s("name")).toString(), s("Pending"));
-
-    // Changes forgotten on Don't Save never reach the store.
-    editor.openToDo(stored->ref());
-    editor.setValue(s("title"), s("Lunch"));
-    m_company->prompter().addAnswer(s("Don't Save"));
-    QVERIFY(editor.windowShouldClose() == ToDoController::CloseAnswer::Close);
-    m_company->main().rollback();
-    QCOMPARE(m_company->record(todo->ref())->value(s("title")).toString(), s("No Name"));
-    QCOMPARE(
-        m_company->asked(),
-        QStringList(2, s("Save this to-do? | This to-do has not been saved and contains unsaved changes. "
-                         "Would you like to save now? | Save, Don't Save, Cancel")));
 }
 
 QTEST_GUILESS_MAIN(tst_ToDoController)
