@@ -10,6 +10,7 @@
 #include "tasks/recurrence.h"
 
 #include <QAbstractItemView>
+#include <QAbstractProxyModel>
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QColorDialog>
@@ -409,8 +410,21 @@ void ToDoEditorWindow::setUpSuggestions(QLineEdit* edit, QCompleter*& completer,
         if (!completer->popup()->isVisible())
             linkTyped(client);
     });
-    connect(completer, qOverload<const QString&>(&QCompleter::activated), this,
-            [this, client](const QString& name) { linkTyped(client, name); });
+    // A suggestion picked from the list is its own record, also when another has the same name.
+    connect(completer, qOverload<const QModelIndex&>(&QCompleter::activated), this,
+            [this, client, completer, edit](const QModelIndex& index) {
+                const auto* proxy = qobject_cast<const QAbstractProxyModel*>(completer->completionModel());
+                const int row = proxy ? proxy->mapToSource(index).row() : index.row();
+                const QList<Record*>& suggestions = client ? m_clientSuggestions : m_itemSuggestions;
+                if (row < 0 || row >= suggestions.size())
+                    return;
+                edit->setProperty(kTypedProperty, false);
+                if (client)
+                    m_controller->setClient(suggestions.at(row));
+                else
+                    m_controller->setItem(suggestions.at(row));
+                refresh();
+            });
 }
 
 void ToDoEditorWindow::suggest(bool client, const QString& text)
@@ -429,14 +443,14 @@ void ToDoEditorWindow::suggest(bool client, const QString& text)
 
 // The typed name links the one client or item of that name; an empty field unlinks, and a name
 // that matches none goes back to the linked one.
-void ToDoEditorWindow::linkTyped(bool client, const std::optional<QString>& name)
+void ToDoEditorWindow::linkTyped(bool client)
 {
     if (!todo())
         return;
     QLineEdit* edit = client ? m_clientEdit : m_itemEdit;
     const QString key = client ? s("client") : s("item");
     const QString nameKey = client ? s("full_name") : s("name");
-    const QString text = name.value_or(edit->text()).trimmed();
+    const QString text = edit->text().trimmed();
     edit->setProperty(kTypedProperty, false);
     const Record* linked = todo()->related(key);
     if (linked && linked->value(nameKey).toString() == text)

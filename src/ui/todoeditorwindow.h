@@ -3,7 +3,6 @@
 #include "predicate/recordref.h"
 
 #include <QWidget>
-#include <optional>
 
 class QCheckBox;
 class QComboBox;
@@ -71,8 +70,7 @@ private:
     void chooseColor(const char* key, const QString& title);
     void setUpSuggestions(QLineEdit* edit, QCompleter*& completer, QStringListModel*& names, bool client);
     void suggest(bool client, const QString& text);
-    // `name` when chosen from the suggestions, else the field's text.
-    void linkTyped(bool client, const std::optional<QString>& name = std::nullopt);
+    void linkTyped(bool client);
     void finishEditing();
     void showTags();
     void refresh();

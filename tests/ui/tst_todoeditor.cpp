@@ -290,6 +290,8 @@ void tst_ToDoEditor::closeQuestion()
 // shown whole. With CORVANTA_PICTURES set, the window's picture is written into that folder.
 void tst_ToDoEditor::monthlyToDoPicture()
 {
+    // Two clients of one name: the one picked from the list is linked.
+    m_company->addClient(s("Berger Haustechnik GmbH"));
     m_company->addClient(s("Berger Haustechnik GmbH"));
     m_company->main().insertRecord(s("Items"),
                                    {{s("name"), s("Maintenance contract")}, {s("type"), qint64(0)}});
@@ -298,15 +300,17 @@ void tst_ToDoEditor::monthlyToDoPicture()
     m_window->show();
     QVERIFY(QTest::qWaitForWindowExposed(m_window));
     QTest::keyClicks(child<QLineEdit>("titleEdit"), s("Service visit"));
-    // A suggestion chosen from the list links its client at once.
     QTest::keyClicks(child<QLineEdit>("clientEdit"), s("haus"));
     QAbstractItemView* suggestions = child<QLineEdit>("clientEdit")->completer()->popup();
     QTRY_VERIFY(suggestions->isVisible());
-    QCOMPARE(suggestions->model()->rowCount(), 1);
+    QCOMPARE(suggestions->model()->rowCount(), 2);
+    QTest::keyClick(suggestions, Qt::Key_Down);
     QTest::keyClick(suggestions, Qt::Key_Down);
     QTest::keyClick(suggestions, Qt::Key_Return);
     const Record* todo = m_window->controller().todo();
-    QCOMPARE(todo->valueForKeyPath(s("client.full_name")).toString(), s("Berger Haustechnik GmbH"));
+    const QList<Record*> clients = m_window->controller().clientSuggestions(s("haus"));
+    QVERIFY(todo->related(s("client")) == clients.value(1) && clients.value(0) != clients.value(1));
+    QCOMPARE(child<QLineEdit>("clientEdit")->text(), s("Berger Haustechnik GmbH"));
     QTest::keyClicks(child<QLineEdit>("itemEdit"), s("Maintenance contract"));
     child<QComboBox>("repeatPopup")->setCurrentIndex(child<QComboBox>("repeatPopup")->findText(s("Monthly")));
     QTest::mouseClick(child<QRadioButton>("byWeekdayRadio"), Qt::LeftButton, {}, QPoint(4, 4));
