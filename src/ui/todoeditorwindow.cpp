@@ -176,13 +176,6 @@ void ToDoEditorWindow::buildForm()
         refresh();
     });
 
-    m_notesEdit = new QPlainTextEdit(this);
-    m_notesEdit->setObjectName(s("notesEdit"));
-    m_notesEdit->setTabChangesFocus(true);
-    m_notesEdit->setMinimumHeight(fontMetrics().lineSpacing() * 4);
-    connect(m_notesEdit, &QPlainTextEdit::textChanged, this,
-            [this] { m_controller->setValue(s("desc"), m_notesEdit->toPlainText()); });
-
     m_form = new QFormLayout;
     const auto addRow = [this](const QString& label, QWidget* field, QLayout* layout = nullptr) {
         auto* text = new QLabel(label, this);
@@ -201,11 +194,24 @@ void ToDoEditorWindow::buildForm()
     addRow(tr("&Background:"), m_backgroundButton, colours);
     m_form->addRow(QString(), m_doneCheck);
 
+    // Built in reading order, which is the order of the keyboard focus.
     QWidget* recurrence = buildRecurrence();
+
+    m_notesEdit = new QPlainTextEdit(this);
+    m_notesEdit->setObjectName(s("notesEdit"));
+    m_notesEdit->setTabChangesFocus(true);
+    m_notesEdit->setMinimumHeight(fontMetrics().lineSpacing() * 4);
+    connect(m_notesEdit, &QPlainTextEdit::textChanged, this,
+            [this] { m_controller->setValue(s("desc"), m_notesEdit->toPlainText()); });
 
     auto* notesLabel = new QLabel(tr("&Notes:"), this);
     notesLabel->setBuddy(m_notesEdit);
 
+    m_tagsButton = new QPushButton(QIcon::fromTheme(s("tag")), tr("Ta&gs…"), this);
+    m_tagsButton->setObjectName(s("tagsButton"));
+    m_tagsButton->setToolTip(tr("Choose the to-do's tags"));
+    m_tagsButton->setAutoDefault(false);
+    connect(m_tagsButton, &QPushButton::clicked, this, &ToDoEditorWindow::showTags);
     m_saveButton = new QPushButton(QIcon::fromTheme(s("document-save")), tr("Save"), this);
     m_saveButton->setObjectName(s("saveButton"));
     m_saveButton->setDefault(true);
@@ -213,11 +219,6 @@ void ToDoEditorWindow::buildForm()
         finishEditing();
         m_controller->save(ToDoController::Sender::Control);
     });
-    m_tagsButton = new QPushButton(QIcon::fromTheme(s("tag")), tr("Ta&gs…"), this);
-    m_tagsButton->setObjectName(s("tagsButton"));
-    m_tagsButton->setToolTip(tr("Choose the to-do's tags"));
-    m_tagsButton->setAutoDefault(false);
-    connect(m_tagsButton, &QPushButton::clicked, this, &ToDoEditorWindow::showTags);
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(m_tagsButton);
     buttons->addStretch(1);
