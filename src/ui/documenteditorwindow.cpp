@@ -105,7 +105,6 @@ void fillChooser(QComboBox* chooser, const QList<Record*>& records, const QStrin
 DocumentEditorWindow::DocumentEditorWindow(store::Store& store, support::Prompter& prompter,
                                            OpenEditors& openEditors, QWidget* parent)
     : QMainWindow(parent)
-    , m_store(store)
     , m_prompter(prompter)
     , m_openEditors(openEditors)
     , m_controller(std::make_unique<DocumentController>(store, prompter))
@@ -191,17 +190,13 @@ void DocumentEditorWindow::makeActions()
         QAction* a = bar->addAction(QIcon::fromTheme(icon), text);
         a->setObjectName(s(name));
         connect(a, &QAction::triggered, this, slot);
-        return a;
     };
-    m_saveAction = action(s("document-save"), tr("Save"), "saveAction", &DocumentEditorWindow::save);
+    action(s("document-save"), tr("Save"), "saveAction", &DocumentEditorWindow::save);
     bar->addSeparator();
-    m_previewAction =
-        action(s("document-print-preview"), tr("Preview"), "previewAction", &DocumentEditorWindow::preview);
-    m_printAction = action(s("document-print"), tr("Print"), "printAction", &DocumentEditorWindow::print);
-    m_saveAsAction =
-        action(s("document-export"), tr("Save as PDF"), "saveAsAction", &DocumentEditorWindow::saveAs);
-    m_emailAction =
-        action(s("mail-send"), tr("Send by Email"), "emailAction", &DocumentEditorWindow::sendEmail);
+    action(s("document-print-preview"), tr("Preview"), "previewAction", &DocumentEditorWindow::preview);
+    action(s("document-print"), tr("Print"), "printAction", &DocumentEditorWindow::print);
+    action(s("document-export"), tr("Save as PDF"), "saveAsAction", &DocumentEditorWindow::saveAs);
+    action(s("mail-send"), tr("Send by Email"), "emailAction", &DocumentEditorWindow::sendEmail);
 }
 
 QWidget* DocumentEditorWindow::makeDocumentTab()
@@ -519,8 +514,7 @@ void DocumentEditorWindow::showDocument()
     refreshPriceLevels();
     refreshTitle();
     refreshSelection();
-    const QVariant edited = m_controller->isEdited();
-    setWindowModified(edited.toBool());
+    setWindowModified(m_controller->isEdited());
 }
 
 void DocumentEditorWindow::refreshHeader()

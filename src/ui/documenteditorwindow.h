@@ -6,7 +6,6 @@
 #include <QPointer>
 #include <memory>
 
-class QAction;
 class QComboBox;
 class QDateEdit;
 class QFormLayout;
@@ -110,7 +109,6 @@ private:
     void setDocumentValue(const QString& key, const QVariant& value);
     void setDocumentRelated(const QString& key, QComboBox* chooser, const QString& entity);
 
-    store::Store& m_store;
     support::Prompter& m_prompter;
     OpenEditors& m_openEditors;
     std::unique_ptr<editors::DocumentController> m_controller;
@@ -147,12 +145,6 @@ private:
 
     QPlainTextEdit* m_headerNoteEdit = nullptr;
     QPlainTextEdit* m_footerNoteEdit = nullptr;
-
-    QAction* m_saveAction = nullptr;
-    QAction* m_previewAction = nullptr;
-    QAction* m_printAction = nullptr;
-    QAction* m_saveAsAction = nullptr;
-    QAction* m_emailAction = nullptr;
 };
 
 } // namespace corvanta::ui
