@@ -1,4 +1,5 @@
 #include "editors/documentcontroller.h"
+#include "format/numberinput.h"
 #include "model/companyrecord.h"
 #include "support/uuid.h"
 #include "ui/documenteditorwindow.h"
@@ -52,6 +53,8 @@ private Q_SLOTS:
 
     void clientChosenFromSuggestions();
     void rowsTypedWithTabAndReturn();
+    void typedQuantity_data();
+    void typedQuantity();
     void itemNameEntered_data();
     void itemNameEntered();
     void priceLevelsKeepTypedPrices();
@@ -251,6 +254,39 @@ void tst_DocumentEditor::rowsTypedWithTabAndReturn()
     // The totals follow the rows: 13.5 + 100 net, with 10% tax on both.
     QCOMPARE(window->findChild<QLabel*>(s("netValue"))->text(), s("$113.5"));
     QCOMPARE(window->findChild<QLabel*>(s("totalValue"))->text(), s("$124.85"));
+}
+
+void tst_DocumentEditor::typedQuantity_data()
+{
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<double>("quantity");
+    QTest::addColumn<QStringList>("asked");
+
+    QTest::newRow("grouped thousands and a fraction") << s("1,250.5") << 1250.5 << QStringList();
+    QTest::newRow("an emptied field is no quantity") << s("") << 0.0 << QStringList();
+    QTest::newRow("words are refused and change nothing")
+        << s("ten") << 1.0 << QStringList{format::NumberInput::alertTitle()};
+}
+
+void tst_DocumentEditor::typedQuantity()
+{
+    QFETCH(QString, typed);
+    QFETCH(double, quantity);
+    QFETCH(QStringList, asked);
+
+    DocumentEditorWindow* window = newWindow();
+    QVERIFY(window->newDocument(0));
+    window->show();
+    QVERIFY(QTest::qWaitForWindowActive(window));
+    window->addRow();
+    QTest::keyClick(cellEditor(), Qt::Key_Tab);
+    QLineEdit* editor = cellEditor();
+    QVERIFY(editor);
+    QCOMPARE(editor->objectName(), s("quantityEditor"));
+    editor->setText(typed);
+    QTest::keyClick(editor, Qt::Key_Tab);
+    QCOMPARE(window->controller().rows().value(0)->value(s("quantity")).toDouble(), quantity);
+    QCOMPARE(m_company->prompter().titles(), asked);
 }
 
 void tst_DocumentEditor::itemNameEntered_data()
