@@ -531,6 +531,13 @@ StoreError EditingContext::saveError(StoreError::Code failure, const QString& de
             StoreError::WriteFailed,
             tr("Writing to the disk failed: the company database \"%1\" could not be saved.").arg(file),
             tr("Your changes are kept. Check the disk, then save again. (%1)").arg(detail));
+    case StoreError::Locked:
+        // Another program (a second Corvanta on a shared folder, a backup or sync tool) kept
+        // writing to the file for longer than the store waits.
+        return StoreError::make(
+            StoreError::Locked,
+            tr("The company database \"%1\" is in use by another program: it could not be saved.").arg(file),
+            tr("Your changes are kept. Save again when the other program has finished with the file."));
     default:
         return StoreError::make(StoreError::SaveFailed, tr("The changes could not be saved."), detail);
     }

@@ -22,6 +22,7 @@ struct StoreError
         Damaged = 11,           // the file is a database of ours that SQLite finds malformed
         NewerModel = 134100,    // the file was written by a newer data model
         SaveFailed = 1560,      // a save was rolled back
+        Locked = 1570,          // another program held the write lock; the save was rolled back
         DeleteDenied = 1600,    // a deleted record is still in use
         InvalidFetch = 1700,    // a fetch named an unknown key or could not be compiled
         StoreInitFailed = 9999, // no store could be built

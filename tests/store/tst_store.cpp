@@ -3,6 +3,8 @@
 
 #include <QProcess>
 #include <QRandomGenerator>
+#include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QThread>
 #include <sys/stat.h>
 
@@ -38,6 +40,7 @@ private Q_SLOTS:
     void killedHolderNeverBlocks();
     void migratesOlderFile();
     void copiesWhileOpen();
+    void saveWhileAnotherProgramWrites();
 };
 
 void tst_Store::refusesBadLocations_data()
@@ -323,6 +326,41 @@ void tst_Store::copiesWhileOpen()
     QCOMPARE(valuesOf(saved), (QStringList{s("First"), s("Second")}));
     // New keys continue after the largest one stored.
     QVERIFY(c.insertRecord(s("Customers"))->pk() > saved.last()->pk());
+}
+
+// Another program holds the write lock for longer than a save waits: the save fails saying so,
+// nothing is written, and the context keeps its changes for the next save.
+void tst_Store::saveWhileAnotherProgramWrites()
+{
+    QTemporaryDir dir;
+    const QString file = dir.filePath(s("orders.db"));
+    StoreError error;
+    std::unique_ptr<Store> store = openOrderBook(file, &error);
+    QVERIFY2(store, qPrintable(error.message()));
+    EditingContext& main = store->mainContext();
+    main.insertRecord(s("Customers"), {{s("name"), s("Ann")}});
+    const QString otherProgram = s("otherProgram");
+    {
+        QSqlDatabase other = QSqlDatabase::addDatabase(s("QSQLITE"), otherProgram);
+        other.setDatabaseName(file);
+        QVERIFY(other.open());
+        QVERIFY(QSqlQuery(other).exec(s("BEGIN IMMEDIATE")));
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(s("^Saving .* failed: ")));
+        const bool saved = main.save(&error);
+        QVERIFY(QSqlQuery(other).exec(s("ROLLBACK")));
+        other.close();
+        QVERIFY(!saved);
+    }
+    QSqlDatabase::removeDatabase(otherProgram);
+    QCOMPARE(error.code, int(StoreError::Locked));
+    QCOMPARE(error.description,
+             s("The company database \"%1\" is in use by another program: it could not be saved.").arg(file));
+    QCOMPARE(error.reason,
+             s("Your changes are kept. Save again when the other program has finished with the file."));
+    QCOMPARE(store->newContext()->count(FetchRequest(s("Customers"))), 0);
+    QVERIFY(main.hasChanges());
+    saveOrFail(main);
+    QCOMPARE(store->newContext()->count(FetchRequest(s("Customers"))), 1);
 }
 
 QTEST_GUILESS_MAIN(tst_Store)

@@ -322,6 +322,9 @@ StoreError::Code SqliteDatabase::lastWriteFailure() const
     switch (m_failedWriteCode & 0xff) {
     case SQLITE_FULL:
         return StoreError::DiskFull;
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+        return StoreError::Locked;
     case SQLITE_IOERR:
     case SQLITE_READONLY:
     case SQLITE_CANTOPEN:
