@@ -1,0 +1,299 @@
+#include "editors/documentcontroller.h"
+#include "model/companyrecord.h"
+#include "support/uuid.h"
+#include "ui/clienteditorwindow.h"
+#include "ui/documenteditorwindow.h"
+#include "ui/documentrowsmodel.h"
+#include "ui/documentrowsview.h"
+#include "ui/itemeditorwindow.h"
+#include "ui/openeditors.h"
+#include "uitestsupport.h"
+
+#include <QLineEdit>
+#include <QPointer>
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <functional>
+
+using namespace corvanta;
+using namespace corvanta::ui::testing;
+using store::Record;
+
+// The three editor windows whose edits must survive a failed save and a closing window.
+enum class Editor { Document, Client, Item };
+Q_DECLARE_METATYPE(Editor)
+
+namespace {
+
+// A second connection to the company database that holds its write lock, as another program
+// writing to the file would: every save of the store waits for it, then fails.
+class WriteLock
+{
+public:
+    explicit WriteLock(const QString& file)
+    {
+        QSqlDatabase database = QSqlDatabase::addDatabase(s("QSQLITE"), connectionName());
+        database.setDatabaseName(file);
+        if (!database.open())
+            qFatal("cannot open the second connection: %s", qPrintable(database.lastError().text()));
+        QSqlQuery begin(database);
+        if (!begin.exec(s("BEGIN IMMEDIATE")))
+            qFatal("cannot lock the database: %s", qPrintable(begin.lastError().text()));
+    }
+    ~WriteLock()
+    {
+        {
+            QSqlDatabase database = QSqlDatabase::database(connectionName());
+            QSqlQuery(database).exec(s("ROLLBACK"));
+            database.close();
+        }
+        QSqlDatabase::removeDatabase(connectionName());
+    }
+
+private:
+    static QString connectionName() { return s("tst_editorsafety_lock"); }
+};
+
+} // namespace
+
+class tst_EditorSafety : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void failedSaveKeepsEdits_data();
+    void failedSaveKeepsEdits();
+    void closingAnEditedWindowAsks_data();
+    void closingAnEditedWindowAsks();
+
+private:
+    // An open editor window on a stored record, with where the user types and what is stored.
+    struct Opened
+    {
+        QPointer<QWidget> window;
+        QString original;                // the stored value before any typing
+        QString typed;                   // what type() enters
+        std::function<void()> type;      // types `typed` into the window's field
+        std::function<QString()> shown;  // the field's text as the window shows it
+        std::function<QString()> stored; // the value in the database, read afresh
+    };
+    Opened open(Editor editor);
+    // The value of `key` of the stored record `ref`, read through a new editing context.
+    QString storedValue(const predicate::RecordRef& ref, const QString& key);
+
+    std::unique_ptr<UiCompany> m_company;
+    std::unique_ptr<ui::OpenEditors> m_openEditors;
+    QList<QPointer<QWidget>> m_windows;
+};
+
+void tst_EditorSafety::init()
+{
+    m_company = std::make_unique<UiCompany>();
+    m_openEditors = std::make_unique<ui::OpenEditors>();
+}
+
+void tst_EditorSafety::cleanup()
+{
+    // Windows left by a failed test go without their questions, before the store.
+    qDeleteAll(m_windows);
+    m_windows.clear();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    m_openEditors.reset();
+    m_company.reset();
+}
+
+QString tst_EditorSafety::storedValue(const predicate::RecordRef& ref, const QString& key)
+{
+    std::unique_ptr<store::EditingContext> context = m_company->store().newContext();
+    const Record* record = context->record(ref);
+    return record ? record->value(key).toString() : s("(gone)");
+}
+
+tst_EditorSafety::Opened tst_EditorSafety::open(Editor editor)
+{
+    store::EditingContext& main = m_company->main();
+    Opened opened;
+    switch (editor) {
+    case Editor::Document: {
+        // An invoice of one row; the user types a quantity into the row and leaves the cell open,
+        // so that the save or the close must take what is typed from the cell editor.
+        Record* client = m_company->addClient(s("Acme Ltd"));
+        Record* document =
+            main.insertRecord(s("Documents"), {{s("type"), qint64(0)},
+                                               {s("draft"), false},
+                                               {s("number_formatted"), s("INVOICE/2026-0007")},
+                                               {s("date_creation"), QDateTime::currentDateTime()},
+                                               {s("created"), QDateTime::currentDateTime()},
+                                               {s("client_full_name"), s("Acme Ltd")},
+                                               {s("identifier"), support::UUID()}});
+        document->setRelated(s("client"), client);
+        document->setRelated(s("currency"), model::CompanyRecord::defaultRecord(main, s("default_currency")));
+        Record* row = main.insertRecord(s("DocumentRows"), {{s("order"), qint64(1)}, {s("name"), s("Bolt")}});
+        row->setRelated(s("document"), document);
+        row->setRelated(s("tax"), model::CompanyRecord::defaultRecord(main, s("default_tax")));
+        row->setValue(s("unit_price"), 10.0);
+        row->setValue(s("quantity"), 2.0);
+        m_company->save();
+        const predicate::RecordRef rowRef = row->ref();
+
+        auto* window =
+            new ui::DocumentEditorWindow(m_company->store(), m_company->prompter(), *m_openEditors);
+        if (!window->openDocument(document->ref()))
+            qFatal("the editor window does not open the stored record");
+        auto* view = window->findChild<ui::DocumentRowsView*>(s("rowsView"));
+        const QModelIndex quantity = view->model()->index(0, ui::DocumentRowsModel::Quantity);
+        opened.window = window;
+        opened.typed = s("7");
+        opened.type = [view, quantity] {
+            view->setCurrentIndex(quantity);
+            view->edit(quantity);
+            auto* cell = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+            if (!cell)
+                qFatal("no cell editor for the quantity");
+            cell->selectAll();
+            QTest::keyClicks(cell, s("7"));
+        };
+        opened.shown = [view, quantity] { return quantity.data().toString(); };
+        opened.stored = [this, rowRef] { return storedValue(rowRef, s("quantity")); };
+        break;
+    }
+    case Editor::Client: {
+        const predicate::RecordRef ref = m_company->addClient(s("Acme Ltd"))->ref();
+        auto* window = new ui::ClientEditorWindow(m_company->store(), m_company->prompter(), *m_openEditors);
+        if (!window->openClient(ref))
+            qFatal("the editor window does not open the stored record");
+        auto* field = window->findChild<QLineEdit*>(s("emailsField"));
+        opened.window = window;
+        opened.typed = s("ann@acme.example");
+        opened.type = [field] { QTest::keyClicks(field, s("ann@acme.example")); };
+        opened.shown = [field] { return field->text(); };
+        opened.stored = [this, ref] { return storedValue(ref, s("emails")); };
+        break;
+    }
+    case Editor::Item: {
+        Record* item = main.insertRecord(
+            s("Items"), {{s("name"), s("Bolt")}, {s("code"), s("B-8")}, {s("identifier"), support::UUID()}});
+        m_company->save();
+        const predicate::RecordRef ref = item->ref();
+        auto* window = new ui::ItemEditorWindow(m_company->store(), m_company->prompter(), *m_openEditors);
+        if (!window->openItem(ref))
+            qFatal("the editor window does not open the stored record");
+        auto* field = window->findChild<QLineEdit*>(s("codeEdit"));
+        opened.window = window;
+        opened.typed = s("B-12");
+        opened.type = [field] {
+            field->selectAll();
+            QTest::keyClicks(field, s("B-12"));
+        };
+        opened.shown = [field] { return field->text(); };
+        opened.stored = [this, ref] { return storedValue(ref, s("code")); };
+        break;
+    }
+    }
+    m_windows << opened.window;
+    opened.window->show();
+    opened.window->activateWindow();
+    if (!QTest::qWaitForWindowActive(opened.window))
+        qFatal("the editor window does not become active");
+    opened.original = opened.stored();
+    return opened;
+}
+
+void tst_EditorSafety::failedSaveKeepsEdits_data()
+{
+    QTest::addColumn<Editor>("editor");
+    QTest::newRow("document, quantity typed into a row") << Editor::Document;
+    QTest::newRow("client, e-mail typed") << Editor::Client;
+    QTest::newRow("item, code typed") << Editor::Item;
+}
+
+// The database is locked by another connection while the user saves: the user is told why, the
+// window stays open with the typed value, nothing is stored, and once the lock is gone the same
+// window saves what was typed.
+void tst_EditorSafety::failedSaveKeepsEdits()
+{
+    QFETCH(Editor, editor);
+    Opened opened = open(editor);
+    opened.type();
+    auto lock = std::make_unique<WriteLock>(m_company->store().path());
+
+    m_company->prompter().clear();
+    QVERIFY(QMetaObject::invokeMethod(opened.window, "save"));
+    QCOMPARE(m_company->prompter().titles(),
+             QStringList{s("The company database \"%1\" is in use by another program: it could not be saved.")
+                             .arg(m_company->store().path())});
+    const support::ScriptedPrompter::Question told = m_company->prompter().questions().first();
+    QCOMPARE(told.text,
+             s("Your changes are kept. Save again when the other program has finished with the file."));
+    QCOMPARE(told.buttons, QStringList{s("OK")});
+    QVERIFY(opened.window->isVisible());
+    QVERIFY(opened.window->isWindowModified());
+    QCOMPARE(opened.shown(), opened.typed);
+    lock.reset();
+    QCOMPARE(opened.stored(), opened.original);
+
+    // Saved again with the lock gone: stored, and the window closes as after any save of its own.
+    m_company->prompter().clear();
+    QVERIFY(QMetaObject::invokeMethod(opened.window, "save"));
+    QCOMPARE(m_company->prompter().titles(), QStringList{});
+    QCOMPARE(opened.stored(), opened.typed);
+    QVERIFY(!opened.window || !opened.window->isVisible());
+}
+
+void tst_EditorSafety::closingAnEditedWindowAsks_data()
+{
+    QTest::addColumn<Editor>("editor");
+    QTest::addColumn<QString>("title");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("document") << Editor::Document << s("Save this document?")
+                              << s("This document has not been saved and contains unsaved changes. "
+                                   "Would you like to save now?");
+    QTest::newRow("client") << Editor::Client << s("Save this client?")
+                            << s("This client has not been saved and contains unsaved changes. Would "
+                                 "you like to save now?");
+    QTest::newRow("item") << Editor::Item << s("Save this item?")
+                          << s("This item has not been saved and contains unsaved changes. Would you "
+                               "like to save now?");
+}
+
+// Opening and looking does not count as an edit; one typed value does, and the window then asks
+// at every close until it is answered: "Cancel" keeps it with the value, "Don't Save" closes it
+// and stores nothing.
+void tst_EditorSafety::closingAnEditedWindowAsks()
+{
+    QFETCH(Editor, editor);
+    QFETCH(QString, title);
+    QFETCH(QString, text);
+
+    Opened untouched = open(editor);
+    m_company->prompter().clear();
+    QVERIFY(untouched.window->close());
+    QCOMPARE(m_company->prompter().titles(), QStringList{});
+
+    Opened opened = open(editor);
+    opened.type();
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        m_company->prompter().clear();
+        m_company->prompter().addAnswer(s("Cancel"));
+        QVERIFY(!opened.window->close());
+        QCOMPARE(m_company->prompter().titles(), QStringList{title});
+        const support::ScriptedPrompter::Question asked = m_company->prompter().questions().first();
+        QCOMPARE(asked.text, text);
+        QCOMPARE(asked.buttons, (QStringList{s("Save"), s("Don't Save"), s("Cancel")}));
+        QVERIFY(opened.window->isVisible());
+        QCOMPARE(opened.shown(), opened.typed);
+    }
+
+    m_company->prompter().clear();
+    m_company->prompter().addAnswer(s("Don't Save"));
+    QVERIFY(opened.window->close());
+    QCOMPARE(m_company->prompter().titles(), QStringList{title});
+    QCOMPARE(opened.stored(), opened.original);
+}
+
+CORVANTA_UI_TEST_MAIN(tst_EditorSafety)
+#include "tst_editorsafety.moc"
