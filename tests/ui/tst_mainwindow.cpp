@@ -1,6 +1,10 @@
 #include "app/companiesmenu.h"
 #include "browse/sidebarmodel.h"
+#include "editors/documentcontroller.h"
+#include "ui/browsercommands.h"
 #include "ui/browserview.h"
+#include "ui/documenteditorwindow.h"
+#include "ui/editorwindows.h"
 #include "ui/mainwindow.h"
 #include "ui/recordlistview.h"
 #include "ui/sidebarview.h"
@@ -63,6 +67,8 @@ private Q_SLOTS:
     void windowTags();
     void companiesMenu();
     void quittingWritesTheBackup();
+    void quittingAsksEditorsFirst();
+    void addToDocument();
 
 private:
     void selectNode(const QString& name);
@@ -240,6 +246,64 @@ void TestMainWindow::quittingWritesTheBackup()
     const QList<store::Record*> selected = company->relatedList(s("category_selected"));
     QCOMPARE(selected.size(), 1);
     QCOMPARE(selected.first()->value(s("name")).toString(), s("All Documents"));
+}
+
+void TestMainWindow::quittingAsksEditorsFirst()
+{
+    QVERIFY(m_window->openWindow(1));
+    QWidget* client = m_window->editorWindows()->windows().value(0);
+    QVERIFY(client);
+    auto* name = client->findChild<QLineEdit*>(s("firstNameField"));
+    name->setFocus();
+    QTest::keyClicks(name, s("Beta Works"));
+
+    // Cancel in the editor's question keeps the program running with the editor open.
+    m_company->prompter().addAnswer(s("Cancel"));
+    QVERIFY(!m_window->close());
+    QCOMPARE(m_company->prompter().titles(), QStringList{s("Save this client?")});
+    QVERIFY(client->isVisible());
+    QVERIFY(m_window->isVisible());
+
+    // Saving from the question stores the client, then the program quits.
+    m_company->prompter().addAnswer(s("Save"));
+    QVERIFY(m_window->close());
+    QVERIFY(m_company->client(s("Beta Works")));
+}
+
+void TestMainWindow::addToDocument()
+{
+    store::Record* item = m_company->main().insertRecord(
+        s("Items"),
+        {{s("name"), s("Widget")}, {s("custom_price01"), 12.5}, {s("identifier"), support::UUID()}});
+    m_company->save();
+    BrowserCommands* commands = m_window->browserView()->commands();
+    RecordListView* list = m_window->browserView()->recordList();
+
+    // Without an open document a new invoice takes the client.
+    selectNode(s("All Clients"));
+    QVERIFY(list->selectRecord(m_company->client(s("Acme Ltd"))->ref()));
+    QVERIFY(commands->isEnabled(browse::RecordCommand::AddToDocument));
+    commands->addToDocument();
+    const QList<QWidget*> windows = m_window->editorWindows()->windows();
+    QCOMPARE(windows.size(), 1);
+    auto* editor = qobject_cast<DocumentEditorWindow*>(windows.first());
+    QVERIFY(editor && editor->isVisible());
+    QCOMPARE(editor->controller().document()->value(s("client_full_name")).toString(), s("Acme Ltd"));
+
+    // The item goes into that invoice as a row; no second editor opens.
+    selectNode(s("All Items"));
+    QVERIFY(list->selectRecord(item->ref()));
+    commands->addToDocument();
+    QCOMPARE(m_window->editorWindows()->windows().size(), 1);
+    QCOMPARE(editor->controller().rows().size(), 1);
+    QCOMPARE(editor->controller().rows().first()->value(s("unit_price")).toDouble(), 12.5);
+    // A document is not added to a document.
+    selectNode(s("All Documents"));
+    list->table()->selectRow(0);
+    QVERIFY(!commands->isEnabled(browse::RecordCommand::AddToDocument));
+
+    m_company->prompter().addAnswer(s("Don't Save"));
+    QVERIFY(editor->close());
 }
 
 CORVANTA_UI_TEST_MAIN(TestMainWindow)
