@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace corvanta::model {
 
@@ -87,17 +88,35 @@ void DocumentRowsRecord::refreshUnitName()
 
 QList<Record*> DocumentRowsRecord::displayOrder(const Record* document)
 {
-    QList<Record*> rows = document ? document->relatedList(QStringLiteral("rows")) : QList<Record*>();
-    std::stable_sort(rows.begin(), rows.end(), [](const Record* a, const Record* b) {
-        const QVariant x = a->value(QStringLiteral("order"));
-        const QVariant y = b->value(QStringLiteral("order"));
-        if (x.isNull() != y.isNull())
-            return y.isNull(); // rows without a position come last
-        if (x.toLongLong() != y.toLongLong())
-            return x.toLongLong() < y.toLongLong();
-        return a->pk() < b->pk();
+    const QList<Record*> rows = document ? document->relatedList(QStringLiteral("rows")) : QList<Record*>();
+    // Each row's position is read once: the totals follow every typed number of a long document,
+    // and reading the values in each comparison made the sort the larger part of that work.
+    struct Position
+    {
+        bool unordered;
+        qint64 order;
+        qint64 pk;
+        Record* row;
+    };
+    std::vector<Position> positions;
+    positions.reserve(size_t(rows.size()));
+    const QString orderKey = QStringLiteral("order");
+    for (Record* row : rows) {
+        const QVariant order = row->value(orderKey);
+        positions.push_back({order.isNull(), order.toLongLong(), row->pk(), row});
+    }
+    std::stable_sort(positions.begin(), positions.end(), [](const Position& a, const Position& b) {
+        if (a.unordered != b.unordered)
+            return b.unordered; // rows without a position come last
+        if (a.order != b.order)
+            return a.order < b.order;
+        return a.pk < b.pk;
     });
-    return rows;
+    QList<Record*> sorted;
+    sorted.reserve(rows.size());
+    for (const Position& position : positions)
+        sorted << position.row;
+    return sorted;
 }
 
 void DocumentRowsRecord::didChangeValue(const QString& key)
