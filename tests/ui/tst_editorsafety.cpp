@@ -1,3 +1,4 @@
+#include "../store/smalldisk.h"
 #include "editors/documentcontroller.h"
 #include "model/companyrecord.h"
 #include "support/uuid.h"
@@ -9,8 +10,10 @@
 #include "ui/openeditors.h"
 #include "uitestsupport.h"
 
+#include <QDir>
 #include <QLineEdit>
 #include <QPointer>
+#include <QRegularExpression>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -18,6 +21,7 @@
 
 using namespace corvanta;
 using namespace corvanta::ui::testing;
+using corvanta::testing::SmallDisk;
 using store::Record;
 
 // The three editor windows whose edits must survive a failed save and a closing window.
@@ -69,6 +73,7 @@ private Q_SLOTS:
     void failedSaveKeepsEdits();
     void closingAnEditedWindowAsks_data();
     void closingAnEditedWindowAsks();
+    void fullDiskSaveKeepsEdits();
 
 private:
     // An open editor window on a stored record, with where the user types and what is stored.
@@ -88,6 +93,9 @@ private:
     std::unique_ptr<UiCompany> m_company;
     std::unique_ptr<ui::OpenEditors> m_openEditors;
     QList<QPointer<QWidget>> m_windows;
+    // A company started on a small disk, with its own prompter; it goes after the windows.
+    support::ScriptedPrompter m_diskPrompter;
+    std::unique_ptr<app::ApplicationCore> m_diskCompany;
 };
 
 void tst_EditorSafety::init()
@@ -103,6 +111,7 @@ void tst_EditorSafety::cleanup()
     m_windows.clear();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     m_openEditors.reset();
+    m_diskCompany.reset();
     m_company.reset();
 }
 
@@ -222,6 +231,7 @@ void tst_EditorSafety::failedSaveKeepsEdits()
     auto lock = std::make_unique<WriteLock>(m_company->store().path());
 
     m_company->prompter().clear();
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(s("^Saving .* failed: database is locked")));
     QVERIFY(QMetaObject::invokeMethod(opened.window, "save"));
     QCOMPARE(m_company->prompter().titles(),
              QStringList{s("The company database \"%1\" is in use by another program: it could not be saved.")
@@ -293,6 +303,70 @@ void tst_EditorSafety::closingAnEditedWindowAsks()
     QVERIFY(opened.window->close());
     QCOMPARE(m_company->prompter().titles(), QStringList{title});
     QCOMPARE(opened.stored(), opened.original);
+}
+
+// The disk fills while the user works in a client: the save says the disk is full, the window
+// keeps the typed address, and the same window saves it once there is space again.
+void tst_EditorSafety::fullDiskSaveKeepsEdits()
+{
+    SmallDisk disk(64 << 20);
+    SMALL_DISK_OR_RETURN(disk);
+    const companies::DatabaseFolders folders{disk.filePath(s("data/corvanta")), disk.filePath(s("Desktop")),
+                                             disk.filePath(s("Documents"))};
+    QVERIFY(QDir().mkpath(folders.applicationFiles));
+    // Started twice: the first start writes the new company's default records; the second opens
+    // it with a fresh write-ahead log, which must grow for every save that follows.
+    for (int start = 0; start < 2; ++start) {
+        m_diskCompany = std::make_unique<app::ApplicationCore>(m_diskPrompter, folders);
+        QVERIFY(m_diskCompany->start());
+        if (start == 0) {
+            m_diskCompany->store()->mainContext().insertRecord(s("Clients"),
+                                                               {{s("company_name"), s("Acme Ltd")},
+                                                                {s("full_name"), s("Acme Ltd")},
+                                                                {s("type"), qint64(0)},
+                                                                {s("identifier"), support::UUID()}});
+            store::StoreError error;
+            QVERIFY2(m_diskCompany->store()->mainContext().save(&error), qPrintable(error.message()));
+            m_diskCompany.reset();
+        }
+    }
+    store::Store& store = *m_diskCompany->store();
+    const Record* client = store.mainContext().fetchFirst(store::FetchRequest(s("Clients")));
+    QVERIFY(client);
+    const predicate::RecordRef ref = client->ref();
+    auto* window = new ui::ClientEditorWindow(store, m_diskPrompter, *m_openEditors);
+    m_windows << window;
+    QVERIFY(window->openClient(ref));
+    window->show();
+    auto* field = window->findChild<QLineEdit*>(s("emailsField"));
+    QTest::keyClicks(field, s("ann@acme.example"));
+
+    QVERIFY(disk.fill());
+    m_diskPrompter.clear();
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(s("^Saving .* failed: ")));
+    window->save();
+    QCOMPARE(m_diskPrompter.titles(),
+             QStringList{
+                 s("The disk is full: the company database \"%1\" could not be saved.").arg(store.path())});
+    QCOMPARE(m_diskPrompter.questions().first().text,
+             s("Your changes are kept. Free some space on the disk, then save again."));
+    QVERIFY(window->isVisible());
+    QVERIFY(window->isWindowModified());
+    QCOMPARE(field->text(), s("ann@acme.example"));
+
+    disk.release();
+    m_diskPrompter.clear();
+    window->save();
+    QCOMPARE(m_diskPrompter.titles(), QStringList{});
+    QVERIFY(!window->isVisible());
+    std::unique_ptr<store::EditingContext> fresh = store.newContext();
+    QCOMPARE(fresh->record(ref)->value(s("emails")).toString(), s("ann@acme.example"));
+
+    // The window and the store go before their disk is unmounted.
+    fresh.reset();
+    qDeleteAll(m_windows);
+    m_windows.clear();
+    m_diskCompany.reset();
 }
 
 CORVANTA_UI_TEST_MAIN(tst_EditorSafety)
