@@ -1,12 +1,14 @@
 // Takes the pictures of the desktop program that docs/ keeps: the main window on a company, the
-// company-databases menu, the sidebar's sheets and the questions, each as the user sees it.
+// company-databases menu, the sidebar's sheets and the questions, each as the user sees it; with
+// --editors also the editor windows, their sheets and their questions (editorpictures.cpp).
 //
-//   uipictures --database demo.cvdb --out docs/pictures
+//   uipictures --database demo.cvdb --out docs/desktop --editors docs/editors
 //
 // The program runs on a scratch home folder whose only company is a copy of the given database.
 #include "app/applicationcore.h"
 #include "browse/sidebarmodel.h"
 #include "companies/databaselist.h"
+#include "pictures.h"
 #include "predicate/literal.h"
 #include "store/editingcontext.h"
 #include "store/fetchrequest.h"
@@ -33,47 +35,73 @@
 
 using namespace corvanta;
 
+namespace corvanta::uipictures {
+
 namespace {
+QString g_out;
+} // namespace
 
 QString s(const char* text)
 {
     return QString::fromUtf8(text);
 }
 
-QString g_out;
+void setFolder(const QString& folder)
+{
+    g_out = folder;
+    QDir().mkpath(g_out);
+}
 
 void save(QWidget* widget, const char* name)
 {
+    save(widget->grab(), name);
+}
+
+void save(const QPixmap& picture, const char* name)
+{
     const QString file = QDir(g_out).filePath(s(name) + s(".png"));
-    if (!widget->grab().save(file))
+    if (!picture.save(file))
         qFatal("cannot write %s", qPrintable(file));
     QTextStream(stdout) << file << '\n';
 }
 
-// Pictures the next modal window when it shows, then closes it with `button` (or rejects it).
-void pictureNextDialog(const char* name, const QString& button = {})
+void pictureNextDialog(const char* name, const QString& button, std::function<void()> then)
 {
     auto* timer = new QTimer;
     timer->setInterval(50);
-    QObject::connect(timer, &QTimer::timeout, [timer, name, button] {
+    QObject::connect(timer, &QTimer::timeout, [timer, name, button, then] {
         QWidget* dialog = QApplication::activeModalWidget();
         if (!dialog || !dialog->isVisible())
             return;
         timer->stop();
         timer->deleteLater();
         QTest::qWait(300);
-        save(dialog, name);
+        if (name)
+            save(dialog, name);
+        if (then)
+            QTimer::singleShot(0, then);
         if (auto* box = qobject_cast<QMessageBox*>(dialog)) {
+            QAbstractButton* chosen = box->escapeButton();
             for (QAbstractButton* candidate : box->buttons()) {
                 if (candidate->text() == button)
-                    candidate->click();
+                    chosen = candidate;
             }
+            if (chosen)
+                chosen->click();
         } else if (auto* sheet = qobject_cast<QDialog*>(dialog)) {
             sheet->reject();
         }
     });
     timer->start();
 }
+
+} // namespace corvanta::uipictures
+
+namespace {
+
+using uipictures::pictureNextDialog;
+using uipictures::s;
+using uipictures::save;
 
 store::Record* find(ui::MainWindow* window, const char* entity, const char* key, const QString& value)
 {
@@ -92,54 +120,8 @@ void show(ui::MainWindow* window, const char* node, const char* entity, const ch
     QTest::qWait(2500);
 }
 
-} // namespace
-
-int main(int argc, char** argv)
+void takeMainWindowPictures(ui::MainWindow* window)
 {
-    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
-    QApplication application(argc, argv);
-    QCoreApplication::setApplicationName(s("corvanta"));
-    QCommandLineParser parser;
-    parser.addHelpOption();
-    const QCommandLineOption databaseOption(
-        s("database"), s("The company database to picture (a copy is used)."), s("file"));
-    const QCommandLineOption outOption(s("out"), s("The folder the pictures go to."), s("folder"));
-    parser.addOptions({databaseOption, outOption});
-    parser.process(application);
-    if (!parser.isSet(databaseOption) || !parser.isSet(outOption))
-        parser.showHelp(1);
-    g_out = parser.value(outOption);
-    QDir().mkpath(g_out);
-
-    QTemporaryDir home;
-    qputenv("HOME", home.path().toUtf8());
-    qputenv("XDG_DATA_HOME", home.filePath(s("share")).toUtf8());
-    qputenv("XDG_CONFIG_HOME", home.filePath(s("config")).toUtf8());
-    const QString data = home.filePath(s("share/corvanta"));
-    QDir().mkpath(data);
-    const QString file = QDir(data).filePath(s("demo.cvdb"));
-    if (!QFile::copy(parser.value(databaseOption), file))
-        qFatal("cannot copy the database");
-    companies::DatabaseEntry entry;
-    entry.name = s("Demo Company");
-    entry.path = file;
-    entry.directory = data;
-    entry.filename = s("demo.cvdb");
-    entry.selected = true;
-    QString error;
-    if (!companies::DatabaseList::write(QDir(data).filePath(s("corvanta.databases")), {entry}, &error))
-        qFatal("%s", qPrintable(error));
-
-    ui::DesktopApplication program;
-    program.setEndingActions([] {}, [] {});
-    if (!program.start())
-        return 1;
-    ui::MainWindow* window = program.mainWindow();
-    window->resize(1440, 860);
-    window->activateWindow();
-    if (!QTest::qWaitForWindowExposed(window))
-        qFatal("the main window is not shown");
-
     show(window, "All Documents", "Documents", "number_formatted", "INVOICE/2026-0001");
     save(window, "main-window");
     show(window, "All Clients", "Clients", "full_name", "Acme Ltd");
@@ -178,5 +160,64 @@ int main(int argc, char** argv)
         sidebar->model()->indexOf(find(window, "Categories", "name", s("Clients"))));
     pictureNextDialog("group-refusal", s("OK"));
     sidebar->deleteSelected();
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
+    QApplication application(argc, argv);
+    QCoreApplication::setApplicationName(s("corvanta"));
+    QCommandLineParser parser;
+    parser.addHelpOption();
+    const QCommandLineOption databaseOption(
+        s("database"), s("The company database to picture (a copy is used)."), s("file"));
+    const QCommandLineOption outOption(s("out"), s("The folder the main window's pictures go to."),
+                                       s("folder"));
+    const QCommandLineOption editorsOption(s("editors"), s("The folder the editor windows' pictures go to."),
+                                           s("folder"));
+    parser.addOptions({databaseOption, outOption, editorsOption});
+    parser.process(application);
+    if (!parser.isSet(databaseOption) || (!parser.isSet(outOption) && !parser.isSet(editorsOption)))
+        parser.showHelp(1);
+
+    QTemporaryDir home;
+    qputenv("HOME", home.path().toUtf8());
+    qputenv("XDG_DATA_HOME", home.filePath(s("share")).toUtf8());
+    qputenv("XDG_CONFIG_HOME", home.filePath(s("config")).toUtf8());
+    const QString data = home.filePath(s("share/corvanta"));
+    QDir().mkpath(data);
+    const QString file = QDir(data).filePath(s("demo.cvdb"));
+    if (!QFile::copy(parser.value(databaseOption), file))
+        qFatal("cannot copy the database");
+    companies::DatabaseEntry entry;
+    entry.name = s("Demo Company");
+    entry.path = file;
+    entry.directory = data;
+    entry.filename = s("demo.cvdb");
+    entry.selected = true;
+    QString error;
+    if (!companies::DatabaseList::write(QDir(data).filePath(s("corvanta.databases")), {entry}, &error))
+        qFatal("%s", qPrintable(error));
+
+    ui::DesktopApplication program;
+    program.setEndingActions([] {}, [] {});
+    if (!program.start())
+        return 1;
+    ui::MainWindow* window = program.mainWindow();
+    window->resize(1440, 860);
+    window->activateWindow();
+    if (!QTest::qWaitForWindowExposed(window))
+        qFatal("the main window is not shown");
+
+    if (parser.isSet(outOption)) {
+        uipictures::setFolder(parser.value(outOption));
+        takeMainWindowPictures(window);
+    }
+    if (parser.isSet(editorsOption)) {
+        uipictures::setFolder(parser.value(editorsOption));
+        uipictures::takeEditorPictures(*program.core()->store(), *window);
+    }
     return 0;
 }
