@@ -341,60 +341,23 @@ private Q_SLOTS:
         QVERIFY(company.prompter().questions().isEmpty());
     }
 
-    // Closing with unsaved changes asks; Cancel keeps the window and its edits.
-    void closeQuestion_data()
+    // "Save" as the answer to the close question stores the item; the other answers are walked
+    // by the editor safety test.
+    void closeQuestionSaved()
     {
-        QTest::addColumn<bool>("edited");
-        QTest::addColumn<QString>("answer");
-        QTest::addColumn<bool>("closed");
-        QTest::addColumn<bool>("stored");
-        QTest::newRow("unchanged: no question") << false << QString() << true << false;
-        QTest::newRow("Save") << true << s("Save") << true << true;
-        QTest::newRow("Don't Save") << true << s("Don't Save") << true << false;
-        QTest::newRow("Cancel") << true << s("Cancel") << false << false;
-    }
-    void closeQuestion()
-    {
-        QFETCH(bool, edited);
-        QFETCH(QString, answer);
-        QFETCH(bool, closed);
-        QFETCH(bool, stored);
         UiCompany company;
         ui::OpenEditors openEditors;
         QPointer<ItemEditorWindow> window =
             new ItemEditorWindow(company.store(), company.prompter(), openEditors);
         QVERIFY(window->newItem(0));
         window->show();
-        if (edited) {
-            QTest::keyClicks(window->findChild<QLineEdit*>(s("nameEdit")), s("Garden Design"));
-            QCOMPARE(window->windowTitle(), s("Garden Design[*]"));
-            company.prompter().addAnswer(answer);
-        } else {
-            QCOMPARE(window->windowTitle(), s("New Item[*]"));
-        }
-        QCOMPARE(window->isWindowModified(), edited);
-        QCOMPARE(window->close(), closed);
-
-        if (edited) {
-            QCOMPARE(company.prompter().questions().size(), 1);
-            const auto& question = company.prompter().questions().constFirst();
-            QCOMPARE(question.title, s("Save this item?"));
-            QCOMPARE(
-                question.text,
-                s("This item has not been saved and contains unsaved changes. Would you like to save now?"));
-            QCOMPARE(question.buttons, (QStringList{s("Save"), s("Don't Save"), s("Cancel")}));
-        } else {
-            QVERIFY(company.prompter().questions().isEmpty());
-        }
-        if (closed) {
-            QTRY_VERIFY(window.isNull());
-        } else {
-            QVERIFY(window->isVisible());
-            QVERIFY(window->isWindowModified());
-            QCOMPARE(window->findChild<QLineEdit*>(s("nameEdit"))->text(), s("Garden Design"));
-            delete window;
-        }
-        QCOMPARE(company.named("Items", s("name"), s("Garden Design")) != nullptr, stored);
+        QTest::keyClicks(window->findChild<QLineEdit*>(s("nameEdit")), s("Garden Design"));
+        QCOMPARE(window->windowTitle(), s("Garden Design[*]"));
+        company.prompter().addAnswer(s("Save"));
+        QVERIFY(window->close());
+        QCOMPARE(company.prompter().titles(), QStringList{s("Save this item?")});
+        QTRY_VERIFY(window.isNull());
+        QVERIFY(company.named("Items", s("name"), s("Garden Design")));
     }
 
     // A new item saved while a document editor is shown becomes a row of that document at the
@@ -464,13 +427,11 @@ private Q_SLOTS:
         QVERIFY(window->save());
         QTRY_VERIFY(window.isNull());
 
-        const Record* item = company.named("Items", s("name"), s("Garden Bench"));
-        QVERIFY(item);
         QStringList names;
-        for (const Record* tag : item->relatedList(s("tags")))
+        for (const Record* tag : company.named("Items", s("name"), s("Garden Bench"))->relatedList(s("tags")))
             names << tag->value(s("name")).toString();
-        QVERIFY2(names.contains(s("Outdoor")), qPrintable(names.join(s(", "))));
-        QCOMPARE(names.size(), 2);
+        names.sort();
+        QCOMPARE(names, (QStringList{s("Outdoor"), s("Product")}));
     }
 
     // The company's names for the custom fields and price levels label the fields; a hidden
