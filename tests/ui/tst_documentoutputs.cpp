@@ -27,7 +27,6 @@
 #include <QPrinter>
 #include <QPushButton>
 #include <QScrollBar>
-#include <QStandardPaths>
 #include <QTableView>
 #include <QTemporaryDir>
 #include <QTimer>
@@ -77,6 +76,18 @@ bool hasInk(QPdfDocument& pdf, int page)
     return false;
 }
 
+// How many pages the document's own template gives it, written to a file in `folder`.
+int renderedPages(Record* document, const QTemporaryDir& folder)
+{
+    int pages = 0;
+    QString error;
+    if (!templates::PrintedOutput(folder.path())
+             .writeDocument(document, templates::PrintedOutput::templateOf(document),
+                            folder.filePath(s("check.pdf")), &pages, &error))
+        qWarning("cannot render: %s", qPrintable(error));
+    return pages;
+}
+
 // A mail program that writes its arguments, one a line, to `log`.
 QString fakeMailProgram(const QTemporaryDir& folder, const QString& log)
 {
@@ -116,7 +127,6 @@ private Q_SLOTS:
     void payments_data();
     void payments();
     void paymentsEditedInPlace();
-    void pictures();
 
 private:
     Record* storedInvoice(const QString& number, int rows);
@@ -164,12 +174,7 @@ void TestDocumentOutputs::previewPages()
     QVERIFY(window->isVisible());
     QCOMPARE(window->windowTitle(), s("Preview – Invoice"));
     QTemporaryDir folder;
-    int rendered = 0;
-    QString error;
-    QVERIFY2(templates::PrintedOutput(folder.path())
-                 .writeDocument(document, templates::PrintedOutput::templateOf(document),
-                                folder.filePath(s("check.pdf")), &rendered, &error),
-             qPrintable(error));
+    const int rendered = renderedPages(document, folder);
     QVERIFY(rendered > 1);
     QCOMPARE(window->document()->pageCount(), rendered);
     QCOMPARE(window->findChild<QLabel*>(s("pageLabel"))->text(), s("Page 1 of %1").arg(rendered));
@@ -210,13 +215,8 @@ void TestDocumentOutputs::printCopies()
 
     Record* document = storedInvoice(s("INVOICE/2026-0042"), 30);
     QTemporaryDir folder;
-    const QString single = folder.filePath(s("single.pdf"));
-    QString error;
-    int pages = 0;
-    QVERIFY2(
-        templates::PrintedOutput(folder.path())
-            .writeDocument(document, templates::PrintedOutput::templateOf(document), single, &pages, &error),
-        qPrintable(error));
+    const int pages = renderedPages(document, folder);
+    QVERIFY(pages >= 1);
 
     QPrinter printer(QPrinter::HighResolution);
     printer.setOutputFormat(QPrinter::PdfFormat);
@@ -403,16 +403,6 @@ void TestDocumentOutputs::payments()
     QFETCH(bool, isPaid);
 
     const predicate::RecordRef invoice = m_company->addInvoice(s("INVOICE/2026-0010"), 100)->ref();
-    const auto storedAmounts = [&] {
-        const std::unique_ptr<store::EditingContext> context = m_company->store().newContext();
-        QStringList amounts;
-        const QVariantList values =
-            context->fetchRecord(s("Documents"), invoice)->valueForKeyPath(s("payments.amount")).toList();
-        for (const QVariant& amount : values)
-            amounts << QString::number(amount.toDouble());
-        return amounts.join(QLatin1Char('|'));
-    };
-
     {
         DocumentPaymentsSheet sheet(m_company->store(), m_company->prompter(), invoice);
         sheet.show();
@@ -445,20 +435,15 @@ void TestDocumentOutputs::payments()
             sheet.finish(true);
         QVERIFY(!sheet.isVisible());
     }
-    QCOMPARE(storedAmounts(), stored);
-    {
-        const std::unique_ptr<store::EditingContext> context = m_company->store().newContext();
-        QCOMPARE(documents::PaymentStatus::isPaid(context->fetchRecord(s("Documents"), invoice)), isPaid);
-    }
+    // As stored, read in a fresh context.
+    const std::unique_ptr<store::EditingContext> context = m_company->store().newContext();
+    Record* read = context->fetchRecord(s("Documents"), invoice);
+    QStringList amounts;
+    for (const QVariant& amount : read->valueForKeyPath(s("payments.amount")).toList())
+        amounts << QString::number(amount.toDouble());
+    QCOMPARE(amounts.join(QLatin1Char('|')), stored);
+    QCOMPARE(documents::PaymentStatus::isPaid(read), isPaid);
 
-    // Leaving by the settling button a second time adds nothing more.
-    DocumentPaymentsSheet again(m_company->store(), m_company->prompter(), invoice);
-    again.show();
-    auto* settleButton = again.findChild<QPushButton*>(s("settleButton"));
-    QCOMPARE(settleButton->isEnabled(), !isPaid && stored != s("120"));
-    if (!settleButton->isEnabled())
-        again.finish(true);
-    QCOMPARE(storedAmounts(), stored);
     QVERIFY(m_company->prompter().questions().isEmpty());
 }
 
@@ -493,57 +478,6 @@ void TestDocumentOutputs::paymentsEditedInPlace()
     QCOMPARE(model->rowCount(), 1);
     QCOMPARE(core.remaining(invoice), 74.5);
     QVERIFY(!sheet.findChild<QPushButton*>(s("removeButton"))->isEnabled());
-}
-
-void TestDocumentOutputs::pictures()
-{
-    const QString folder = qEnvironmentVariable("CORVANTA_PICTURES");
-    if (folder.isEmpty())
-        QSKIP("Set CORVANTA_PICTURES to a folder to take the pictures.");
-    QDir().mkpath(folder);
-    // The program's icons, found in the system's icon folders as at its start.
-    QIcon::setThemeSearchPaths(QIcon::themeSearchPaths() +
-                               QStandardPaths::locateAll(QStandardPaths::GenericDataLocation, s("icons"),
-                                                         QStandardPaths::LocateDirectory));
-    QIcon::setThemeName(s("breeze"));
-
-    Record* document = storedInvoice(s("INVOICE/2026-0030"), 30);
-    document->setValue(s("client_email"), s("office@acme.example"));
-    QVERIFY(m_editor->context().save());
-    m_outputs->preview(document);
-    PreviewWindow* preview = m_outputs->previewWindow(document->ref());
-    QVERIFY(preview);
-    preview->resize(760, 900);
-    QTest::qWait(300);
-    QVERIFY(preview->grab().save(folder + s("/preview.png")));
-
-    QPrinter printer(QPrinter::HighResolution);
-    printer.setOutputFormat(QPrinter::PdfFormat);
-    printer.setOutputFileName(folder + s("/printed.pdf"));
-    PdfPrinter::setUp(printer, 2);
-    QVERIFY(m_outputs->printTo(document, printer));
-
-    m_company->main().insertRecord(
-        s("EmailTemplates"),
-        {{s("name"), s("Invoice")},
-         {s("subject"), s("Your invoice")},
-         {s("body"),
-          s("Dear @ClientName,\n\nplease find our invoice attached.\n\nKind regards\n@MyCompanyName")}});
-    m_company->save();
-    EmailPreparationWindow sheet(m_company->store(), m_company->prompter(), document->ref());
-    auto* popup = sheet.findChild<QComboBox*>(s("templatePopup"));
-    popup->setCurrentIndex(popup->findText(s("Invoice")));
-    Q_EMIT popup->activated(popup->currentIndex());
-    sheet.show();
-    QVERIFY(sheet.grab().save(folder + s("/email.png")));
-
-    documents::DocumentPayments core(m_company->store(), m_company->prompter());
-    const double total = document->value(s("sum_total")).toDouble();
-    QVERIFY(core.addPayment(document->ref(), 500, {}, QDateTime(QDate(2026, 3, 1), QTime(9, 0))));
-    QVERIFY(core.addPayment(document->ref(), total / 4, {}, QDateTime(QDate(2026, 3, 15), QTime(9, 0))));
-    DocumentPaymentsSheet payments(m_company->store(), m_company->prompter(), document->ref());
-    payments.show();
-    QVERIFY(payments.grab().save(folder + s("/payments.png")));
 }
 
 CORVANTA_UI_TEST_MAIN(TestDocumentOutputs)
