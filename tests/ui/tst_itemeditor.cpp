@@ -70,54 +70,47 @@ class TestItemEditor : public QObject
     Q_OBJECT
 
 private:
+    // A record stored at once; clients and items get their identifier.
+    Record* insert(const char* entity, QVariantMap values)
+    {
+        if (entity == std::string_view("Clients") || entity == std::string_view("Items") ||
+            entity == std::string_view("Documents"))
+            values.insert(s("identifier"), support::UUID());
+        Record* record = m_company->main().insertRecord(s(entity), values);
+        m_company->save();
+        return record;
+    }
     // A supplier is a company client of type 1, named by its company name.
-    Record* addSupplier(UiCompany& company, const QString& companyName)
+    Record* addSupplier(const QString& companyName)
     {
-        Record* supplier = company.main().insertRecord(
-            s("Clients"),
-            {{s("company_name"), companyName}, {s("type"), qint64(1)}, {s("identifier"), support::UUID()}});
-        company.save();
-        return supplier;
+        return insert("Clients", {{s("company_name"), companyName}, {s("type"), qint64(1)}});
     }
-    Record* addTax(UiCompany& company, double rate1, double rate2)
+    Record* addItem(const QString& name)
     {
-        Record* tax = company.main().insertRecord(
-            s("Taxes"),
-            {{s("name"), s("VAT %1/%2").arg(rate1).arg(rate2)}, {s("rate1"), rate1}, {s("rate2"), rate2}});
-        company.save();
-        return tax;
+        return insert("Items", {{s("name"), name}, {s("type"), qint64(1)}});
     }
-    Record* addItem(UiCompany& company, const QString& name)
+    void addDelivery(Record* item, Record* supplier, double quantity, const QDate& date)
     {
-        Record* item = company.main().insertRecord(
-            s("Items"), {{s("name"), name}, {s("type"), qint64(1)}, {s("identifier"), support::UUID()}});
-        company.save();
-        return item;
-    }
-    void addDelivery(UiCompany& company, Record* item, Record* supplier, double quantity, const QDate& date)
-    {
-        Record* delivery = company.main().insertRecord(
-            s("Warehouse"), {{s("quantity"), quantity}, {s("date"), QDateTime(date, QTime(0, 0))}});
+        Record* delivery =
+            insert("Warehouse", {{s("quantity"), quantity}, {s("date"), QDateTime(date, QTime(0, 0))}});
         delivery->setRelated(s("item"), item);
         delivery->setRelated(s("client"), supplier);
-        company.save();
+        m_company->save();
     }
     // A document of `type` with one row of `quantity` of the item.
-    void addDocumentRow(UiCompany& company, qint64 type, bool draft, const QString& number, Record* client,
-                        Record* item, double quantity, const QDateTime& created)
+    void addDocumentRow(qint64 type, bool draft, const QString& number, Record* client, Record* item,
+                        double quantity, const QDateTime& created)
     {
-        Record* document = company.main().insertRecord(s("Documents"), {{s("type"), type},
-                                                                        {s("draft"), draft},
-                                                                        {s("number_formatted"), number},
-                                                                        {s("created"), created},
-                                                                        {s("date_creation"), created},
-                                                                        {s("identifier"), support::UUID()}});
+        Record* document = insert("Documents", {{s("type"), type},
+                                                {s("draft"), draft},
+                                                {s("number_formatted"), number},
+                                                {s("created"), created},
+                                                {s("date_creation"), created}});
         document->setRelated(s("client"), client);
-        Record* row =
-            company.main().insertRecord(s("DocumentRows"), {{s("quantity"), quantity}, {s("order"), 1}});
+        Record* row = insert("DocumentRows", {{s("quantity"), quantity}, {s("order"), 1}});
         row->setRelated(s("document"), document);
         row->setRelated(s("item"), item);
-        company.save();
+        m_company->save();
     }
 
     // Opens the delivery sheet from the window's warehouse view.
@@ -144,6 +137,16 @@ private:
 
 private Q_SLOTS:
     void initTestCase() { QCoreApplication::setOrganizationName(s("corvanta-tests")); }
+    void init()
+    {
+        m_company = std::make_unique<UiCompany>();
+        m_openEditors = std::make_unique<ui::OpenEditors>();
+    }
+    void cleanup()
+    {
+        m_openEditors.reset();
+        m_company.reset();
+    }
 
     // Prices are typed into the window's own fields; Gross to Net takes out the first rate of
     // the chosen tax only, once per click.
@@ -168,16 +171,12 @@ private Q_SLOTS:
         QFETCH(double, price1);
         QFETCH(double, price2);
         QFETCH(QString, shown1);
-        UiCompany company;
-        const QString taxName =
-            rate1 < 0 ? QString() : addTax(company, rate1, rate2)->value(s("name")).toString();
-        ui::OpenEditors openEditors;
-        ItemEditorWindow window(company.store(), company.prompter(), openEditors);
+        const QString taxName = rate1 < 0 ? QString() : s("VAT %1/%2").arg(rate1).arg(rate2);
+        if (rate1 >= 0)
+            insert("Taxes", {{s("name"), taxName}, {s("rate1"), rate1}, {s("rate2"), rate2}});
+        ItemEditorWindow window(m_company->store(), m_company->prompter(), *m_openEditors);
         QVERIFY(window.newItem(1));
-        if (!taxName.isEmpty())
-            choose(window.findChild<QComboBox*>(s("taxPopup")), taxName);
-        else
-            choose(window.findChild<QComboBox*>(s("taxPopup")), s("None"));
+        choose(window.findChild<QComboBox*>(s("taxPopup")), taxName.isEmpty() ? s("None") : taxName);
         type(window.findChild<QLineEdit*>(s("priceEdit01")), s("120"));
         type(window.findChild<QLineEdit*>(s("priceEdit02")), s("60"));
         for (int i = 0; i < clicks; ++i)
@@ -189,7 +188,7 @@ private Q_SLOTS:
         QVERIFY(item->value(s("custom_price03")).isNull());
         QCOMPARE(window.findChild<QLineEdit*>(s("priceEdit01"))->text(), shown1);
         QVERIFY(window.isWindowModified());
-        QVERIFY(company.prompter().questions().isEmpty());
+        QVERIFY(m_company->prompter().questions().isEmpty());
     }
 
     // A price the program cannot take is told and the field shows the stored price again.
@@ -206,16 +205,14 @@ private Q_SLOTS:
     {
         QFETCH(QString, typed);
         QFETCH(QString, message);
-        UiCompany company;
-        ui::OpenEditors openEditors;
-        ItemEditorWindow window(company.store(), company.prompter(), openEditors);
+        ItemEditorWindow window(m_company->store(), m_company->prompter(), *m_openEditors);
         QVERIFY(window.newItem(0));
         auto* field = window.findChild<QLineEdit*>(s("priceEdit03"));
         type(field, s("12.5"));
         type(field, typed);
 
-        QCOMPARE(company.prompter().titles(), QStringList{format::NumberInput::alertTitle()});
-        QCOMPARE(company.prompter().questions().constFirst().text, message);
+        QCOMPARE(m_company->prompter().titles(), QStringList{format::NumberInput::alertTitle()});
+        QCOMPARE(m_company->prompter().questions().constFirst().text, message);
         QCOMPARE(window.controller().item()->value(s("custom_price03")).toDouble(), 12.5);
         QCOMPARE(field->text(), s("12.5"));
     }
@@ -236,11 +233,9 @@ private Q_SLOTS:
     {
         QFETCH(QString, answer);
         QFETCH(int, deliveries);
-        UiCompany company;
-        addSupplier(company, s("Acme Supplies Ltd"));
-        company.addClient(s("Acme Retail")); // a customer, not a supplier
-        ui::OpenEditors openEditors;
-        ItemEditorWindow window(company.store(), company.prompter(), openEditors);
+        addSupplier(s("Acme Supplies Ltd"));
+        m_company->addClient(s("Acme Retail")); // a customer, not a supplier
+        ItemEditorWindow window(m_company->store(), m_company->prompter(), *m_openEditors);
         QVERIFY(window.newItem(1));
         window.show();
         QVERIFY(QTest::qWaitForWindowExposed(&window));
@@ -284,7 +279,7 @@ private Q_SLOTS:
             QCOMPARE(in.constFirst()->valueForKeyPath(s("client.company_name")).toString(),
                      s("Acme Supplies Ltd"));
         }
-        QVERIFY(company.prompter().questions().isEmpty());
+        QVERIFY(m_company->prompter().questions().isEmpty());
     }
 
     // Out: rows of documents that are not drafts, of every type; in: the deliveries. A delivery
@@ -292,20 +287,18 @@ private Q_SLOTS:
     // delivered, 3 sold on a final invoice (drafts and the quotation move no stock).
     void warehouseAndStock()
     {
-        UiCompany company;
-        Record* supplier = addSupplier(company, s("Northwind Traders"));
-        Record* client = company.addClient(s("Blue Harbour"));
-        Record* item = addItem(company, s("Oak Table"));
-        addDelivery(company, item, supplier, 10, QDate(2026, 1, 5));
-        addDelivery(company, item, supplier, 5, QDate(2026, 2, 9));
+        Record* supplier = addSupplier(s("Northwind Traders"));
+        Record* client = m_company->addClient(s("Blue Harbour"));
+        Record* item = addItem(s("Oak Table"));
+        addDelivery(item, supplier, 10, QDate(2026, 1, 5));
+        addDelivery(item, supplier, 5, QDate(2026, 2, 9));
         const QDateTime created(QDate(2026, 3, 1), QTime(10, 0));
-        addDocumentRow(company, 0, false, s("INV-7"), client, item, 3, created);
-        addDocumentRow(company, 0, true, s("draft"), client, item, 4, created);
-        addDocumentRow(company, 3, false, s("QUO-2"), client, item, 2, created);
+        addDocumentRow(0, false, s("INV-7"), client, item, 3, created);
+        addDocumentRow(0, true, s("draft"), client, item, 4, created);
+        addDocumentRow(3, false, s("QUO-2"), client, item, 2, created);
 
-        ui::OpenEditors openEditors;
         QPointer<ItemEditorWindow> window =
-            new ItemEditorWindow(company.store(), company.prompter(), openEditors);
+            new ItemEditorWindow(m_company->store(), m_company->prompter(), *m_openEditors);
         QVERIFY(window->openItem(item->ref()));
         window->show();
         QVERIFY(QTest::qWaitForWindowExposed(window));
@@ -334,30 +327,28 @@ private Q_SLOTS:
         QTest::mouseClick(window->findChild<QPushButton*>(s("saveButton")), Qt::LeftButton);
         QTRY_VERIFY(window.isNull()); // a save from the window's own button closes it
 
-        ItemEditorWindow reopened(company.store(), company.prompter(), openEditors);
+        ItemEditorWindow reopened(m_company->store(), m_company->prompter(), *m_openEditors);
         QVERIFY(reopened.openItem(item->ref()));
         QCOMPARE(reopened.findChild<QLabel*>(s("stockLabel"))->text(), s("6"));
         QCOMPARE(rowsOf(reopened.findChild<QTreeWidget*>(s("deliveriesInList"))).size(), 2);
-        QVERIFY(company.prompter().questions().isEmpty());
+        QVERIFY(m_company->prompter().questions().isEmpty());
     }
 
     // "Save" as the answer to the close question stores the item; the other answers are walked
     // by the editor safety test.
     void closeQuestionSaved()
     {
-        UiCompany company;
-        ui::OpenEditors openEditors;
         QPointer<ItemEditorWindow> window =
-            new ItemEditorWindow(company.store(), company.prompter(), openEditors);
+            new ItemEditorWindow(m_company->store(), m_company->prompter(), *m_openEditors);
         QVERIFY(window->newItem(0));
         window->show();
         QTest::keyClicks(window->findChild<QLineEdit*>(s("nameEdit")), s("Garden Design"));
         QCOMPARE(window->windowTitle(), s("Garden Design[*]"));
-        company.prompter().addAnswer(s("Save"));
+        m_company->prompter().addAnswer(s("Save"));
         QVERIFY(window->close());
-        QCOMPARE(company.prompter().titles(), QStringList{s("Save this item?")});
+        QCOMPARE(m_company->prompter().titles(), QStringList{s("Save this item?")});
         QTRY_VERIFY(window.isNull());
-        QVERIFY(company.named("Items", s("name"), s("Garden Design")));
+        QVERIFY(m_company->named("Items", s("name"), s("Garden Design")));
     }
 
     // A new item saved while a document editor is shown becomes a row of that document at the
@@ -376,18 +367,16 @@ private Q_SLOTS:
         QFETCH(bool, documentShown);
         QFETCH(int, level);
         QFETCH(double, unitPrice);
-        UiCompany company;
-        editors::DocumentController document(company.store(), company.prompter());
+        editors::DocumentController document(m_company->store(), m_company->prompter());
         QVERIFY(document.newDocument(0));
         document.defaultPriceChanged(level);
         QWidget documentWindow;
         if (documentShown)
             documentWindow.show();
-        ui::OpenEditors openEditors;
-        openEditors.addDocumentEditor(&documentWindow, &document);
+        m_openEditors->addDocumentEditor(&documentWindow, &document);
 
         QPointer<ItemEditorWindow> window =
-            new ItemEditorWindow(company.store(), company.prompter(), openEditors);
+            new ItemEditorWindow(m_company->store(), m_company->prompter(), *m_openEditors);
         QVERIFY(window->newItem(0));
         type(window->findChild<QLineEdit*>(s("nameEdit")), s("Consulting"));
         for (int n = 1; n <= 5; ++n)
@@ -402,20 +391,18 @@ private Q_SLOTS:
             QCOMPARE(rows.constFirst()->value(s("unit_price")).toDouble(), unitPrice);
             QCOMPARE(rows.constFirst()->valueForKeyPath(s("item.name")).toString(), s("Consulting"));
         }
-        QVERIFY(company.named("Items", s("name"), s("Consulting")));
+        QVERIFY(m_company->named("Items", s("name"), s("Consulting")));
     }
 
     // A tag ticked in the popover marks the item edited and is saved with it, next to the
     // program's own tag of the item's type.
     void tags()
     {
-        UiCompany company;
-        company.main().insertRecord(s("Categories"), {{s("name"), s("Outdoor")}, {s("type"), qint64(2)}});
-        company.save();
-        ui::OpenEditors openEditors;
+        m_company->main().insertRecord(s("Categories"), {{s("name"), s("Outdoor")}, {s("type"), qint64(2)}});
+        m_company->save();
         QPointer<ItemEditorWindow> window =
-            new ItemEditorWindow(company.store(), company.prompter(), openEditors);
-        QVERIFY(window->openItem(addItem(company, s("Garden Bench"))->ref()));
+            new ItemEditorWindow(m_company->store(), m_company->prompter(), *m_openEditors);
+        QVERIFY(window->openItem(addItem(s("Garden Bench"))->ref()));
         window->show();
         QVERIFY(!window->isWindowModified());
         window->findChild<QPushButton*>(s("tagsButton"))->click();
@@ -428,7 +415,8 @@ private Q_SLOTS:
         QTRY_VERIFY(window.isNull());
 
         QStringList names;
-        for (const Record* tag : company.named("Items", s("name"), s("Garden Bench"))->relatedList(s("tags")))
+        for (const Record* tag :
+             m_company->named("Items", s("name"), s("Garden Bench"))->relatedList(s("tags")))
             names << tag->value(s("name")).toString();
         names.sort();
         QCOMPARE(names, (QStringList{s("Outdoor"), s("Product")}));
@@ -438,14 +426,14 @@ private Q_SLOTS:
     // custom field is not shown; what is typed lands in the field's own key.
     void fieldLabels()
     {
-        UiCompany company;
-        const auto compose = [&](const char* name) { return company.named("Compose", s("name"), s(name)); };
+        const auto compose = [&](const char* name) {
+            return m_company->named("Compose", s("name"), s(name));
+        };
         compose("item_custom02")->setValue(s("label"), s("Colour"));
         compose("item_custom04")->setValue(s("hidden"), true);
         compose("item_custom_price02")->setValue(s("label"), s("Wholesale"));
-        company.save();
-        ui::OpenEditors openEditors;
-        ItemEditorWindow window(company.store(), company.prompter(), openEditors);
+        m_company->save();
+        ItemEditorWindow window(m_company->store(), m_company->prompter(), *m_openEditors);
         QVERIFY(window.newItem(1));
         window.show();
 
@@ -464,6 +452,10 @@ private Q_SLOTS:
         QTest::keyClicks(window.findChild<QLineEdit*>(s("customEdit02")), s("Green"));
         QCOMPARE(window.controller().item()->value(s("custom02")).toString(), s("Green"));
     }
+
+private:
+    std::unique_ptr<UiCompany> m_company;
+    std::unique_ptr<ui::OpenEditors> m_openEditors;
 };
 
 CORVANTA_UI_TEST_MAIN(TestItemEditor)
