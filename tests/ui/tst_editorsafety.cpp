@@ -237,7 +237,7 @@ void tst_EditorSafety::closingAnEditedWindowAsks_data()
 
 // Opening and looking does not count as an edit; one typed value does, and the window then asks
 // at every close until it is answered: "Cancel" keeps it with the value, "Don't Save" closes it
-// and stores nothing.
+// and stores nothing, "Save" closes it and stores the value.
 void tst_EditorSafety::closingAnEditedWindowAsks()
 {
     QFETCH(Editor, editor);
@@ -270,6 +270,12 @@ void tst_EditorSafety::closingAnEditedWindowAsks()
     QVERIFY(opened.window->close());
     QCOMPARE(m_company->prompter().titles(), QStringList{title});
     QCOMPARE(opened.stored(), opened.original);
+
+    Opened saved = open(editor);
+    saved.type();
+    m_company->prompter().addAnswer(s("Save"));
+    QVERIFY(saved.window->close());
+    QCOMPARE(saved.stored(), saved.typed);
 }
 
 CORVANTA_UI_TEST_MAIN(tst_EditorSafety)
