@@ -277,23 +277,6 @@ private Q_SLOTS:
         QVERIFY(m_company->prompter().questions().isEmpty());
     }
 
-    // "Save" as the answer to the close question stores the item; the other answers are walked
-    // by the editor safety test.
-    void closeQuestionSaved()
-    {
-        QPointer<ItemEditorWindow> window =
-            new ItemEditorWindow(m_company->store(), m_company->prompter(), *m_openEditors);
-        QVERIFY(window->newItem(0));
-        window->show();
-        QTest::keyClicks(window->findChild<QLineEdit*>(s("nameEdit")), s("Garden Design"));
-        QCOMPARE(window->windowTitle(), s("Garden Design[*]"));
-        m_company->prompter().addAnswer(s("Save"));
-        QVERIFY(window->close());
-        QCOMPARE(m_company->prompter().titles(), QStringList{s("Save this item?")});
-        QTRY_VERIFY(window.isNull());
-        QVERIFY(m_company->named("Items", s("name"), s("Garden Design")));
-    }
-
     // A new item saved while a document editor is shown becomes a row of that document at the
     // price level active there; without one shown nothing is handed over.
     void handOver_data()
@@ -321,6 +304,7 @@ private Q_SLOTS:
             new ItemEditorWindow(m_company->store(), m_company->prompter(), *m_openEditors);
         QVERIFY(window->newItem(0));
         type(window->findChild<QLineEdit*>(s("nameEdit")), s("Consulting"));
+        QCOMPARE(window->windowTitle(), s("Consulting[*]"));
         for (int n = 1; n <= 5; ++n)
             type(window->findChild<QLineEdit*>(s("priceEdit0%1").arg(n)), QString::number(n * 10));
         QVERIFY(window->save());
