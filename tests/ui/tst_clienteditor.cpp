@@ -249,20 +249,6 @@ private Q_SLOTS:
         QVERIFY(reopened.isWindowModified());
     }
 
-    // "Save" as the answer to the close question stores the client; the other answers are
-    // walked by the editor safety test.
-    void closeQuestionSaved()
-    {
-        QPointer window = newWindow(0);
-        const QString identifier = window->client()->value(s("identifier")).toString();
-        QTest::keyClicks(child<QLineEdit>(window, "firstNameField"), s("Northwind"));
-        m_company->prompter().addAnswer(s("Save"));
-        window->close();
-        QCOMPARE(m_company->prompter().titles(), QStringList{s("Save this client?")});
-        QTRY_VERIFY(window.isNull());
-        QCOMPARE(stored(*m_company, identifier, s("company_name")), s("company_name=Northwind tags=Company"));
-    }
-
     // A client saved while a document editor is open, even minimised, becomes its document's
     // client; a hidden document editor is not open.
     void handOver_data()
