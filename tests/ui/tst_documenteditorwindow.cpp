@@ -47,7 +47,6 @@ private Q_SLOTS:
     void tagsTicked();
     void saveWithoutClientKeepsWindowAndEdits();
     void typedClientTakenOnSaveAsDraft();
-    void closeQuestionSaved();
     void foreignCurrencyShowsRateAndAmounts();
     void handOversGoToTheLastActiveEditor();
     void storedDocumentOpensUnedited();
@@ -370,20 +369,6 @@ void tst_DocumentEditor::typedClientTakenOnSaveAsDraft()
     DocumentEditorWindow* reopened = newWindow();
     QVERIFY(reopened->openDocument(stored->ref()));
     QVERIFY(reopened->windowTitle().startsWith(s("Invoice DRAFT - ")));
-}
-
-// The other answers and the question's texts are checked with the client and item windows.
-void tst_DocumentEditor::closeQuestionSaved()
-{
-    m_company->addClient(s("Acme Ltd"));
-    DocumentEditorWindow* window = shownNewDocument();
-    auto* clientEdit = window->findChild<QLineEdit*>(s("clientEdit"));
-    clientEdit->setText(s("Acme Ltd"));
-    Q_EMIT clientEdit->editingFinished();
-    m_company->prompter().addAnswer(s("Save"));
-    QVERIFY(window->close());
-    QCOMPARE(m_company->prompter().titles(), QStringList{s("Save this document?")});
-    QCOMPARE(m_company->client(s("Acme Ltd"))->relatedList(s("documents")).size(), 1);
 }
 
 void tst_DocumentEditor::foreignCurrencyShowsRateAndAmounts()
