@@ -78,7 +78,6 @@ private:
         std::function<QString()> shown, stored;
     };
     Opened open(Editor editor);
-    QString storedValue(const predicate::RecordRef& ref, const QString& key);
 
     std::unique_ptr<UiCompany> m_company;
     std::unique_ptr<ui::OpenEditors> m_openEditors;
@@ -100,33 +99,28 @@ void tst_EditorSafety::cleanup()
     m_company.reset();
 }
 
-QString tst_EditorSafety::storedValue(const predicate::RecordRef& ref, const QString& key)
-{
-    std::unique_ptr<store::EditingContext> context = m_company->store().newContext();
-    const Record* record = context->record(ref);
-    return record ? record->value(key).toString() : s("(gone)");
-}
-
 tst_EditorSafety::Opened tst_EditorSafety::open(Editor editor)
 {
     store::EditingContext& main = m_company->main();
     Opened opened;
+    predicate::RecordRef ref;
+    QString key;
+    QLineEdit* field = nullptr; // where the client and item windows are typed into
     switch (editor) {
     case Editor::Document: {
         // The quantity is typed and its cell left open: the save or the close must take it from there.
-        Record* client = m_company->addClient(s("Acme Ltd"));
         Record* document = m_company->addInvoice(s("INVOICE/2026-0007"), 0.0);
         document->setValue(s("client_full_name"), s("Acme Ltd"));
-        document->setRelated(s("client"), client);
+        document->setRelated(s("client"), m_company->addClient(s("Acme Ltd")));
         document->setRelated(s("currency"), model::CompanyRecord::defaultRecord(main, s("default_currency")));
-        Record* row = main.insertRecord(s("DocumentRows"), {{s("order"), qint64(1)}, {s("name"), s("Bolt")}});
+        Record* row = main.insertRecord(
+            s("DocumentRows"),
+            {{s("order"), qint64(1)}, {s("name"), s("Bolt")}, {s("unit_price"), 10.0}, {s("quantity"), 2.0}});
         row->setRelated(s("document"), document);
         row->setRelated(s("tax"), model::CompanyRecord::defaultRecord(main, s("default_tax")));
-        row->setValue(s("unit_price"), 10.0);
-        row->setValue(s("quantity"), 2.0);
         m_company->save();
-        const predicate::RecordRef rowRef = row->ref();
-
+        ref = row->ref();
+        key = s("quantity");
         auto* window =
             new ui::DocumentEditorWindow(m_company->store(), m_company->prompter(), *m_openEditors);
         window->openDocument(document->ref());
@@ -138,46 +132,50 @@ tst_EditorSafety::Opened tst_EditorSafety::open(Editor editor)
             view->setCurrentIndex(quantity);
             view->edit(quantity);
             auto* cell = qobject_cast<QLineEdit*>(QApplication::focusWidget());
-            if (!cell)
-                qFatal("no cell editor for the quantity");
+            QVERIFY(cell);
             cell->selectAll();
             QTest::keyClicks(cell, s("7"));
         };
-        opened.shown = [view, quantity] { return quantity.data().toString(); };
-        opened.stored = [this, rowRef] { return storedValue(rowRef, s("quantity")); };
+        opened.shown = [quantity] { return quantity.data().toString(); };
         break;
     }
     case Editor::Client: {
-        const predicate::RecordRef ref = m_company->addClient(s("Acme Ltd"))->ref();
+        ref = m_company->addClient(s("Acme Ltd"))->ref();
+        key = s("emails");
         auto* window = new ui::ClientEditorWindow(m_company->store(), m_company->prompter(), *m_openEditors);
         window->openClient(ref);
-        auto* field = window->findChild<QLineEdit*>(s("emailsField"));
+        field = window->findChild<QLineEdit*>(s("emailsField"));
         opened.window = window;
         opened.typed = s("ann@acme.example");
-        opened.type = [field] { QTest::keyClicks(field, s("ann@acme.example")); };
-        opened.shown = [field] { return field->text(); };
-        opened.stored = [this, ref] { return storedValue(ref, s("emails")); };
         break;
     }
     case Editor::Item: {
-        Record* item = main.insertRecord(
-            s("Items"), {{s("name"), s("Bolt")}, {s("code"), s("B-8")}, {s("identifier"), support::UUID()}});
+        ref = main.insertRecord(
+                      s("Items"),
+                      {{s("name"), s("Bolt")}, {s("code"), s("B-8")}, {s("identifier"), support::UUID()}})
+                  ->ref();
         m_company->save();
-        const predicate::RecordRef ref = item->ref();
+        key = s("code");
         auto* window = new ui::ItemEditorWindow(m_company->store(), m_company->prompter(), *m_openEditors);
         window->openItem(ref);
-        auto* field = window->findChild<QLineEdit*>(s("codeEdit"));
+        field = window->findChild<QLineEdit*>(s("codeEdit"));
         opened.window = window;
         opened.typed = s("B-12");
-        opened.type = [field] {
-            field->selectAll();
-            QTest::keyClicks(field, s("B-12"));
-        };
-        opened.shown = [field] { return field->text(); };
-        opened.stored = [this, ref] { return storedValue(ref, s("code")); };
         break;
     }
     }
+    if (field) {
+        opened.type = [field, typed = opened.typed] {
+            field->selectAll();
+            QTest::keyClicks(field, typed);
+        };
+        opened.shown = [field] { return field->text(); };
+    }
+    opened.stored = [this, ref, key] {
+        const std::unique_ptr<store::EditingContext> context = m_company->store().newContext();
+        const Record* record = context->record(ref);
+        return record ? record->value(key).toString() : s("(gone)");
+    };
     m_windows << opened.window;
     opened.window->show();
     opened.window->activateWindow();
