@@ -171,12 +171,12 @@ private Q_SLOTS:
         QVERIFY(window.isWindowModified());
     }
 
-    // The Tags button opens the popover under it; a ticked tag is on the client, shown in the
-    // window's tag row and saved beside the kind folder.
+    // The Tags button opens the popover (its list is the popover's own test); a ticked tag is
+    // shown in the window's tag row and saved beside the kind folder.
     void tagsPopover()
     {
-        for (const char* name : {"Wholesale", "Export"})
-            m_company->main().insertRecord(s("Categories"), {{s("name"), s(name)}, {s("type"), qint64(1)}});
+        m_company->main().insertRecord(s("Categories"),
+                                       {{s("name"), s("Wholesale")}, {s("type"), qint64(1)}});
         m_company->save();
         const Record* acme = m_company->addClient(s("Acme"));
         QPointer window = new ClientEditorWindow(m_company->store(), m_company->prompter(), m_openEditors);
@@ -185,18 +185,13 @@ private Q_SLOTS:
         QTest::mouseClick(child<QPushButton>(window, "tagsButton"), Qt::LeftButton);
         ui::TagsPopover* popover = window->tagsPopover();
         QVERIFY(popover && popover->isVisible());
-        auto* list = child<QListWidget>(popover, "tagsList");
-        QCOMPARE(list->count(), 2);
-        QCOMPARE(list->item(1)->text(), s("Wholesale"));
-        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualItemRect(list->item(1)).center());
+        popover->toggleRow(0);
         QVERIFY(window->isWindowModified());
         const QList<ui::TagLabelWidget*> shown =
             window->findChild<QWidget*>(s("tagRow"))->findChildren<ui::TagLabelWidget*>();
         QCOMPARE(shown.size(), 1);
         QCOMPARE(shown.constFirst()->text(), s("Wholesale"));
         QVERIFY(shown.constFirst()->isVisible());
-        QTest::keyClick(list, Qt::Key_Escape);
-        QTRY_VERIFY(!popover->isVisible());
 
         const QString identifier = window->client()->value(s("identifier")).toString();
         window->save();
