@@ -172,7 +172,6 @@ private Q_SLOTS:
         QTest::newRow("Add") << s("add") << 1;
         QTest::newRow("Return in the quantity field") << s("return") << 1;
         QTest::newRow("Cancel") << s("cancel") << 0;
-        QTest::newRow("Escape") << s("escape") << 0;
         QTest::newRow("typed name that is no supplier") << s("unknown") << 0;
     }
     void deliverySheet()
@@ -209,8 +208,6 @@ private Q_SLOTS:
             QTest::mouseClick(addButton, Qt::LeftButton);
         else if (answer == s("cancel"))
             QTest::mouseClick(sheet->findChild<QPushButton*>(s("cancelButton")), Qt::LeftButton);
-        else
-            QTest::keyClick(sheet, Qt::Key_Escape);
         QTRY_VERIFY(sheet.isNull());
 
         const QList<Record*> in = window.controller().movementsIn();
@@ -371,7 +368,6 @@ private Q_SLOTS:
         };
         QCOMPARE(labelOf("customEdit02"), s("Colour:"));
         QCOMPARE(labelOf("customEdit04"), s("(hidden)"));
-        QCOMPARE(labelOf("priceEdit01"), s("Unit Price:"));
         QCOMPARE(labelOf("priceEdit02"), s("Wholesale:"));
         QTest::keyClicks(window.findChild<QLineEdit*>(s("customEdit02")), s("Green"));
         QCOMPARE(window.controller().item()->value(s("custom02")).toString(), s("Green"));
