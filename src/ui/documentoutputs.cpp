@@ -12,6 +12,7 @@
 #include "support/prompter.h"
 #include "templates/pdffilenames.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QFileDialog>
 #include <QPdfDocument>
@@ -69,6 +70,13 @@ QString DocumentOutputs::renderTemporary(Record* document, const QString& fileNa
         return {};
     }
     return path;
+}
+
+QWidget* DocumentOutputs::dialogParent() const
+{
+    if (QWidget* active = QApplication::activeWindow())
+        return active;
+    return m_parent ? m_parent->window() : nullptr;
 }
 
 void DocumentOutputs::preview(Record* document)
@@ -143,7 +151,7 @@ void DocumentOutputs::print(Record* document, int copies)
     QPrinter printer(QPrinter::HighResolution);
     PdfPrinter::setUp(printer, copies);
     printer.setDocName(document->value(s("number_formatted")).toString());
-    QPrintDialog dialog(&printer, m_parent ? m_parent->window() : nullptr);
+    QPrintDialog dialog(&printer, dialogParent());
     dialog.setObjectName(s("printDialog"));
     QPdfDocument pdf;
     if (pdf.load(path) == QPdfDocument::Error::None && pdf.pageCount() > 0)
@@ -165,7 +173,7 @@ void DocumentOutputs::saveAs(Record* document)
 {
     if (!document)
         return;
-    QFileDialog dialog(m_parent ? m_parent->window() : nullptr, tr("Save as PDF"),
+    QFileDialog dialog(dialogParent(), tr("Save as PDF"),
                        QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation),
                        tr("PDF documents (*.pdf)"));
     dialog.setObjectName(s("saveAsDialog"));
@@ -191,8 +199,7 @@ void DocumentOutputs::sendEmail(Record* document)
             return;
         }
     }
-    auto* sheet = new EmailPreparationWindow(m_store, m_prompter, document->ref(),
-                                             m_parent ? m_parent->window() : nullptr);
+    auto* sheet = new EmailPreparationWindow(m_store, m_prompter, document->ref(), dialogParent());
     sheet->setAttribute(Qt::WA_DeleteOnClose);
     sheet->open();
 }

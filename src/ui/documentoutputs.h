@@ -61,6 +61,8 @@ public:
     static QString previewTitle(const store::Record& document);
 
 private:
+    // The window the user works in (an editor, or the main window): dialogs and sheets belong there.
+    QWidget* dialogParent() const;
     // Renders to the temporary folder; the path, or empty after telling the user why not.
     QString renderTemporary(store::Record* document, const QString& fileName, const QString& title);
     bool printFile(const QString& path, QPrinter& printer);
