@@ -31,6 +31,7 @@
 
 using namespace corvanta;
 using bench::medianOf;
+using bench::msSince;
 using bench::out;
 
 namespace {
@@ -38,11 +39,6 @@ namespace {
 QString s(const char* text)
 {
     return QString::fromLatin1(text);
-}
-
-double msSince(const QElapsedTimer& timer)
-{
-    return double(timer.nsecsElapsed()) / 1e6;
 }
 
 // Counts the paints a widget receives.

@@ -27,6 +27,7 @@
 
 using namespace corvanta;
 using bench::medianOf;
+using bench::msSince;
 using bench::out;
 using store::Record;
 
@@ -35,11 +36,6 @@ namespace {
 QString s(const char* text)
 {
     return QString::fromLatin1(text);
-}
-
-double msSince(const QElapsedTimer& timer)
-{
-    return double(timer.nsecsElapsed()) / 1e6;
 }
 
 // Counts the paints of every widget in the program, by widget, so that a figure can wait for

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QList>
 #include <QTextStream>
 #include <algorithm>
@@ -18,6 +19,12 @@ inline double medianOf(QList<double> values)
 {
     std::sort(values.begin(), values.end());
     return values.at(values.size() / 2);
+}
+
+// The time since `timer` started, in milliseconds with the fraction kept.
+inline double msSince(const QElapsedTimer& timer)
+{
+    return double(timer.nsecsElapsed()) / 1e6;
 }
 
 } // namespace corvanta::bench
