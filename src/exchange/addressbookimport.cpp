@@ -49,6 +49,26 @@ void addAddresses(store::EditingContext& context, store::Record* client,
     }
 }
 
+// A client made from the person, with its tag (companies and persons have one each).
+void addClient(store::EditingContext& context, const AddressBookPerson& person, store::Record* tag)
+{
+    store::Record* client = context.insertRecord(s("Clients"), {{s("identifier"), person.uid}});
+    if (person.company) {
+        client->setValue(s("type"), 0);
+        client->setValue(s("company_name"), AddressBookImport::companyName(person));
+    } else {
+        // 2, not the 1 the selection editor calls "individual": persons come in as type 2.
+        client->setValue(s("type"), 2);
+        client->setValue(s("first_name"), person.firstName);
+        client->setValue(s("last_name"), person.lastName);
+    }
+    if (tag)
+        client->addRelated(s("tags"), tag);
+    client->setValue(s("phones"), person.phones.join(QLatin1Char(',')));
+    client->setValue(s("emails"), person.emails.join(QLatin1Char(',')));
+    addAddresses(context, client, person.addresses);
+}
+
 } // namespace
 
 AddressBookImport::AddressBookImport(store::Store& store, support::Prompter& prompter)
@@ -65,7 +85,8 @@ QString AddressBookImport::companyName(const AddressBookPerson& person)
     return person.firstName + QLatin1Char(' ') + person.lastName;
 }
 
-std::optional<int> AddressBookImport::importPersons(const QList<AddressBookPerson>& persons)
+std::optional<int> AddressBookImport::importPersons(const QList<AddressBookPerson>& persons,
+                                                    const ImportProgress& progress)
 {
     const std::unique_ptr<store::EditingContext> context = m_store.newContext();
     store::Record* companyTag = clientTag(*context, 0);
@@ -73,27 +94,16 @@ std::optional<int> AddressBookImport::importPersons(const QList<AddressBookPerso
     QSet<QString> identifiers = existingIdentifiers(*context);
 
     int added = 0;
-    for (const AddressBookPerson& person : persons) {
-        if (person.uid.isEmpty() || identifiers.contains(person.uid))
-            continue;
-        identifiers.insert(person.uid); // a person listed twice is added once
-        store::Record* client = context->insertRecord(s("Clients"), {{s("identifier"), person.uid}});
-        store::Record* tag = person.company ? companyTag : personTag;
-        if (person.company) {
-            client->setValue(s("type"), 0);
-            client->setValue(s("company_name"), companyName(person));
-        } else {
-            // 2, not the 1 the selection editor calls "individual": persons come in as type 2.
-            client->setValue(s("type"), 2);
-            client->setValue(s("first_name"), person.firstName);
-            client->setValue(s("last_name"), person.lastName);
+    for (qsizetype index = 0; index < persons.size(); ++index) {
+        const AddressBookPerson& person = persons.at(index);
+        if (!person.uid.isEmpty() && !identifiers.contains(person.uid)) {
+            identifiers.insert(person.uid); // a person listed twice is added once
+            addClient(*context, person, person.company ? companyTag : personTag);
+            ++added;
         }
-        if (tag)
-            client->addRelated(s("tags"), tag);
-        client->setValue(s("phones"), person.phones.join(QLatin1Char(',')));
-        client->setValue(s("emails"), person.emails.join(QLatin1Char(',')));
-        addAddresses(*context, client, person.addresses);
-        ++added;
+        // The clients so far live only in this context: a cancel forgets them with it.
+        if (progress && !progress(index + 1, persons.size()))
+            return std::nullopt;
     }
 
     if (!documents::SaveFailure::save(*context, m_prompter))

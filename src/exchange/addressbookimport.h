@@ -1,6 +1,7 @@
 #pragma once
 
 #include "addressbookperson.h"
+#include "importprogress.h"
 
 #include <QCoreApplication>
 #include <optional>
@@ -26,8 +27,10 @@ public:
 
     // Adds the clients in one save and reports "Import Address Book" with their number. A
     // person listed twice is added once. The number added; nothing when the database refused
-    // the save, which the user is told, and then nothing is stored.
-    std::optional<int> importPersons(const QList<AddressBookPerson>& persons);
+    // the save, which the user is told, or when `progress`, told after each person, cancelled:
+    // then nothing is stored and nothing reported.
+    std::optional<int> importPersons(const QList<AddressBookPerson>& persons,
+                                     const ImportProgress& progress = {});
 
     // A company's name: its organisation, or when that is empty the first and the last name
     // joined by a blank (just the one that is there when the other is missing).

@@ -70,6 +70,8 @@ private Q_SLOTS:
     void splitCards_data();
     void splitCards();
     void refusedSaveStoresNothing();
+    void cancelStoresNothing_data();
+    void cancelStoresNothing();
     void desktopBooksUnreachable_data();
     void desktopBooksUnreachable();
 };
@@ -229,6 +231,34 @@ void tst_VCardImport::refusedSaveStoresNothing()
     // Nothing half-done is left in the way of a later import.
     QCOMPARE(import.importPersons(persons), std::optional<int>(1));
     QCOMPARE(company.count("Addresses"), 1);
+}
+
+void tst_VCardImport::cancelStoresNothing_data()
+{
+    QTest::addColumn<int>("cancelAt");
+    QTest::newRow("after the first person") << 1;
+    QTest::newRow("after the last person") << 3;
+}
+
+// A cancel leaves no client and no report, even for the persons gone through before it.
+void tst_VCardImport::cancelStoresNothing()
+{
+    QFETCH(int, cancelAt);
+    TestCompany company;
+    exchange::AddressBookImport import(company.store(), company.prompter());
+    const QList<AddressBookPerson> persons =
+        VCardReader::read(card("3.0", "UID:a\nN:Lee;Ann\nADR:;;1 Main St;;;;\n") +
+                          card("3.0", "UID:b\nORG:Acme\n") + card("3.0", "UID:c\nN:Roe;Bo\n"));
+    QList<qsizetype> told;
+    const auto progress = [&](qsizetype done, qsizetype total) {
+        told << done;
+        return total == 3 && done < cancelAt;
+    };
+    QCOMPARE(import.importPersons(persons, progress), std::nullopt);
+    QCOMPARE(told.last(), qsizetype(cancelAt));
+    QCOMPARE(company.count("Clients"), 0);
+    QCOMPARE(company.count("Addresses"), 0);
+    QVERIFY(company.prompter().questions().isEmpty());
 }
 
 void tst_VCardImport::desktopBooksUnreachable_data()
