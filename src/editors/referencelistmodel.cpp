@@ -99,6 +99,8 @@ QVariant ReferenceListModel::data(const QModelIndex& index, int role) const
         if (column.key == QLatin1String("grouping_separator"))
             return QStringList{QStringLiteral("."), QStringLiteral(","), QStringLiteral(" "),
                                QStringLiteral("'"), QStringLiteral("none")};
+        if (column.key == QLatin1String("decimal_separator"))
+            return QStringList{QStringLiteral("."), QStringLiteral(",")};
         return {};
     }
     if (role == Qt::CheckStateRole)

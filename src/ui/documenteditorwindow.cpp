@@ -19,6 +19,7 @@
 #include "openeditors.h"
 #include "store/editingcontext.h"
 #include "store/record.h"
+#include "store/store.h"
 #include "support/prompter.h"
 #include "tagspopover.h"
 
@@ -45,6 +46,7 @@
 #include <QToolBar>
 #include <QToolButton>
 #include <QVBoxLayout>
+#include <algorithm>
 
 namespace corvanta::ui {
 
@@ -141,6 +143,10 @@ DocumentEditorWindow::DocumentEditorWindow(store::Store& store, support::Prompte
         refreshTotals();
         refreshSelection();
     });
+
+    // Lists edited in their own windows (taxes, units, banks, payment types, currencies) reach the
+    // choosers here without reopening the document.
+    connect(&store, &store::Store::didSave, this, &DocumentEditorWindow::referenceListsSaved);
 
     openEditors.addDocumentEditor(this, m_controller.get());
 
@@ -523,7 +529,6 @@ void DocumentEditorWindow::refreshHeader()
     if (!document)
         return;
     const QScopedValueRollback<bool> loading(m_loading, true);
-    store::EditingContext& context = m_controller->context();
 
     m_typeChooser->setCurrentIndex(int(document->value(s("type")).toLongLong()));
     const QString number = document->value(s("number_formatted")).toString();
@@ -542,16 +547,8 @@ void DocumentEditorWindow::refreshHeader()
     m_clientLabel->setEnabled(!client.isEmpty());
 
     refreshTemplates();
-    refreshCurrencies();
+    refreshReferenceChoosers();
     refreshExchangeRate();
-    fillChooser(m_paymentTypeChooser,
-                context.fetch(store::FetchRequest(s("PaymentTypes"), {},
-                                                  {store::SortDescriptor::localized(s("name"))})),
-                s("name"), document->related(s("payment_type")), true);
-    fillChooser(
-        m_bankChooser,
-        context.fetch(store::FetchRequest(s("Banks"), {}, {store::SortDescriptor::localized(s("line1"))})),
-        s("line1"), document->related(s("bank")), true);
 
     const auto showNote = [&](QPlainTextEdit* edit, const char* key) {
         const QString text = document->value(s(key)).toString();
@@ -560,6 +557,42 @@ void DocumentEditorWindow::refreshHeader()
     };
     showNote(m_headerNoteEdit, "note_header");
     showNote(m_footerNoteEdit, "note_footer");
+}
+
+void DocumentEditorWindow::refreshReferenceChoosers()
+{
+    const Record* document = m_controller->document();
+    store::EditingContext& context = m_controller->context();
+    refreshCurrencies();
+    fillChooser(m_paymentTypeChooser,
+                context.fetch(store::FetchRequest(s("PaymentTypes"), {},
+                                                  {store::SortDescriptor::localized(s("name"))})),
+                s("name"), document->related(s("payment_type")), true);
+    fillChooser(
+        m_bankChooser,
+        context.fetch(store::FetchRequest(s("Banks"), {}, {store::SortDescriptor::localized(s("line1"))})),
+        s("line1"), document->related(s("bank")), true);
+}
+
+void DocumentEditorWindow::referenceListsSaved(const store::ChangeSet& changes, store::EditingContext* origin)
+{
+    // The controller has merged the change already; its own saves are shown by their commands.
+    if (origin == &m_controller->context() || !m_controller->document())
+        return;
+    const QSet<QString> touched = changes.entities();
+    const auto any = [&touched](std::initializer_list<const char*> entities) {
+        return std::any_of(entities.begin(), entities.end(),
+                           [&touched](const char* entity) { return touched.contains(s(entity)); });
+    };
+    if (any({"PaymentTypes", "Banks", "Currencies", "MyCompany"})) {
+        const QScopedValueRollback<bool> loading(m_loading, true);
+        refreshReferenceChoosers();
+    }
+    // Renamed taxes and units, and a currency's new format, show in the rows and totals.
+    if (any({"Taxes", "Units", "Currencies"})) {
+        m_rowsModel->updateFormats();
+        refreshTotals();
+    }
 }
 
 void DocumentEditorWindow::refreshTemplates()

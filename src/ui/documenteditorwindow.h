@@ -23,6 +23,8 @@ class DocumentController;
 class DocumentOutput;
 } // namespace corvanta::editors
 namespace corvanta::store {
+class ChangeSet;
+class EditingContext;
 class Record;
 class Store;
 } // namespace corvanta::store
@@ -85,6 +87,9 @@ private:
     // Shows the document's header values; run when the controller changed them.
     void refreshHeader();
     void refreshTemplates();
+    // Lists the payment types, banks and currencies again, keeping the document's choices.
+    void refreshReferenceChoosers();
+    void referenceListsSaved(const store::ChangeSet& changes, store::EditingContext* origin);
     void refreshCurrencies();
     void refreshExchangeRate();
     void refreshTotals();
