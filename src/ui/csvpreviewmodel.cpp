@@ -36,6 +36,8 @@ QVariant CsvPreviewModel::headerData(int section, Qt::Orientation orientation, i
     if (orientation == Qt::Vertical)
         return role == Qt::DisplayRole ? QVariant(section + 1) : QVariant();
     switch (role) {
+    case Qt::DisplayRole:
+        return section + 1;
     case Qt::DecorationRole:
         // The field a column goes to is chosen on the compose pop-up, whose icon this is.
         return QIcon::fromTheme(QStringLiteral("view-list-details"));
