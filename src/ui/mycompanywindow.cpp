@@ -106,7 +106,7 @@ MyCompanyWindow::MyCompanyWindow(store::Store& store, support::Prompter& prompte
 
     load();
     if (!restoreGeometry(windowSettings().value(geometryKey()).toByteArray()))
-        resize(sizeHint().expandedTo(QSize(fontMetrics().averageCharWidth() * 110, 0)));
+        resize(sizeHint().expandedTo(QSize(fontMetrics().averageCharWidth() * 130, 0)));
 }
 
 MyCompanyWindow::~MyCompanyWindow()
@@ -142,8 +142,9 @@ QPlainTextEdit* MyCompanyWindow::addTextEdit(const char* key, const char* object
     auto* edit = new QPlainTextEdit;
     edit->setObjectName(s(objectName));
     edit->setTabChangesFocus(true);
-    edit->setMinimumHeight(fontMetrics().lineSpacing() * lines + 2 * edit->frameWidth() +
-                           int(edit->document()->documentMargin() * 2));
+    const int margins = 2 * edit->frameWidth() + int(edit->document()->documentMargin() * 2);
+    edit->setMinimumHeight(fontMetrics().lineSpacing() * lines + margins);
+    edit->setMaximumHeight(fontMetrics().lineSpacing() * lines * 2 + margins);
     edit->installEventFilter(this);
     const QString attribute = s(key);
     m_textEdits.append({attribute, edit});
@@ -155,7 +156,10 @@ QPlainTextEdit* MyCompanyWindow::addTextEdit(const char* key, const char* object
 QWidget* MyCompanyWindow::makeCompanyFields()
 {
     auto* box = new QGroupBox(tr("Company"), this);
-    auto* form = newForm(box);
+    auto* boxLayout = new QVBoxLayout(box);
+    auto* form = newForm(nullptr);
+    boxLayout->addLayout(form);
+    boxLayout->addStretch(1);
     m_nameEdit = addLineEdit("name", "nameEdit");
     m_nameEdit->setParent(box);
     addRow(form, tr("&Name:"), m_nameEdit);
@@ -199,8 +203,8 @@ QWidget* MyCompanyWindow::makeDefaults()
     auto* box = new QGroupBox(tr("Defaults"), this);
     box->setToolTip(tr("What new documents, rows, clients and items start with"));
     auto* form = newForm(box);
-    const QStringList captions = {tr("C&urrency:"),       tr("&Tax:"),  tr("U&nit:"),
-                                  tr("Pa&yment type:"),   tr("&Bank:"), tr("Due da&ys:"),
+    const QStringList captions = {tr("C&urrency:"),       tr("&Tax:"),  tr("Un&it:"),
+                                  tr("Pa&yment type:"),   tr("&Bank:"), tr("Due day&s:"),
                                   tr("E-&mail template:")};
     for (qsizetype i = 0; i < m_references.size(); ++i) {
         Reference& reference = m_references[i];
@@ -259,8 +263,10 @@ void MyCompanyWindow::load()
     const Record* record = company();
     QScopedValueRollback guard(m_loading, true);
     setEnabled(record != nullptr);
-    for (const auto& [key, edit] : std::as_const(m_lineEdits))
+    for (const auto& [key, edit] : std::as_const(m_lineEdits)) {
         edit->setText(record ? record->value(key).toString() : QString());
+        edit->home(false);
+    }
     for (const auto& [key, edit] : std::as_const(m_textEdits))
         edit->setPlainText(record ? record->value(key).toString() : QString());
     loadCustomLabels();

@@ -120,10 +120,15 @@ QWidget* PreferencesWindow::makeNumberingPage()
     for (const int type : NumberFormatPreferences::listedTypes()) {
         const QString key = DocumentTypes::typeNameByNumber(type);
         FormatRow row;
-        row.field = new NumberFormatField(page);
-        row.field->setObjectName(s("format_") + key);
+        row.tokens = new NumberFormatField(page);
+        row.tokens->setObjectName(s("format_") + key);
+        // The whole format as text, for pieces the menus do not offer.
+        row.text = new QLineEdit(page);
+        row.text->setObjectName(s("formatEdit_") + key);
+        row.text->setToolTip(tr("The pieces of the number joined by commas: YYYY or YY for the year, "
+                                "NNNN, NNNNN or NNNNNN for the number, anything else as it is"));
         auto* label = new QLabel(NumberFormatPreferences::label(type) + u':', page);
-        label->setBuddy(row.field->lineEdit());
+        label->setBuddy(row.text);
         row.sample = new QLabel(page);
         row.sample->setObjectName(s("sample_") + key);
         row.sample->setTextInteractionFlags(Qt::TextSelectableByMouse);
@@ -132,24 +137,27 @@ QWidget* PreferencesWindow::makeNumberingPage()
         row.reset->setObjectName(s("reset_") + key);
         row.reset->setToolTip(tr("Use the format a new company starts with"));
         row.reset->setAutoDefault(false);
-        grid->addWidget(label, line, 0, Qt::AlignRight | Qt::AlignBottom);
-        grid->addWidget(row.field, line, 1);
-        grid->addWidget(row.sample, line, 2, Qt::AlignBottom);
-        grid->addWidget(row.reset, line, 3, Qt::AlignBottom);
-        ++line;
+        grid->addWidget(label, line, 0, Qt::AlignRight);
+        grid->addWidget(row.tokens, line, 1);
+        grid->addWidget(row.sample, line, 2);
+        grid->addWidget(row.reset, line, 3);
+        grid->addWidget(row.text, line + 1, 1);
+        grid->setRowMinimumHeight(line + 2, fontMetrics().lineSpacing() / 2);
+        line += 3;
 
-        connect(row.field, &NumberFormatField::textEdited, this, [this, type](const QString& format) {
-            m_formats.value(type).sample->setText(m_numbers->sample(format));
+        connect(row.text, &QLineEdit::textEdited, this, [this, type](const QString& format) {
+            const FormatRow& shown = m_formats[type];
+            shown.tokens->setFormat(format);
+            shown.sample->setText(m_numbers->sample(format));
         });
-        connect(row.field, &NumberFormatField::editingFinished, this, [this, type] { formatFinished(type); });
-        connect(row.field, &NumberFormatField::tokenChosen, this,
+        connect(row.text, &QLineEdit::editingFinished, this, [this, type] { formatFinished(type); });
+        connect(row.tokens, &NumberFormatField::tokenChosen, this,
                 [this, type](int index, const QString& entry) { tokenChosen(type, index, entry); });
         connect(row.reset, &QPushButton::clicked, this, [this, type] { resetFormat(type); });
         m_formats.insert(type, row);
         showFormat(type);
     }
     grid->setColumnStretch(1, 1);
-    grid->setVerticalSpacing(grid->verticalSpacing() * 2);
     auto* layout = new QVBoxLayout(page);
     layout->addWidget(intro);
     layout->addLayout(grid);
@@ -162,6 +170,7 @@ QWidget* PreferencesWindow::makeDocumentsPage()
     auto* page = new QWidget(this);
     auto* copies = new QGroupBox(tr("Printed Copies"), page);
     auto* form = new QFormLayout(copies);
+    form->setFieldGrowthPolicy(QFormLayout::FieldsStayAtSizeHint);
     for (int type = 0; type < DocumentTypes::kCount; ++type) {
         const QString key = s("print_copy_") + DocumentTypes::typeNameByNumber(type);
         auto* spin = new QSpinBox(copies);
@@ -190,9 +199,10 @@ QWidget* PreferencesWindow::makeClientsAndItemsPage()
     auto* page = new QWidget(this);
     auto* clients = new QGroupBox(tr("Clients"), page);
     auto* clientForm = new QFormLayout(clients);
+    clientForm->setFieldGrowthPolicy(QFormLayout::FieldsStayAtSizeHint);
     QComboBox* order = makeChoice(s("first_name_position"),
                                   {tr("First Name Last Name"), tr("Last Name First Name")}, clients);
-    auto* orderLabel = new QLabel(tr("&Names of individuals:"), clients);
+    auto* orderLabel = new QLabel(tr("Na&mes of individuals:"), clients);
     orderLabel->setBuddy(order);
     clientForm->addRow(orderLabel, order);
     QComboBox* clientType =
@@ -206,6 +216,7 @@ QWidget* PreferencesWindow::makeClientsAndItemsPage()
 
     auto* items = new QGroupBox(tr("Items"), page);
     auto* itemForm = new QFormLayout(items);
+    itemForm->setFieldGrowthPolicy(QFormLayout::FieldsStayAtSizeHint);
     QComboBox* itemType = makeChoice(s("default_item_type"), {tr("Service"), tr("Product")}, items);
     auto* itemTypeLabel = new QLabel(tr("New items a&re:"), items);
     itemTypeLabel->setBuddy(itemType);
@@ -268,18 +279,20 @@ void PreferencesWindow::showFormat(int type)
 {
     const FormatRow row = m_formats.value(type);
     const QString format = m_numbers->format(type);
-    row.field->setText(format);
+    if (row.text->text() != format)
+        row.text->setText(format);
+    row.tokens->setFormat(format);
     row.sample->setText(m_numbers->sample(format));
 }
 
 void PreferencesWindow::formatFinished(int type)
 {
     const FormatRow row = m_formats.value(type);
-    if (m_storing || !row.field || row.field->text() == m_numbers->format(type))
+    if (m_storing || !row.text || row.text->text() == m_numbers->format(type))
         return;
     QScopedValueRollback guard(m_storing, true);
     store::StoreError error;
-    if (!m_numbers->setFormat(type, row.field->text(), &error))
+    if (!m_numbers->setFormat(type, row.text->text(), &error))
         documents::SaveFailure::show(m_prompter, error);
 }
 
@@ -296,7 +309,7 @@ void PreferencesWindow::tokenChosen(int type, int index, const QString& entry)
             documents::SaveFailure::show(m_prompter, error);
     }
     showFormat(type);
-    m_formats.value(type).field->lineEdit()->setFocus();
+    m_formats.value(type).text->setFocus();
 }
 
 void PreferencesWindow::resetFormat(int type)

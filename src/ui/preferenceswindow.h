@@ -7,6 +7,7 @@
 class QCheckBox;
 class QComboBox;
 class QLabel;
+class QLineEdit;
 class QPushButton;
 class QSpinBox;
 class QTabWidget;
@@ -48,7 +49,8 @@ protected:
 private:
     struct FormatRow
     {
-        NumberFormatField* field = nullptr;
+        NumberFormatField* tokens = nullptr;
+        QLineEdit* text = nullptr;
         QLabel* sample = nullptr;
         QPushButton* reset = nullptr;
     };
