@@ -299,9 +299,15 @@ void MyCompanyWindow::fillReference(const Reference& reference)
         store::FetchRequest(reference.entity, {}, {store::SortDescriptor::localized(reference.naming)}));
     for (Record* record : records)
         popup->addItem(record->value(reference.naming).toString(), QVariant::fromValue(record));
+    selectCurrent(reference);
+}
+
+void MyCompanyWindow::selectCurrent(const Reference& reference)
+{
+    QScopedValueRollback guard(m_loading, true);
     const Record* record = company();
-    const Record* current = record ? record->related(reference.key) : nullptr;
-    popup->setCurrentIndex(current ? popup->findData(QVariant::fromValue(const_cast<Record*>(current))) : -1);
+    Record* current = record ? record->related(reference.key) : nullptr;
+    reference.popup->setCurrentIndex(current ? reference.popup->findData(QVariant::fromValue(current)) : -1);
 }
 
 void MyCompanyWindow::referenceChosen(const Reference& reference)
@@ -317,13 +323,16 @@ void MyCompanyWindow::contextDidChange(const store::ChangeSet& changes)
 {
     if (changes.touches(s("Compose")))
         loadCustomLabels();
+    const bool companyChanged = changes.touches(s("MyCompany"));
     for (const Reference& reference : std::as_const(m_references)) {
         if (changes.touches(reference.entity))
             fillReference(reference);
+        else if (companyChanged)
+            selectCurrent(reference);
     }
-    // Another window changed the company (a document editor's default notes, say): the fields
-    // not being edited here show what is stored now.
-    if (changes.touches(s("MyCompany")) && !m_committing) {
+    // Another window changed the company (a list window made another tax the default, say):
+    // the fields not being edited here show what is stored now.
+    if (companyChanged && !m_committing) {
         const Record* record = company();
         QScopedValueRollback guard(m_loading, true);
         for (const auto& [key, edit] : std::as_const(m_lineEdits)) {

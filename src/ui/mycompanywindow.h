@@ -66,6 +66,7 @@ private:
     void load();
     void loadCustomLabels();
     void fillReference(const Reference& reference);
+    void selectCurrent(const Reference& reference);
     void referenceChosen(const Reference& reference);
     void contextDidChange(const store::ChangeSet& changes);
 

@@ -99,8 +99,20 @@ void PreferencesWindow::showPage(Page page)
 void PreferencesWindow::closeEvent(QCloseEvent* event)
 {
     // A format typed but not yet left is stored as leaving it would.
+    bool stored = true;
     for (const int type : NumberFormatPreferences::listedTypes())
-        formatFinished(type);
+        stored = stored && formatFinished(type);
+    // What the database refused stays in the window, to be stored once it takes it.
+    if (stored && m_context->hasChanges()) {
+        store::StoreError error;
+        stored = m_context->save(&error);
+        if (!stored)
+            documents::SaveFailure::show(m_prompter, error);
+    }
+    if (!stored) {
+        event->ignore();
+        return;
+    }
     windowSettings().setValue(geometryKey(), saveGeometry());
     QWidget::closeEvent(event);
 }
@@ -285,22 +297,23 @@ void PreferencesWindow::showFormat(int type)
     row.sample->setText(m_numbers->sample(format));
 }
 
-void PreferencesWindow::formatFinished(int type)
+bool PreferencesWindow::formatFinished(int type)
 {
     const FormatRow row = m_formats.value(type);
     if (m_storing || !row.text || row.text->text() == m_numbers->format(type))
-        return;
+        return true;
     QScopedValueRollback guard(m_storing, true);
     store::StoreError error;
-    if (!m_numbers->setFormat(type, row.text->text(), &error))
-        documents::SaveFailure::show(m_prompter, error);
+    if (m_numbers->setFormat(type, row.text->text(), &error))
+        return true;
+    documents::SaveFailure::show(m_prompter, error);
+    return false;
 }
 
 void PreferencesWindow::tokenChosen(int type, int index, const QString& entry)
 {
     // The menu works on the stored format: what was typed before is stored first.
-    formatFinished(type);
-    if (m_storing)
+    if (m_storing || !formatFinished(type))
         return;
     {
         QScopedValueRollback guard(m_storing, true);

@@ -64,7 +64,8 @@ private:
     bool store(const QString& key, const QVariant& value);
     qint64 setting(const QString& key);
     void showFormat(int type);
-    void formatFinished(int type);
+    // Stores the typed format of `type` if it changed; false when the database refused it.
+    bool formatFinished(int type);
     void tokenChosen(int type, int index, const QString& entry);
     void resetFormat(int type);
 

@@ -1,3 +1,4 @@
+#include "databasewritelock.h"
 #include "model/companyrecord.h"
 #include "ui/mycompanywindow.h"
 #include "uitestsupport.h"
@@ -7,40 +8,10 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPointer>
-#include <QSqlDatabase>
-#include <QSqlError>
-#include <QSqlQuery>
 
 using namespace corvanta;
 using namespace corvanta::ui::testing;
 using ui::MyCompanyWindow;
-
-namespace {
-
-// A second connection that holds the database's write lock, as another program writing to the
-// file would: every save of the store waits for it, then fails.
-class WriteLock
-{
-public:
-    explicit WriteLock(const QString& file)
-    {
-        QSqlDatabase database = QSqlDatabase::addDatabase(s("QSQLITE"), name());
-        database.setDatabaseName(file);
-        QSqlQuery begin(database);
-        if (!database.open() || !begin.exec(s("BEGIN IMMEDIATE")))
-            qFatal("cannot lock the database: %s", qPrintable(database.lastError().text()));
-    }
-    ~WriteLock()
-    {
-        QSqlDatabase::database(name()).close();
-        QSqlDatabase::removeDatabase(name());
-    }
-
-private:
-    static QString name() { return s("tst_mycompanywindow_lock"); }
-};
-
-} // namespace
 
 class TestMyCompanyWindow : public QObject
 {
@@ -69,6 +40,7 @@ private Q_SLOTS:
     void leavingAFieldStoresIt();
     void choosingADefaultStoresIt_data();
     void choosingADefaultStoresIt();
+    void defaultChosenElsewhereIsShown();
     void customFieldsShowTheirLabels();
     void refusedSaveKeepsTheTypedValue();
 };
@@ -136,6 +108,15 @@ void TestMyCompanyWindow::choosingADefaultStoresIt()
     QCOMPARE(model::CompanyRecord::defaultRecord(m_company->main(), key)->value(naming).toString(), choice);
 }
 
+// A list window makes another tax the default: the window shows it without being reopened.
+void TestMyCompanyWindow::defaultChosenElsewhereIsShown()
+{
+    model::CompanyRecord::of(m_company->main())
+        ->setRelated(s("default_tax"), m_company->named("Taxes", s("name"), s("GST / PST")));
+    m_company->save();
+    QCOMPARE(m_window->findChild<QComboBox*>(s("default_taxPopup"))->currentText(), s("GST / PST"));
+}
+
 // Fields are captioned with the company's labels; hidden ones are not offered.
 void TestMyCompanyWindow::customFieldsShowTheirLabels()
 {
@@ -159,7 +140,7 @@ void TestMyCompanyWindow::customFieldsShowTheirLabels()
 void TestMyCompanyWindow::refusedSaveKeepsTheTypedValue()
 {
     auto* edit = m_window->findChild<QLineEdit*>(s("nameEdit"));
-    auto lock = std::make_unique<WriteLock>(m_company->store().path());
+    auto lock = std::make_unique<DatabaseWriteLock>(m_company->store().path());
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(s("^Saving .* failed: database is locked")));
     edit->selectAll();
     QTest::keyClicks(edit, s("Harbour Lights"));

@@ -1,3 +1,4 @@
+#include "databasewritelock.h"
 #include "documents/documentnumbering.h"
 #include "model/companysettings.h"
 #include "ui/numberformatfield.h"
@@ -71,6 +72,7 @@ private Q_SLOTS:
     void tokenMenuChangesTheFormat_data();
     void tokenMenuChangesTheFormat();
     void typedFormatShowsItsSampleAndIsStoredOnLeaving();
+    void refusedFormatStaysShown();
     void resetRestoresTheDefault();
     void documentSettingsAreStored();
     void firstNamePositionRenamesIndividuals();
@@ -149,6 +151,29 @@ void TestPreferencesWindow::typedFormatShowsItsSampleAndIsStoredOnLeaving()
     QTest::keyClick(edit, Qt::Key_Return);
     QCOMPARE(setting("number_format_invoice").toString(), s("R,NNNNN"));
     QCOMPARE(nextInvoiceNumber(), s("R00001"));
+}
+
+// The database is locked by another program: the user is told, the typed format and its sample
+// stay, and the window stays open until the format can be stored.
+void TestPreferencesWindow::refusedFormatStaysShown()
+{
+    auto lock = std::make_unique<DatabaseWriteLock>(m_company->store().path());
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(s("^Saving .* failed: database is locked")));
+    invoiceEdit()->selectAll();
+    QTest::keyClicks(invoiceEdit(), s("R,NNNNN"));
+    QTest::keyClick(invoiceEdit(), Qt::Key_Return);
+    QCOMPARE(m_company->prompter().titles(),
+             QStringList{s("The company database \"%1\" is in use by another program: it could not be saved.")
+                             .arg(m_company->store().path())});
+    QCOMPARE(invoiceEdit()->text(), s("R,NNNNN"));
+    QCOMPARE(invoiceSample()->text(), s("R00123"));
+    QCOMPARE(setting("number_format_invoice").toString(), s("INVOICE/,YYYY,-,NNNN"));
+
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(s("^Saving .* failed: database is locked")));
+    QVERIFY(!m_window->close());
+    lock.reset();
+    QVERIFY(m_window->close());
+    QCOMPARE(setting("number_format_invoice").toString(), s("R,NNNNN"));
 }
 
 void TestPreferencesWindow::resetRestoresTheDefault()
