@@ -10,6 +10,7 @@
 #include <QCloseEvent>
 #include <QHeaderView>
 #include <QSettings>
+#include <QStyle>
 #include <QTabWidget>
 #include <QTableView>
 #include <QVBoxLayout>
@@ -66,6 +67,8 @@ CustomFieldsWindow::CustomFieldsWindow(store::Store& store, support::Prompter& p
         view->setAlternatingRowColors(true);
         view->setWordWrap(false);
         view->verticalHeader()->hide();
+        view->verticalHeader()->setDefaultSectionSize(
+            fontMetrics().lineSpacing() + 2 * style()->pixelMetric(QStyle::PM_FocusFrameVMargin) + 6);
         view->horizontalHeader()->setHighlightSections(false);
         view->horizontalHeader()->setSectionResizeMode(CustomFieldsModel::Field,
                                                        QHeaderView::ResizeToContents);

@@ -15,6 +15,7 @@
 #include <QHeaderView>
 #include <QScrollBar>
 #include <QSettings>
+#include <QStyle>
 #include <QTableView>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -52,11 +53,15 @@ app::WindowKind kindOf(ReferenceListType type)
     return app::WindowKind::Other;
 }
 
-QToolButton* listButton(const char* icon, const QString& text, const char* name, QWidget* parent)
+QToolButton* listButton(const char* icon, const char* mark, const QString& text, const char* name,
+                        QWidget* parent)
 {
     auto* button = new QToolButton(parent);
     button->setObjectName(s(name));
     button->setIcon(QIcon::fromTheme(s(icon)));
+    // Without an icon theme the button still says what it does.
+    if (button->icon().isNull())
+        button->setText(mark ? QString::fromUtf8(mark) : text);
     button->setToolTip(text);
     button->setAccessibleName(text);
     return button;
@@ -134,14 +139,21 @@ ReferenceListWindow::ReferenceListWindow(ReferenceListType type, store::Store& s
     m_view->setAlternatingRowColors(true);
     m_view->setWordWrap(false);
     m_view->verticalHeader()->hide();
+    m_view->verticalHeader()->setDefaultSectionSize(
+        fontMetrics().lineSpacing() + 2 * style()->pixelMetric(QStyle::PM_FocusFrameVMargin) + 6);
     QHeaderView* header = m_view->horizontalHeader();
     header->setHighlightSections(false);
     header->setSectionResizeMode(QHeaderView::ResizeToContents);
-    header->setSectionResizeMode(m_model->namingColumn(), QHeaderView::Stretch);
+    // The name takes the room left; for currencies, whose code is short, the sample does.
+    const QString widest = type == ReferenceListType::Currencies ? s("sample") : m_editor->list().namingKey();
+    for (int column = 0; column < m_model->columnCount(); ++column) {
+        if (m_editor->list().columns().at(column).key == widest)
+            header->setSectionResizeMode(column, QHeaderView::Stretch);
+    }
 
-    m_addButton = listButton("list-add", tr("Add"), "addButton", this);
-    m_removeButton = listButton("list-remove", tr("Delete"), "removeButton", this);
-    m_duplicateButton = listButton("edit-copy", tr("Duplicate"), "duplicateButton", this);
+    m_addButton = listButton("list-add", "+", tr("Add"), "addButton", this);
+    m_removeButton = listButton("list-remove", "\u2212", tr("Delete"), "removeButton", this);
+    m_duplicateButton = listButton("edit-copy", nullptr, tr("Duplicate"), "duplicateButton", this);
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(0);
     buttons->addWidget(m_addButton);
