@@ -297,7 +297,15 @@ void CsvImportWindow::startImport()
             QCoreApplication::processEvents();
             sinceEvents.restart();
         }
-        return !progress.wasCanceled();
+        if (progress.wasCanceled())
+            return false;
+        // After the last line the records are stored in one go, which cannot be stopped half way.
+        if (done == total) {
+            progress.setCancelButton(nullptr);
+            progress.setLabelText(tr("Saving…"));
+            QCoreApplication::processEvents();
+        }
+        return true;
     };
     m_importButton->setEnabled(false);
     const std::optional<int> added = runImport(rows, m_fields.tickedKeys(), told);
