@@ -14,6 +14,7 @@
 #include "detailpane.h"
 #include "editorwindows.h"
 #include "exchange/emailhandover.h"
+#include "listwindows.h"
 #include "predicate/literal.h"
 #include "recordlistview.h"
 #include "sidebarview.h"
@@ -29,6 +30,8 @@
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QDesktopServices>
+#include <QDir>
+#include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
@@ -137,6 +140,7 @@ MainWindow::MainWindow(app::ApplicationCore& core, support::Prompter& prompter, 
     setUnifiedTitleAndToolBarOnMac(true);
 
     m_editors = new EditorWindows(*core.store(), prompter, this);
+    m_lists = new ListWindows(*core.store(), prompter, this);
     m_browser = new BrowserView(*core.store(), prompter, m_editors);
     m_views = new QStackedWidget;
     m_views->setObjectName(QStringLiteral("viewStack"));
@@ -221,12 +225,18 @@ void MainWindow::createMenus()
     m_companiesMenu = new CompaniesMenuView(*m_core.companiesMenu(), this);
     file->addMenu(m_companiesMenu);
     file->addSeparator();
-    // The import windows are part of a later piece of work: their commands wait disabled.
-    for (const QString& text :
-         {tr("Import &Clients…"), tr("Import I&tems…"), tr("Import from &Address Book…")}) {
-        QAction* import = file->addAction(QIcon::fromTheme(QStringLiteral("document-import")), text);
-        import->setEnabled(false);
-    }
+    QAction* importClients =
+        file->addAction(QIcon::fromTheme(QStringLiteral("document-import")), tr("Import &Clients…"));
+    importClients->setObjectName(QStringLiteral("actionImportClients"));
+    connect(importClients, &QAction::triggered, this, [this] { importFile(true); });
+    QAction* importItems =
+        file->addAction(QIcon::fromTheme(QStringLiteral("document-import")), tr("Import I&tems…"));
+    importItems->setObjectName(QStringLiteral("actionImportItems"));
+    connect(importItems, &QAction::triggered, this, [this] { importFile(false); });
+    QAction* importAddressBook = file->addAction(QIcon::fromTheme(QStringLiteral("x-office-address-book")),
+                                                 tr("Import from &Address Book…"));
+    importAddressBook->setObjectName(QStringLiteral("actionImportAddressBook"));
+    connect(importAddressBook, &QAction::triggered, m_lists, &ListWindows::importAddressBook);
     file->addSeparator();
     file->addAction(m_commands.value(Command::Save));
     file->addAction(m_commands.value(Command::Preview));
@@ -279,7 +289,8 @@ void MainWindow::createMenus()
         company->addAction(QIcon::fromTheme(QStringLiteral("configure")), tr("Pr&eferences…"));
     preferences->setShortcut(QKeySequence::Preferences);
     preferences->setMenuRole(QAction::PreferencesRole);
-    preferences->setEnabled(false); // the preferences window is part of a later piece of work
+    preferences->setObjectName(QStringLiteral("actionPreferences"));
+    connect(preferences, &QAction::triggered, m_lists, &ListWindows::showPreferences);
 
     QMenu* help = menuBar()->addMenu(tr("&Help"));
     help->setObjectName(QStringLiteral("helpMenu"));
@@ -426,9 +437,7 @@ void MainWindow::runCommand(Command command)
 
 bool MainWindow::hasWindow(int tag)
 {
-    // The editors; the reference lists and the company's own windows come with later work, and
-    // a tag never opens an empty window.
-    return tag >= 1 && tag <= 4;
+    return (tag >= 1 && tag <= 4) || ListWindows::hasWindow(tag);
 }
 
 bool MainWindow::openWindow(int tag)
@@ -443,7 +452,7 @@ bool MainWindow::openWindow(int tag)
     case 4:
         return m_editors->newEditor(browse::ListKind::ToDos) != nullptr;
     default:
-        return false;
+        return m_lists->openWindow(tag) != nullptr;
     }
 }
 
@@ -475,12 +484,25 @@ void MainWindow::connectDetailPage()
 
 bool MainWindow::closeEditors()
 {
-    for (QWidget* window : m_editors->windows()) {
+    for (QWidget* window : m_editors->windows() + m_lists->windows()) {
         QPointer<QWidget> editor = window;
         if (!editor->close() && editor && editor->isVisible())
             return false;
     }
     return true;
+}
+
+void MainWindow::importFile(bool clients)
+{
+    const QString path =
+        QFileDialog::getOpenFileName(this, clients ? tr("Import Clients") : tr("Import Items"),
+                                     QDir::homePath(), tr("Text files (*.csv *.txt *.tsv);;All files (*)"));
+    if (path.isEmpty())
+        return;
+    if (clients)
+        m_lists->importClients(path);
+    else
+        m_lists->importItems(path);
 }
 
 void MainWindow::updateSelectedLabel()

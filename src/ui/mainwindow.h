@@ -21,12 +21,11 @@ namespace corvanta::ui {
 class BrowserView;
 class CompaniesMenuView;
 class EditorWindows;
+class ListWindows;
 
 // The main window: the browser with its sidebar, list and detail page, the menus and the tool
 // bar. The global commands (New, Edit, Duplicate, Delete, Save, Preview, Print) go where the
 // routing rules send them and are enabled by the same rules, read off the windows as they are.
-// Windows opened by a command tag are opened only when the program has them; until then their
-// commands stay disabled.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -37,6 +36,7 @@ public:
 
     BrowserView* browserView() const { return m_browser; }
     EditorWindows* editorWindows() const { return m_editors; }
+    ListWindows* listWindows() const { return m_lists; }
     app::MainView currentView() const { return m_currentView; }
     QAction* commandAction(app::Command command) const { return m_commands.value(command); }
 
@@ -47,10 +47,9 @@ public:
     void updateCommandStates();
     // Runs a command where the rules send it.
     void runCommand(app::Command command);
-    // Opens the window of a command tag; false when the tag names none, the window is not part
-    // of the program yet, or it could not open.
+    // Opens the window of a command tag; false when the tag names none or it could not open.
     bool openWindow(int tag);
-    // Whether the window of a command tag is part of the program.
+    // Whether a command tag names a window.
     static bool hasWindow(int tag);
 
     // What a window in front tells the rules it is: windows set this property to a WindowKind.
@@ -76,9 +75,11 @@ private:
     void showAbout();
     void restoreLayout();
     void saveLayout() const;
-    // Closes the editor windows as the user would, each asking about its unsaved changes; false
-    // when one of them stays open.
+    // Closes the editor and list windows as the user would, each asking about its unsaved
+    // changes; false when one of them stays open.
     bool closeEditors();
+    // The imports: a file of clients or items is asked for first.
+    void importFile(bool clients);
     // The page's requests for a document's payments and an item's stock.
     void connectDetailPage();
 
@@ -86,6 +87,7 @@ private:
     support::Prompter& m_prompter;
     QStackedWidget* m_views = nullptr;
     EditorWindows* m_editors = nullptr;
+    ListWindows* m_lists = nullptr;
     BrowserView* m_browser = nullptr;
     CompaniesMenuView* m_companiesMenu = nullptr;
     QLabel* m_selectedLabel = nullptr;

@@ -5,6 +5,7 @@
 #include "ui/browserview.h"
 #include "ui/documenteditorwindow.h"
 #include "ui/editorwindows.h"
+#include "ui/listwindows.h"
 #include "ui/mainwindow.h"
 #include "ui/recordlistview.h"
 #include "ui/sidebarview.h"
@@ -12,9 +13,12 @@
 
 #include <QAction>
 #include <QDir>
+#include <QFile>
 #include <QLineEdit>
 #include <QMenu>
+#include <QPointer>
 #include <QTableView>
+#include <QTemporaryDir>
 #include <QTreeView>
 #include <QVBoxLayout>
 
@@ -64,7 +68,9 @@ private Q_SLOTS:
     void browserCommands();
     void keyWindowRows_data();
     void keyWindowRows();
+    void windowTags_data();
     void windowTags();
+    void importsAndPreferences();
     void companiesMenu();
     void quittingWritesTheBackup();
     void quittingAsksEditorsFirst();
@@ -185,34 +191,109 @@ void TestMainWindow::keyWindowRows()
     QVERIFY(m_company->client(s("Acme Ltd")));
 }
 
+void TestMainWindow::windowTags_data()
+{
+    QTest::addColumn<int>("tag");
+    QTest::addColumn<QString>("className");
+    QTest::addColumn<WindowKind>("kind");
+    // An editor is new every time; every other window exists once and comes to the front.
+    QTest::addColumn<bool>("single");
+
+    QTest::newRow("1 client") << 1 << s("corvanta::ui::ClientEditorWindow") << WindowKind::ClientEditor
+                              << false;
+    QTest::newRow("3 document") << 3 << s("corvanta::ui::DocumentEditorWindow") << WindowKind::DocumentEditor
+                                << false;
+    QTest::newRow("100 custom fields")
+        << 100 << s("corvanta::ui::CustomFieldsWindow") << WindowKind::Other << true;
+    QTest::newRow("101 my company") << 101 << s("corvanta::ui::MyCompanyWindow") << WindowKind::Other << true;
+    QTest::newRow("102 currencies") << 102 << s("corvanta::ui::ReferenceListWindow") << WindowKind::Other
+                                    << true;
+    QTest::newRow("103 banks") << 103 << s("corvanta::ui::ReferenceListWindow") << WindowKind::BanksList
+                               << true;
+    QTest::newRow("104 payment types")
+        << 104 << s("corvanta::ui::ReferenceListWindow") << WindowKind::PaymentTypesList << true;
+    QTest::newRow("105 taxes") << 105 << s("corvanta::ui::ReferenceListWindow") << WindowKind::TaxesList
+                               << true;
+    QTest::newRow("106 units") << 106 << s("corvanta::ui::ReferenceListWindow") << WindowKind::UnitsList
+                               << true;
+    QTest::newRow("107 template library")
+        << 107 << s("corvanta::ui::TemplateLibraryWindow") << WindowKind::TemplateLibrary << true;
+    QTest::newRow("108 e-mail templates")
+        << 108 << s("corvanta::ui::EmailTemplatesWindow") << WindowKind::EmailTemplatesList << true;
+    QTest::newRow("109 due days") << 109 << s("corvanta::ui::ReferenceListWindow") << WindowKind::DueDaysList
+                                  << true;
+}
+
 void TestMainWindow::windowTags()
 {
-    const QList<QAction*> actions = m_window->findChildren<QAction*>(QRegularExpression(s("^actionWindow")));
-    QCOMPARE(actions.size(), 14);
+    QFETCH(int, tag);
+    QFETCH(QString, className);
+    QFETCH(WindowKind, kind);
+    QFETCH(bool, single);
+
+    QCOMPARE(m_window->findChildren<QAction*>(QRegularExpression(s("^actionWindow"))).size(), 14);
     m_window->updateCommandStates();
-    // Tags 1 to 4 open a new editor of their kind; the others wait for their windows.
-    const QHash<int, WindowKind> editors{{1, WindowKind::ClientEditor},
-                                         {2, WindowKind::ItemEditor},
-                                         {3, WindowKind::DocumentEditor},
-                                         {4, WindowKind::ToDoEditor}};
-    for (QAction* action : actions) {
-        const int tag = action->data().toInt();
-        QCOMPARE(action->isEnabled(), editors.contains(tag));
+    auto* action = m_window->findChild<QAction*>(s("actionWindow%1").arg(tag));
+    QVERIFY(action && action->isEnabled());
+
+    const auto openedBy = [tag, this] {
         const QWidgetList before = QApplication::topLevelWidgets();
-        QCOMPARE(m_window->openWindow(tag), editors.contains(tag));
+        if (!m_window->openWindow(tag))
+            return QWidgetList();
         QWidgetList opened = QApplication::topLevelWidgets();
         opened.removeIf(
             [&before](QWidget* widget) { return before.contains(widget) || !widget->isVisible(); });
-        QCOMPARE(opened.size(), editors.contains(tag) ? 1 : 0);
-        if (opened.isEmpty())
-            continue;
-        QCOMPARE(WindowKind(opened.first()->property(MainWindow::windowKindProperty()).toInt()),
-                 editors.value(tag));
-        // Nothing was typed: the editor closes without a question.
+        return opened;
+    };
+    QWidgetList opened = openedBy();
+    QCOMPARE(opened.size(), 1);
+    QPointer<QWidget> window = opened.first();
+    QCOMPARE(QString::fromLatin1(window->metaObject()->className()), className);
+    QCOMPARE(WindowKind(window->property(MainWindow::windowKindProperty()).toInt()), kind);
+
+    window->showMinimized();
+    opened = openedBy();
+    QCOMPARE(opened.size(), single ? 0 : 1);
+    if (single)
+        QVERIFY(!window->isMinimized());
+    else
         QVERIFY(opened.first()->close());
-    }
-    QVERIFY(!m_window->openWindow(5));
+    // Nothing was typed: every window closes without a question.
+    QVERIFY(window->close());
     QVERIFY(m_company->prompter().questions().isEmpty());
+    QVERIFY(!m_window->openWindow(5));
+    QVERIFY(!m_window->openWindow(110));
+}
+
+void TestMainWindow::importsAndPreferences()
+{
+    QTemporaryDir folder;
+    const QString file = folder.filePath(s("clients.csv"));
+    QFile csv(file);
+    QVERIFY(csv.open(QIODevice::WriteOnly));
+    csv.write("Nordwind GmbH;Berlin\nSolis Ltd;Leeds\n");
+    csv.close();
+
+    QPointer<QWidget> clients = m_window->listWindows()->importClients(file);
+    QVERIFY(clients);
+    QCOMPARE(clients->objectName(), s("ImportClientsWindow"));
+    // While it is open, a second file only brings the window forward.
+    QCOMPARE(m_window->listWindows()->importClients(folder.filePath(s("other.csv"))), clients.data());
+    QVERIFY(!m_window->listWindows()->importItems(folder.filePath(s("missing.csv"))));
+    QCOMPARE(m_company->prompter().titles(), QStringList{s("Warning")});
+
+    QWidget* addressBook = m_window->listWindows()->importAddressBook();
+    QVERIFY(addressBook);
+    QCOMPARE(addressBook->objectName(), s("ImportAddressBookWindow"));
+
+    auto* preferences = m_window->findChild<QAction*>(s("actionPreferences"));
+    QVERIFY(preferences && preferences->isEnabled());
+    preferences->trigger();
+    QVERIFY(m_window->listWindows()->windows().size() == 3);
+    const QList<QWidget*> open = m_window->listWindows()->windows();
+    QVERIFY(std::any_of(open.begin(), open.end(), [](QWidget* window) {
+        return QString::fromLatin1(window->metaObject()->className()) == s("corvanta::ui::PreferencesWindow");
+    }));
 }
 
 void TestMainWindow::companiesMenu()
