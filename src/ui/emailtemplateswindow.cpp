@@ -127,6 +127,8 @@ QWidget* EmailTemplatesWindow::makeList()
     m_table->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed |
                              QAbstractItemView::SelectedClicked);
     m_table->verticalHeader()->hide();
+    // Rows as high as a line of text with its margins, not the style's roomy default.
+    m_table->verticalHeader()->setDefaultSectionSize(m_table->fontMetrics().lineSpacing() + 10);
     m_table->horizontalHeader()->setSectionResizeMode(NameColumn, QHeaderView::Stretch);
     m_table->horizontalHeader()->setSectionResizeMode(DefaultColumn, QHeaderView::ResizeToContents);
     m_table->setWordWrap(false);

@@ -103,6 +103,8 @@ ImportAddressBookWindow::ImportAddressBookWindow(store::Store& store, support::P
     m_table->setWordWrap(false);
     m_table->setTabKeyNavigation(false);
     m_table->verticalHeader()->hide();
+    // Rows as high as a line of text with its margins, not the style's roomy default.
+    m_table->verticalHeader()->setDefaultSectionSize(m_table->fontMetrics().lineSpacing() + 10);
     m_table->horizontalHeader()->setStretchLastSection(true);
     m_table->setSortingEnabled(false);
 
@@ -140,7 +142,7 @@ ImportAddressBookWindow::ImportAddressBookWindow(store::Store& store, support::P
 
     updateState();
     if (!restoreGeometry(windowSettings().value(s("ImportAddressBookWindow/geometry")).toByteArray()))
-        resize(fontMetrics().averageCharWidth() * 130, fontMetrics().lineSpacing() * 28);
+        resize(fontMetrics().averageCharWidth() * 150, fontMetrics().lineSpacing() * 30);
     readDesktopContacts();
 }
 
@@ -230,6 +232,9 @@ int ImportAddressBookWindow::addPersons(const QList<AddressBookPerson>& persons,
         ++added;
     }
     m_table->resizeColumnsToContents();
+    // Sized to its contents the last column no longer fills the rest of the row: it is told again.
+    m_table->horizontalHeader()->setStretchLastSection(false);
+    m_table->horizontalHeader()->setStretchLastSection(true);
     filter(m_searchEdit->text());
     updateState();
     return added;
