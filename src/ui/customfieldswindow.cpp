@@ -90,8 +90,10 @@ CustomFieldsWindow::CustomFieldsWindow(store::Store& store, support::Prompter& p
 
 CustomFieldsWindow::~CustomFieldsWindow()
 {
-    // The views go before the models and the context whose records they show.
+    // The views and the models go before the context whose records they show.
     delete m_tabs;
+    for (editors::CustomFieldsModel* model : m_models)
+        delete model;
 }
 
 void CustomFieldsWindow::closeEvent(QCloseEvent* event)

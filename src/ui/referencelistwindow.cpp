@@ -191,8 +191,9 @@ ReferenceListWindow::ReferenceListWindow(ReferenceListType type, store::Store& s
 
 ReferenceListWindow::~ReferenceListWindow()
 {
-    // The view goes before the model and the editor whose records it shows.
+    // The view and the model go before the editor and the context whose records they show.
     delete m_view;
+    delete m_model;
 }
 
 ReferenceListType ReferenceListWindow::type() const
