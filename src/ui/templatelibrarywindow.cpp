@@ -25,6 +25,7 @@
 #include <QSettings>
 #include <QSplitter>
 #include <QStackedWidget>
+#include <QStyle>
 #include <QTimer>
 #include <QToolButton>
 #include <QTreeWidget>
@@ -238,6 +239,8 @@ QWidget* TemplateLibraryWindow::makePreview()
     m_previewView->setDocument(m_previewDocument);
     m_previewView->setPageMode(QPdfView::PageMode::SinglePage);
     m_previewView->setZoomMode(QPdfView::ZoomMode::FitToWidth);
+    const int margin = style()->pixelMetric(QStyle::PM_LayoutLeftMargin);
+    m_previewView->setDocumentMargins(QMargins(margin, margin, margin, margin));
     m_previewView->setAccessibleName(tr("Preview"));
 
     m_previewMessage = new QLabel(m_previewStack);
@@ -329,6 +332,9 @@ void TemplateLibraryWindow::reload()
                 group->setFlags(Qt::ItemIsEnabled);
                 group->setData(NameColumn, Qt::UserRole + 1, type);
                 group->setFirstColumnSpanned(true);
+                QFont caption = group->font(NameColumn);
+                caption.setBold(true);
+                group->setFont(NameColumn, caption);
             }
             auto* item = new QTreeWidgetItem(group);
             const QString name = templ->value(s("name")).toString();
@@ -341,9 +347,6 @@ void TemplateLibraryWindow::reload()
             item->setCheckState(DefaultColumn, isDefault ? Qt::Checked : Qt::Unchecked);
             item->setToolTip(DefaultColumn, isDefault ? tr("The default template of its type")
                                                       : tr("Make this the default template of its type"));
-            QFont font = item->font(NameColumn);
-            font.setBold(isDefault);
-            item->setFont(NameColumn, font);
             if (selected.contains(templ->ref().pk))
                 item->setSelected(true);
         }

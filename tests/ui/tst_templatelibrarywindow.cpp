@@ -68,7 +68,8 @@ private Q_SLOTS:
     void deleteIsRefused_data();
     void deleteIsRefused();
     void deleteTakesTheRowBelow();
-    void defaultMovesWithTheTick();
+    void defaultMoves_data();
+    void defaultMoves();
     void exportedTemplateImportsAgain();
     void previewShowsTheDemoDocument_data();
     void previewShowsTheDemoDocument();
@@ -169,24 +170,37 @@ void TemplateLibraryWindowTest::deleteTakesTheRowBelow()
     QCOMPARE(library.window.property("selectedRowCount").toInt(), 1);
 }
 
-void TemplateLibraryWindowTest::defaultMovesWithTheTick()
+void TemplateLibraryWindowTest::defaultMoves_data()
 {
+    QTest::addColumn<bool>("byButton");
+    QTest::newRow("tick") << false;
+    QTest::newRow("Make Default") << true;
+}
+
+void TemplateLibraryWindowTest::defaultMoves()
+{
+    QFETCH(bool, byButton);
     Library library;
     Record* before = library.defaultOf("default_template_invoice");
     QTreeWidgetItem* beforeItem = library.window.itemOf(before->ref());
     QTreeWidgetItem* other =
         beforeItem->parent()->child(beforeItem->parent()->indexOfChild(beforeItem) == 0 ? 1 : 0);
     const QString otherName = other->text(0);
-    QVERIFY(!other->font(0).bold());
+    QCOMPARE(other->checkState(1), Qt::Unchecked);
 
-    other->setCheckState(1, Qt::Checked);
+    if (byButton) {
+        auto* button = library.window.findChild<QPushButton*>(s("defaultButton"));
+        QVERIFY(!button->isEnabled());
+        library.window.tree()->setCurrentItem(other);
+        QVERIFY(button->isEnabled());
+        button->click();
+    } else {
+        other->setCheckState(1, Qt::Checked);
+    }
     QCOMPARE(library.defaultOf("default_template_invoice"), library.named(otherName));
-    // The tree is drawn anew: the tick and the bold name follow the default.
-    QTRY_VERIFY(library.window.itemOf(before->ref())->checkState(1) == Qt::Unchecked);
-    QVERIFY(!library.window.itemOf(before->ref())->font(0).bold());
-    QTreeWidgetItem* after = library.window.itemOf(library.named(otherName)->ref());
-    QCOMPARE(after->checkState(1), Qt::Checked);
-    QVERIFY(after->font(0).bold());
+    // The tree is drawn anew: the tick follows the default.
+    QTRY_COMPARE(library.window.itemOf(before->ref())->checkState(1), Qt::Unchecked);
+    QCOMPARE(library.window.itemOf(library.named(otherName)->ref())->checkState(1), Qt::Checked);
 }
 
 void TemplateLibraryWindowTest::exportedTemplateImportsAgain()
