@@ -319,14 +319,24 @@ void EmailTemplatesWindow::itemChanged(QTableWidgetItem* item)
     if (item->column() == NameColumn) {
         commitPending();
         m_list->rename(emailTemplate, item->text());
-        reload(emailTemplate);
+        // The list is sorted again once the view has finished with the item it edited.
+        QTimer::singleShot(0, this, [this, emailTemplate] { reload(emailTemplate); });
     } else if (item->column() == DefaultColumn) {
         // A tick chooses the default; the default's own tick cannot be taken away, as there is
         // always one template chosen first.
         if (item->checkState() == Qt::Checked)
             m_list->defaultChanged(emailTemplate);
-        reload();
+        showDefaultMarks();
     }
+}
+
+void EmailTemplatesWindow::showDefaultMarks()
+{
+    const QSignalBlocker blocker(m_table);
+    for (int row = 0; row < m_table->rowCount(); ++row)
+        m_table->item(row, DefaultColumn)
+            ->setCheckState(m_list->isDefault(recordAt(row)) ? Qt::Checked : Qt::Unchecked);
+    updateState();
 }
 
 void EmailTemplatesWindow::addRow()

@@ -72,6 +72,8 @@ private:
     void selectionChanged();
     void showTemplate(store::Record* emailTemplate);
     void itemChanged(QTableWidgetItem* item);
+    // Ticks the default template's row and only that one.
+    void showDefaultMarks();
     void insertPlaceholder(int index);
     void typed();
     void storeDidSave(const store::ChangeSet& changes, store::EditingContext* origin);

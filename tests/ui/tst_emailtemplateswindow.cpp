@@ -220,10 +220,13 @@ void tst_EmailTemplatesWindow::inPlaceEdits()
     QCOMPARE(storedTemplates(company.store()),
              (QStringList{s("Empty Template |  | "), s("*Reminder |  | ")}));
 
-    list->item(1, 0)->setText(s("Payment Reminder"));
+    // Renamed, the template moves to its place by name and stays chosen.
+    QVERIFY(window.selectTemplate(s("Reminder")));
+    list->item(1, 0)->setText(s("A Reminder"));
     QCOMPARE(storedTemplates(company.store()),
-             (QStringList{s("Empty Template |  | "), s("*Payment Reminder |  | ")}));
-    QCOMPARE(window.selectedTemplate()->value(s("name")).toString(), s("Payment Reminder"));
+             (QStringList{s("*A Reminder |  | "), s("Empty Template |  | ")}));
+    QTRY_COMPARE(list->item(0, 0)->text(), s("A Reminder"));
+    QCOMPARE(window.selectedTemplate()->value(s("name")).toString(), s("A Reminder"));
 }
 
 CORVANTA_UI_TEST_MAIN(tst_EmailTemplatesWindow)
