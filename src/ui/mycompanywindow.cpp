@@ -87,12 +87,14 @@ MyCompanyWindow::MyCompanyWindow(store::Store& store, support::Prompter& prompte
         {s("default_email_template"), s("EmailTemplates"), s("name")},
     };
 
+    // Made in reading order, which the Tab key follows.
+    QWidget* companyFields = makeCompanyFields();
     auto* right = new QVBoxLayout;
     right->addWidget(makeDefaults());
     right->addWidget(makeCustomFields());
     right->addStretch(1);
     auto* layout = new QHBoxLayout(this);
-    layout->addWidget(makeCompanyFields(), 1);
+    layout->addWidget(companyFields, 1);
     layout->addLayout(right, 1);
 
     // Saves of other windows (a renamed tax, a new bank) come into this context and its lists.

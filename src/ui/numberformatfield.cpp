@@ -35,6 +35,7 @@ void NumberFormatField::setFormat(const QString& format)
         }
         delete item;
     }
+    QList<QWidget*> buttons;
     const QStringList pieces = NumberFormat::tokens(format);
     for (int index = 0; index < pieces.size(); ++index) {
         const QString& piece = pieces.at(index);
@@ -67,8 +68,19 @@ void NumberFormatField::setFormat(const QString& format)
         }
         button->setMenu(menu);
         m_layout->addWidget(button);
+        buttons << button;
     }
     m_layout->addStretch(1);
+
+    // New buttons join the end of the window's tab chain; they are moved to read in place.
+    if (m_following && !buttons.isEmpty()) {
+        QWidget* previous = m_following->previousInFocusChain();
+        for (QWidget* button : std::as_const(buttons)) {
+            QWidget::setTabOrder(previous, button);
+            previous = button;
+        }
+        QWidget::setTabOrder(previous, m_following);
+    }
 }
 
 } // namespace corvanta::ui

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QFrame>
+#include <QPointer>
 
 class QHBoxLayout;
 
@@ -18,6 +19,8 @@ public:
 
     QString format() const { return m_format; }
     void setFormat(const QString& format);
+    // The widget the token buttons come before when the user tabs through the window.
+    void setFollowingWidget(QWidget* widget) { m_following = widget; }
 
 Q_SIGNALS:
     // An entry of the menu of the token at `index` (a piece of the comma-separated format).
@@ -26,6 +29,7 @@ Q_SIGNALS:
 private:
     QHBoxLayout* m_layout = nullptr;
     QString m_format;
+    QPointer<QWidget> m_following;
 };
 
 } // namespace corvanta::ui

@@ -137,9 +137,12 @@ QWidget* PreferencesWindow::makeNumberingPage()
         // The whole format as text, for pieces the menus do not offer.
         row.text = new QLineEdit(page);
         row.text->setObjectName(s("formatEdit_") + key);
+        row.tokens->setFollowingWidget(row.text);
         row.text->setToolTip(tr("The pieces of the number joined by commas: YYYY or YY for the year, "
                                 "NNNN, NNNNN or NNNNNN for the number, anything else as it is"));
         auto* label = new QLabel(NumberFormatPreferences::label(type) + u':', page);
+        row.tokens->setAccessibleName(
+            tr("Tokens of the %1 number").arg(NumberFormatPreferences::label(type)));
         label->setBuddy(row.text);
         row.sample = new QLabel(page);
         row.sample->setObjectName(s("sample_") + key);
@@ -168,6 +171,7 @@ QWidget* PreferencesWindow::makeNumberingPage()
         connect(row.reset, &QPushButton::clicked, this, [this, type] { resetFormat(type); });
         m_formats.insert(type, row);
         showFormat(type);
+        QWidget::setTabOrder(row.text, row.reset);
     }
     grid->setColumnStretch(1, 1);
     auto* layout = new QVBoxLayout(page);
