@@ -99,6 +99,7 @@ CsvImportWindow::CsvImportWindow(store::Store& store, support::Prompter& prompte
     m_composeButton->setToolTip(tr("The fields the file's columns go to, in column order"));
     m_composeButton->setPopupMode(QToolButton::InstantPopup);
     m_composeButton->setMenu(m_composeMenu);
+    m_composeMenu->installEventFilter(this);
 
     auto* fileForm = new QFormLayout;
     fileForm->addRow(tr("&Separator:"), m_separatorPopup);
@@ -313,6 +314,19 @@ void CsvImportWindow::startImport()
     m_importButton->setEnabled(true);
     if (added)
         close();
+}
+
+bool CsvImportWindow::eventFilter(QObject* watched, QEvent* event)
+{
+    // A click on a field ticks it and leaves the pop-up open, so that several fields are chosen
+    // in one go; Return and Escape still close it.
+    if (watched == m_composeMenu && event->type() == QEvent::MouseButtonRelease) {
+        if (QAction* action = m_composeMenu->activeAction(); action && action->isEnabled()) {
+            action->trigger();
+            return true;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 void CsvImportWindow::closeEvent(QCloseEvent* event)

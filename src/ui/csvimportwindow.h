@@ -76,6 +76,7 @@ protected:
                                          const exchange::ImportProgress& progress) = 0;
 
     void closeEvent(QCloseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void showRows();
