@@ -155,7 +155,7 @@ void takeReferenceListPictures(store::Store& store)
 
     auto* fields = new ui::CustomFieldsWindow(store, prompter);
     fields->tabs()->setCurrentIndex(ui::CustomFieldsWindow::Clients);
-    fields->resize(560, 420);
+    fields->resize(520, 350);
     showAndWait(fields);
     QTableView* view = fields->view(ui::CustomFieldsWindow::Clients);
     view->selectRow(1);
