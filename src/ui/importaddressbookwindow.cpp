@@ -151,7 +151,7 @@ void ImportAddressBookWindow::readDesktopContacts()
     // The contacts service may take seconds to start: it is asked on a thread of its own, and
     // its answer reaches the window only if the window is still there.
     auto found = std::make_shared<Found>();
-    QThread* thread = QThread::create([found] {
+    m_reader = QThread::create([found] {
         const exchange::DesktopAddressBooks books(kDesktopTimeout);
         for (const exchange::DesktopAddressBooks::Book& book : books.books(&found->reason)) {
             QString reason;
@@ -161,9 +161,22 @@ void ImportAddressBookWindow::readDesktopContacts()
                 found->reason = reason;
         }
     });
-    connect(thread, &QThread::finished, this, [this, found] { desktopContactsArrived(*found); });
-    connect(thread, &QThread::finished, thread, &QObject::deleteLater);
-    thread->start();
+    m_reader->setParent(this);
+    connect(m_reader, &QThread::finished, this, [this, found] { desktopContactsArrived(*found); });
+    m_reader->start();
+}
+
+ImportAddressBookWindow::~ImportAddressBookWindow()
+{
+    // A reader still waiting for the contacts service is not waited for: it goes by itself
+    // when it is done, and its answer with it.
+    if (m_reader && !m_reader->wait(QDeadlineTimer(0))) {
+        disconnect(m_reader, nullptr, this, nullptr);
+        m_reader->setParent(nullptr);
+        connect(m_reader, &QThread::finished, m_reader, &QObject::deleteLater);
+        if (m_reader->isFinished()) // done while it was let go
+            m_reader->deleteLater();
+    }
 }
 
 void ImportAddressBookWindow::desktopContactsArrived(const Found& found)

@@ -10,6 +10,7 @@ class QLineEdit;
 class QPushButton;
 class QTableWidget;
 class QTableWidgetItem;
+class QThread;
 
 namespace corvanta::store {
 class Store;
@@ -30,6 +31,7 @@ class ImportAddressBookWindow : public QWidget
 
 public:
     ImportAddressBookWindow(store::Store& store, support::Prompter& prompter, QWidget* parent = nullptr);
+    ~ImportAddressBookWindow() override;
 
     // Lists the people of the files, ticked; people listed already are left out. False when a
     // file could not be read, which the user is told (the others are listed all the same).
@@ -74,6 +76,7 @@ private:
     support::Prompter& m_prompter;
     QList<exchange::AddressBookPerson> m_persons; // a row each, in the table's order
     bool m_desktopRead = false;
+    QThread* m_reader = nullptr; // reads this computer's contacts
     std::chrono::milliseconds m_progressDelay{500};
 
     QLabel* m_desktopHint = nullptr;
