@@ -196,7 +196,8 @@ QWidget* PreferencesWindow::makeDocumentsPage()
         auto* label = new QLabel(DocumentTypes::displayName(type) + u':', copies);
         label->setBuddy(spin);
         form->addRow(label, spin);
-        connect(spin, &QSpinBox::valueChanged, this, [this, key](int value) { store(key, qint64(value)); });
+        connect(spin, &QSpinBox::valueChanged, this,
+                [this, key](int value) { storeSetting(key, qint64(value)); });
     }
     auto* finalising = new QGroupBox(tr("Finalising"), page);
     auto* finalisingLayout = new QVBoxLayout(finalising);
@@ -256,7 +257,7 @@ QComboBox* PreferencesWindow::makeChoice(const QString& key, const QStringList& 
         popup->addItem(captions.at(value), qint64(value));
     popup->setCurrentIndex(popup->findData(setting(key)));
     connect(popup, &QComboBox::activated, this,
-            [this, key, popup](int index) { store(key, popup->itemData(index)); });
+            [this, key, popup](int index) { storeSetting(key, popup->itemData(index)); });
     return popup;
 }
 
@@ -269,7 +270,7 @@ QCheckBox* PreferencesWindow::makeCheck(const QString& key, const QString& capti
     check->setObjectName(key);
     check->setChecked((setting(key) != 0) == onMeansSet);
     connect(check, &QCheckBox::toggled, this,
-            [this, key, onMeansSet](bool on) { store(key, qint64(on == onMeansSet ? 1 : 0)); });
+            [this, key, onMeansSet](bool on) { storeSetting(key, qint64(on == onMeansSet ? 1 : 0)); });
     return check;
 }
 
@@ -278,7 +279,7 @@ qint64 PreferencesWindow::setting(const QString& key)
     return model::CompanySettings(*m_context).setting(key).toLongLong();
 }
 
-bool PreferencesWindow::store(const QString& key, const QVariant& value)
+bool PreferencesWindow::storeSetting(const QString& key, const QVariant& value)
 {
     // The alert that tells a refused save takes the focus, which leaves a field once more.
     if (m_storing)

@@ -61,7 +61,7 @@ private:
     QComboBox* makeChoice(const QString& key, const QStringList& captions, QWidget* parent);
     QCheckBox* makeCheck(const QString& key, const QString& caption, bool onMeansSet, QWidget* parent);
     // Stores one setting; a refused save is told.
-    bool store(const QString& key, const QVariant& value);
+    bool storeSetting(const QString& key, const QVariant& value);
     qint64 setting(const QString& key);
     void showFormat(int type);
     // Stores the typed format of `type` if it changed; false when the database refused it.
