@@ -2,8 +2,11 @@
 
 #include "editors/referencelistmodel.h"
 
+#include <QApplication>
 #include <QComboBox>
 #include <QLineEdit>
+#include <QStyleOptionComboBox>
+#include <algorithm>
 
 namespace corvanta::ui {
 
@@ -111,6 +114,23 @@ void ReferenceListDelegate::setModelData(QWidget* editor, QAbstractItemModel* mo
         return;
     }
     QStyledItemDelegate::setModelData(editor, model, index);
+}
+
+QSize ReferenceListDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const
+{
+    QSize hint = QStyledItemDelegate::sizeHint(option, index);
+    const QStringList choices = choicesOf(index);
+    if (choices.isEmpty())
+        return hint;
+    const QString key = index.data(ReferenceListModel::KeyRole).toString();
+    int widest = 0;
+    for (const QString& choice : choices)
+        widest = std::max(widest, option.fontMetrics.horizontalAdvance(readableChoice(key, choice)));
+    QStyleOptionComboBox box;
+    box.initFrom(option.widget);
+    const QStyle* style = option.widget ? option.widget->style() : QApplication::style();
+    const QSize content(widest, option.fontMetrics.height());
+    return hint.expandedTo(style->sizeFromContents(QStyle::CT_ComboBox, &box, content, option.widget));
 }
 
 void ReferenceListDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const
