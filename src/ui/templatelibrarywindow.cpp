@@ -12,6 +12,7 @@
 
 #include <QCloseEvent>
 #include <QDir>
+#include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QHBoxLayout>
@@ -22,6 +23,7 @@
 #include <QPdfPageNavigator>
 #include <QPdfView>
 #include <QPushButton>
+#include <QSet>
 #include <QSettings>
 #include <QSplitter>
 #include <QStackedWidget>
@@ -65,13 +67,39 @@ QToolButton* toolButton(const char* objectName, const char* icon, const QString&
     return button;
 }
 
-// Whether a save changed something the demo rendering shows: renaming templates and moving the
-// defaults around do not.
+// The business records a user works on all day: the demo rendering makes up its own and reads
+// none of these.
+bool isBusinessRecord(const QString& entity)
+{
+    static const QSet<QString> entities = {s("Documents"),
+                                           s("DocumentRows"),
+                                           s("DocumentSummaries"),
+                                           s("Payments"),
+                                           s("Clients"),
+                                           s("Addresses"),
+                                           s("Contacts"),
+                                           s("Items"),
+                                           s("Warehouse"),
+                                           s("Categories"),
+                                           s("ToDos"),
+                                           s("ReportColumns"),
+                                           s("EmailTemplates"),
+                                           s("DocumentRowNotes"),
+                                           s("Compose")};
+    return entities.contains(entity);
+}
+
+// Whether a save changed something the demo rendering shows: business records, template names
+// and the defaults of the template types do not count.
 bool changesRendering(const store::ChangeSet& changes)
 {
-    if (!changes.inserted.isEmpty() || !changes.deleted.isEmpty())
-        return true;
+    for (const predicate::RecordRef& ref : changes.inserted + changes.deleted) {
+        if (!isBusinessRecord(ref.entity))
+            return true;
+    }
     for (const store::ChangeSet::Update& update : changes.updated) {
+        if (isBusinessRecord(update.ref.entity))
+            continue;
         for (const QString& key : update.keys) {
             const bool name = update.ref.entity == kTemplates && key == QLatin1String("name");
             const bool defaultTemplate = update.ref.entity == QLatin1String("MyCompany") &&
@@ -413,6 +441,8 @@ void TemplateLibraryWindow::updateActions()
 void TemplateLibraryWindow::storeDidSave(const store::ChangeSet& changes, store::EditingContext* origin)
 {
     if (changesRendering(changes)) {
+        for (const QString& path : std::as_const(m_previewFiles))
+            QFile::remove(path);
         m_previewFiles.clear();
         schedulePreview();
     }

@@ -73,6 +73,7 @@ private Q_SLOTS:
     void exportedTemplateImportsAgain();
     void previewShowsTheDemoDocument_data();
     void previewShowsTheDemoDocument();
+    void previewFollowsTheTemplate();
 };
 
 void TemplateLibraryWindowTest::newTemplateIsRenamedInPlace_data()
@@ -244,6 +245,25 @@ void TemplateLibraryWindowTest::previewShowsTheDemoDocument()
     QVERIFY(library.window.selectTemplate(library.defaultOf(defaultKey.toLatin1().constData())->ref()));
     QTRY_VERIFY(library.window.previewDocument()->pageCount() >= 1);
     QCOMPARE(library.window.previewDocument()->status(), QPdfDocument::Status::Ready);
+}
+
+void TemplateLibraryWindowTest::previewFollowsTheTemplate()
+{
+    Library library;
+    Record* invoice = library.defaultOf("default_template_invoice");
+    QVERIFY(library.window.selectTemplate(invoice->ref()));
+    QTRY_VERIFY(library.window.previewDocument()->pageCount() >= 1);
+
+    // A text changed elsewhere is drawn in the preview.
+    Record* text = nullptr;
+    for (Record* element : invoice->relatedList(s("template_elements"))) {
+        if (element->value(s("type")).toString() == s("text") && element->value(s("page_side")).toInt() == 0)
+            text = element;
+    }
+    QVERIFY(text);
+    text->setValue(s("format"), s("Zanzibar Trading"));
+    library.company.save();
+    QTRY_VERIFY(library.window.previewDocument()->getAllText(0).text().contains(s("Zanzibar Trading")));
 }
 
 CORVANTA_UI_TEST_MAIN(TemplateLibraryWindowTest)
