@@ -1,13 +1,21 @@
 // Takes the pictures of the desktop program that docs/ keeps: the main window on a company, the
 // company-databases menu, the sidebar's sheets and the questions, each as the user sees it; with
 // --editors also the editor windows, their sheets and their questions (editorpictures.cpp).
+// --lists also the reference lists, my company, the preferences, the imports, the e-mail
+// templates and the template library (listspictures.cpp, companypictures.cpp, importpictures.cpp,
+// mailpictures.cpp, librarypictures.cpp).
 //
-//   uipictures --database demo.cvdb --out docs/desktop --editors docs/editors
+//   uipictures --database demo.cvdb --out docs/desktop --editors docs/editors --lists docs/lists
 //
 // The program runs on a scratch home folder whose only company is a copy of the given database.
 #include "app/applicationcore.h"
 #include "browse/sidebarmodel.h"
 #include "companies/databaselist.h"
+#include "companypictures.h"
+#include "importpictures.h"
+#include "librarypictures.h"
+#include "listspictures.h"
+#include "mailpictures.h"
 #include "pictures.h"
 #include "predicate/literal.h"
 #include "store/editingcontext.h"
@@ -177,9 +185,12 @@ int main(int argc, char** argv)
                                        s("folder"));
     const QCommandLineOption editorsOption(s("editors"), s("The folder the editor windows' pictures go to."),
                                            s("folder"));
-    parser.addOptions({databaseOption, outOption, editorsOption});
+    const QCommandLineOption listsOption(
+        s("lists"), s("The folder the list windows' and the company windows' pictures go to."), s("folder"));
+    parser.addOptions({databaseOption, outOption, editorsOption, listsOption});
     parser.process(application);
-    if (!parser.isSet(databaseOption) || (!parser.isSet(outOption) && !parser.isSet(editorsOption)))
+    if (!parser.isSet(databaseOption) ||
+        (!parser.isSet(outOption) && !parser.isSet(editorsOption) && !parser.isSet(listsOption)))
         parser.showHelp(1);
 
     QTemporaryDir home;
@@ -218,6 +229,16 @@ int main(int argc, char** argv)
     if (parser.isSet(editorsOption)) {
         uipictures::setFolder(parser.value(editorsOption));
         uipictures::takeEditorPictures(*program.core()->store(), *window);
+    }
+    if (parser.isSet(listsOption)) {
+        uipictures::setFolder(parser.value(listsOption));
+        store::Store& store = *program.core()->store();
+        uipictures::takeReferenceListPictures(store);
+        uipictures::takeImportPictures(store);
+        uipictures::takeMailPictures(store);
+        uipictures::takeLibraryPictures(store);
+        // Last: it fills in the company's own data.
+        uipictures::takeCompanyPictures(store);
     }
     return 0;
 }
