@@ -566,6 +566,7 @@ void TemplateLibraryWindow::schedulePreview()
 void TemplateLibraryWindow::showPreviewMessage(const QString& text)
 {
     m_previewDocument->close();
+    m_shownPreview.clear();
     m_previewMessage->setText(text);
     m_previewStack->setCurrentWidget(m_previewMessage);
 }
@@ -592,11 +593,15 @@ void TemplateLibraryWindow::showPreview()
         }
         m_previewFiles.insert(pk, path);
     }
+    // A reload of the list keeps the page shown as it is.
+    if (path == m_shownPreview && m_previewStack->currentWidget() == m_previewView)
+        return;
     if (m_previewDocument->load(path) != QPdfDocument::Error::None) {
         m_previewFiles.remove(pk);
         showPreviewMessage(tr("The preview cannot be drawn."));
         return;
     }
+    m_shownPreview = path;
     m_previewView->pageNavigator()->jump(0, {}, m_previewView->zoomFactor());
     m_previewStack->setCurrentWidget(m_previewView);
 }

@@ -128,6 +128,7 @@ private:
     QTimer* m_previewTimer = nullptr;
     QTemporaryDir m_previewFolder;
     QHash<qint64, QString> m_previewFiles;
+    QString m_shownPreview;
     int m_previewGeneration = 0;
 };
 
