@@ -127,7 +127,7 @@ TemplateLibraryWindow::TemplateLibraryWindow(store::Store& store, support::Promp
     setProperty(MainWindow::windowKindProperty(), int(app::WindowKind::TemplateLibrary));
     setProperty("canAdd", true);
     setProperty("selectedRowCount", 0);
-    setWindowTitle(tr("Design Templates"));
+    setWindowTitle(tr("Template Library"));
     setWindowIcon(QIcon::fromTheme(s("x-office-document-template")));
 
     auto* splitter = new QSplitter(Qt::Horizontal, this);
@@ -535,7 +535,7 @@ void TemplateLibraryWindow::exportTemplate()
 void TemplateLibraryWindow::importTemplates()
 {
     const QString extension = QFileInfo(TemplateLibrary::exportFileName(s("template"))).suffix();
-    const QStringList files = QFileDialog::getOpenFileNames(this, tr("Import Design Templates"), QString(),
+    const QStringList files = QFileDialog::getOpenFileNames(this, tr("Import Templates"), QString(),
                                                             tr("Design templates (*.%1)").arg(extension));
     if (!files.isEmpty())
         importFiles(files);
