@@ -10,7 +10,9 @@
 #include "support/scriptedprompter.h"
 #include "support/uuid.h"
 
+#include <QAbstractItemModel>
 #include <QApplication>
+#include <QComboBox>
 #include <QTest>
 
 namespace corvanta::ui::testing {
@@ -81,6 +83,54 @@ private:
     support::ScriptedPrompter m_prompter;
     app::ApplicationCore m_core;
 };
+
+// Chooses `text` in a pop-up as the user does: the window reacts to activated(), not to a
+// programmatic change.
+inline void pickText(QComboBox* popup, const QString& text)
+{
+    QVERIFY(popup);
+    const int index = popup->findText(text);
+    QVERIFY2(index >= 0, qPrintable(text + s(" is not offered")));
+    popup->setCurrentIndex(index);
+    Q_EMIT popup->activated(index);
+}
+
+// Every question asked, as "title | text | buttons/joined".
+inline QStringList askedLines(const support::ScriptedPrompter& prompter)
+{
+    QStringList result;
+    for (const support::ScriptedPrompter::Question& question : prompter.questions())
+        result << QStringList{question.title, question.text, question.buttons.join(u'/')}.join(s(" | "));
+    return result;
+}
+
+// The model's rows, cells joined by "|".
+inline QStringList modelRows(const QAbstractItemModel& model)
+{
+    QStringList rows;
+    for (int row = 0; row < model.rowCount(); ++row) {
+        QStringList cells;
+        for (int column = 0; column < model.columnCount(); ++column)
+            cells << model.index(row, column).data().toString();
+        rows << cells.join(u'|');
+    }
+    return rows;
+}
+
+inline QStringList columnTitles(const QAbstractItemModel& model)
+{
+    QStringList titles;
+    for (int column = 0; column < model.columnCount(); ++column)
+        titles << model.headerData(column, Qt::Horizontal).toString();
+    return titles;
+}
+
+// The alert shown when another program holds the company database's write lock.
+inline QString databaseInUseText(store::Store& store)
+{
+    return s("The company database \"%1\" is in use by another program: it could not be saved.")
+        .arg(store.path());
+}
 
 // QtWebEngine shares its GL contexts with the windows: the attribute must be set before the
 // application object exists.
