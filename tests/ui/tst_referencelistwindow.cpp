@@ -26,26 +26,10 @@ using Type = ReferenceListType;
 
 Q_DECLARE_METATYPE(ReferenceListType)
 
-// The reference list windows and the custom fields window on a real company: what the buttons
-// and cells do, the refusals as the user reads them, and an open document editor following.
+// The reference list and custom field windows on a real company.
 class tst_ReferenceListWindow : public QObject
 {
     Q_OBJECT
-
-private Q_SLOTS:
-    void init() { m_company = std::make_unique<UiCompany>(); }
-    void cleanup();
-    void everyList_data();
-    void everyList();
-    void deleteFromTheMinusButton_data();
-    void deleteFromTheMinusButton();
-    void defaultTickMoves();
-    void currencySampleFollowsEdits_data();
-    void currencySampleFollowsEdits();
-    void documentEditorFollows_data();
-    void documentEditorFollows();
-    void customFieldLabel_data();
-    void customFieldLabel();
 
 private:
     ReferenceListWindow* open(Type type)
@@ -89,266 +73,240 @@ private:
 
     std::unique_ptr<UiCompany> m_company;
     QList<QPointer<QWidget>> m_windows;
-};
 
-void tst_ReferenceListWindow::cleanup()
-{
-    for (const QPointer<QWidget>& window : std::as_const(m_windows))
-        delete window.data();
-    m_windows.clear();
-    m_company.reset();
-}
-
-void tst_ReferenceListWindow::everyList_data()
-{
-    QTest::addColumn<Type>("type");
-    QTest::addColumn<QString>("title");
-    QTest::addColumn<QString>("columns");
-    QTest::addColumn<int>("kind");
-    const auto row = [](Type type, const char* title, const char* columns, app::WindowKind kind) {
-        QTest::newRow(title) << type << s(title) << s(columns) << int(kind);
-    };
-    row(Type::Taxes, "Taxes", "Name|Rate 1|Rate 2|Cumulative|Default", app::WindowKind::TaxesList);
-    row(Type::Units, "Units", "Name|Default", app::WindowKind::UnitsList);
-    row(Type::Banks, "Banks", "Line 1|Line 2|Line 3|Default", app::WindowKind::BanksList);
-    row(Type::DueDays, "Due Days", "Name|Days|Business Days|Default", app::WindowKind::DueDaysList);
-    row(Type::PaymentTypes, "Payment Types", "Name|Default", app::WindowKind::PaymentTypesList);
-    row(Type::Currencies, "Currencies",
-        "Code|Symbol|Symbol Format|Grouping Separator|Decimal Separator|Digits|Fixed "
-        "Digits|Selectable|Sample|"
-        "Default",
-        app::WindowKind::Other);
-}
-
-// Title, columns and kind of each list; "+" opens the new record's naming cell with " New " and
-// the copy is named "<name> Copy". Currencies are neither added nor copied.
-void tst_ReferenceListWindow::everyList()
-{
-    QFETCH(Type, type);
-    QFETCH(QString, title);
-    QFETCH(QString, columns);
-    QFETCH(int, kind);
-    ReferenceListWindow* window = open(type);
-    QCOMPARE(window->windowTitle(), title);
-    QCOMPARE(window->property(ui::MainWindow::windowKindProperty()).toInt(), kind);
-    QStringList titles;
-    for (int c = 0; c < window->model().columnCount(); ++c)
-        titles << window->model().headerData(c, Qt::Horizontal).toString();
-    QCOMPARE(titles.join(u'|'), columns);
-
-    const bool changeable = type != Type::Currencies;
-    QCOMPARE(window->property("canAdd").toBool(), changeable);
-    QCOMPARE(window->findChild<QToolButton*>(s("addButton"))->isVisible(), changeable);
-    const int rows = window->model().rowCount();
-    if (!changeable) {
-        window->addRow();
-        window->duplicateRow();
-        QCOMPARE(window->model().rowCount(), rows);
-        return;
+private Q_SLOTS:
+    void init() { m_company = std::make_unique<UiCompany>(); }
+    void cleanup()
+    {
+        qDeleteAll(m_windows);
+        m_windows.clear();
+        m_company.reset();
     }
-    window->findChild<QToolButton*>(s("addButton"))->click();
-    QCOMPARE(window->model().rowCount(), rows + 1);
-    QCOMPARE(window->view()->currentIndex().column(), window->model().namingColumn());
-    QCOMPARE(window->property("selectedRowCount").toInt(), 1);
-    auto* edit = cellEditor<QLineEdit>(window->view());
-    QVERIFY(edit);
-    QCOMPARE(edit->text(), s(" New "));
 
-    typeIn(window->view(), s("Harbour"));
-    window->findChild<QToolButton*>(s("duplicateButton"))->click();
-    edit = cellEditor<QLineEdit>(window->view());
-    QVERIFY(edit);
-    QCOMPARE(edit->text(), s("Harbour Copy"));
-    const QString entity = window->editor().list().entity();
-    const QString key = window->editor().list().namingKey();
-    QVERIFY(m_company->named(qPrintable(entity), key, s("Harbour")));
-    QVERIFY(m_company->named(qPrintable(entity), key, s("Harbour Copy")));
-}
+    void everyList_data()
+    {
+        QTest::addColumn<Type>("type");
+        QTest::addColumn<QString>("columns");
+        QTest::newRow("taxes") << Type::Taxes << s("Name|Rate 1|Rate 2|Cumulative|Default");
+        QTest::newRow("units") << Type::Units << s("Name|Default");
+        QTest::newRow("banks") << Type::Banks << s("Line 1|Line 2|Line 3|Default");
+        QTest::newRow("due days") << Type::DueDays << s("Name|Days|Business Days|Default");
+        QTest::newRow("payment types") << Type::PaymentTypes << s("Name|Default");
+        QTest::newRow("currencies")
+            << Type::Currencies
+            << s("Code|Symbol|Symbol Format|Grouping Separator|Decimal Separator|Digits|"
+                 "Fixed Digits|Selectable|Sample|Default");
+    }
 
-void tst_ReferenceListWindow::deleteFromTheMinusButton_data()
-{
-    QTest::addColumn<int>("rowsUsing"); // -1: the company's default tax
-    QTest::addColumn<QString>("text");  // the refusal, empty when the tax goes
-    QTest::newRow("in use in three lines")
-        << 3 << s("The chosen tax cannot be deleted, because it is in use in 3 document lines.");
-    QTest::newRow("the default") << -1 << s("The chosen tax cannot be deleted, because it is a default tax.");
-    QTest::newRow("unused") << 0 << QString();
-}
-
-void tst_ReferenceListWindow::deleteFromTheMinusButton()
-{
-    QFETCH(int, rowsUsing);
-    QFETCH(QString, text);
-    Record* tax = model::CompanyRecord::defaultRecord(m_company->main(), s("default_tax"));
-    if (rowsUsing >= 0) {
-        tax = m_company->main().insertRecord(s("Taxes"), {{s("name"), s("Luxury")}, {s("rate1"), 33.0}});
-        // Two lines of one invoice and one of another: lines are counted, not documents.
-        Record* documents[] = {m_company->addInvoice(s("A-1"), 0), m_company->addInvoice(s("A-2"), 0)};
-        for (int i = 0; i < rowsUsing; ++i) {
-            Record* row = m_company->main().insertRecord(s("DocumentRows"), {{s("name"), s("Row")}});
-            row->setRelated(s("document"), documents[i % 2]);
-            row->setRelated(s("tax"), tax);
+    // "+" opens the new record's naming cell with " New "; the copy is named "<name> Copy".
+    // Currencies are neither added nor copied.
+    void everyList()
+    {
+        QFETCH(Type, type);
+        QFETCH(QString, columns);
+        ReferenceListWindow* window = open(type);
+        QCOMPARE(columnTitles(window->model()).join(u'|'), columns);
+        const bool changeable = type != Type::Currencies;
+        QCOMPARE(window->property("canAdd").toBool(), changeable);
+        QCOMPARE(window->findChild<QToolButton*>(s("addButton"))->isVisible(), changeable);
+        const int rows = window->model().rowCount();
+        if (!changeable) {
+            window->addRow();
+            window->duplicateRow();
+            QCOMPARE(window->model().rowCount(), rows);
+            return;
         }
-        m_company->save();
+        window->findChild<QToolButton*>(s("addButton"))->click();
+        QCOMPARE(window->model().rowCount(), rows + 1);
+        QCOMPARE(window->property("selectedRowCount").toInt(), 1);
+        auto* edit = cellEditor<QLineEdit>(window->view());
+        QVERIFY(edit);
+        QCOMPARE(edit->text(), s(" New "));
+        typeIn(window->view(), s("Harbour"));
+        window->findChild<QToolButton*>(s("duplicateButton"))->click();
+        edit = cellEditor<QLineEdit>(window->view());
+        QVERIFY(edit);
+        QCOMPARE(edit->text(), s("Harbour Copy"));
+        const QString entity = window->editor().list().entity();
+        const QString key = window->editor().list().namingKey();
+        QVERIFY(m_company->named(qPrintable(entity), key, s("Harbour")));
+        QVERIFY(m_company->named(qPrintable(entity), key, s("Harbour Copy")));
     }
-    const predicate::RecordRef ref = tax->ref();
-    ReferenceListWindow* window = open(Type::Taxes);
-    QVERIFY(window->selectRecord(window->editor().context().record(ref)));
-    m_company->prompter().clear();
-    window->findChild<QToolButton*>(s("removeButton"))->click();
 
-    const QList<support::ScriptedPrompter::Question>& asked = m_company->prompter().questions();
-    QCOMPARE(asked.size(), text.isEmpty() ? 0 : 1);
-    QCOMPARE(m_company->main().fetchRecord(s("Taxes"), ref) != nullptr, !text.isEmpty());
-    if (text.isEmpty())
-        return;
-    QCOMPARE(asked.first().title, s("Tax cannot be deleted"));
-    QCOMPARE(asked.first().text, text);
-    QCOMPARE(asked.first().buttons, QStringList{s("OK")});
-}
+    void deleteFromTheMinusButton_data()
+    {
+        QTest::addColumn<int>("rowsUsing"); // -1: the company's default tax
+        QTest::addColumn<QString>("text");  // the refusal, empty when the tax goes
+        QTest::newRow("in use in three lines")
+            << 3 << s("The chosen tax cannot be deleted, because it is in use in 3 document lines.");
+        QTest::newRow("the default") << -1
+                                     << s("The chosen tax cannot be deleted, because it is a default tax.");
+        QTest::newRow("unused") << 0 << QString();
+    }
 
-// Ticking another row's default makes it the company's, unticks the old one and keeps the row
-// selected.
-void tst_ReferenceListWindow::defaultTickMoves()
-{
-    const Record* before = model::CompanyRecord::defaultRecord(m_company->main(), s("default_unit"));
-    ReferenceListWindow* window = open(Type::Units);
-    addNamed(window, s("Pallet"));
-    Record* pallet = window->selectedRecord();
-    QVERIFY(pallet);
-    const int defaultColumn = window->model().defaultColumn();
-    window->view()->setCurrentIndex(window->model().indexOf(pallet, defaultColumn));
-    QTest::keyClick(window->view(), Qt::Key_Space);
+    void deleteFromTheMinusButton()
+    {
+        QFETCH(int, rowsUsing);
+        QFETCH(QString, text);
+        Record* tax = model::CompanyRecord::defaultRecord(m_company->main(), s("default_tax"));
+        if (rowsUsing >= 0) {
+            tax = m_company->main().insertRecord(s("Taxes"), {{s("name"), s("Luxury")}, {s("rate1"), 33.0}});
+            // Two lines of one invoice and one of another: lines are counted, not documents.
+            Record* documents[] = {m_company->addInvoice(s("A-1"), 0), m_company->addInvoice(s("A-2"), 0)};
+            for (int i = 0; i < rowsUsing; ++i) {
+                Record* row = m_company->main().insertRecord(s("DocumentRows"), {{s("name"), s("Row")}});
+                row->setRelated(s("document"), documents[i % 2]);
+                row->setRelated(s("tax"), tax);
+            }
+            m_company->save();
+        }
+        const predicate::RecordRef ref = tax->ref();
+        ReferenceListWindow* window = open(Type::Taxes);
+        QVERIFY(window->selectRecord(window->editor().context().record(ref)));
+        m_company->prompter().clear();
+        window->findChild<QToolButton*>(s("removeButton"))->click();
+        QCOMPARE(askedLines(m_company->prompter()),
+                 text.isEmpty() ? QStringList()
+                                : QStringList{s("Tax cannot be deleted | ") + text + s(" | OK")});
+        QCOMPARE(m_company->main().fetchRecord(s("Taxes"), ref) != nullptr, !text.isEmpty());
+    }
 
-    const Record* after = model::CompanyRecord::defaultRecord(m_company->main(), s("default_unit"));
-    QVERIFY(after);
-    QCOMPARE(after->value(s("name")).toString(), s("Pallet"));
-    QCOMPARE(window->model().indexOf(pallet, defaultColumn).data(Qt::CheckStateRole).toInt(),
-             int(Qt::Checked));
-    const Record* old = window->editor().context().record(before->ref());
-    QCOMPARE(window->model().indexOf(old, defaultColumn).data(Qt::CheckStateRole).toInt(),
-             int(Qt::Unchecked));
-    QCOMPARE(window->selectedRecord(), pallet);
-}
-
-void tst_ReferenceListWindow::currencySampleFollowsEdits_data()
-{
-    QTest::addColumn<QString>("key");
-    QTest::addColumn<QString>("value"); // typed, chosen, or ticked with Space
-    QTest::addColumn<QString>("sample");
-    QTest::newRow("digits typed") << s("digits") << s("3") << s("$12,345.679");
-    QTest::newRow("placement chosen") << s("symbol_format") << s("sr") << s("12,345.68 $");
-    QTest::newRow("grouping chosen") << s("grouping_separator") << s("none") << s("$12345.68");
-    QTest::newRow("fixed digits ticked") << s("show_fixed_digits") << QString() << s("$12,345.60");
-}
-
-// The sample of the default currency (US dollar: "$" before, "," and ".", two digits) changes
-// as soon as the cell is left.
-void tst_ReferenceListWindow::currencySampleFollowsEdits()
-{
-    QFETCH(QString, key);
-    QFETCH(QString, value);
-    QFETCH(QString, sample);
-    ReferenceListWindow* window = open(Type::Currencies);
-    Record* dollar = window->editor().defaultCurrency();
-    QCOMPARE(dollar->value(s("code")).toString(), s("USD"));
-    const QModelIndex cell = window->model().indexOf(dollar, column(window, key));
-    window->view()->setCurrentIndex(cell);
-    if (value.isEmpty()) {
+    // Ticking another row's default makes it the company's, unticks the old one and keeps the row
+    // selected.
+    void defaultTickMoves()
+    {
+        const Record* before = model::CompanyRecord::defaultRecord(m_company->main(), s("default_unit"));
+        ReferenceListWindow* window = open(Type::Units);
+        addNamed(window, s("Pallet"));
+        Record* pallet = window->selectedRecord();
+        QVERIFY(pallet);
+        const auto tick = [window](const Record* record) {
+            return window->model().indexOf(record, window->model().defaultColumn());
+        };
+        window->view()->setCurrentIndex(tick(pallet));
         QTest::keyClick(window->view(), Qt::Key_Space);
-    } else if (window->view()->edit(cell); auto* chooser = cellEditor<QComboBox>(window->view())) {
-        chooser->setCurrentIndex(chooser->findData(value));
-        QTest::keyClick(chooser, Qt::Key_Return);
-        QCoreApplication::processEvents();
-    } else {
-        typeIn(window->view(), value);
-    }
-    QCOMPARE(window->model().indexOf(dollar, column(window, s("sample"))).data().toString(), sample);
-    QCOMPARE(m_company->named("Currencies", s("code"), s("USD"))->value(s("sample")).toString(), sample);
-}
-
-void tst_ReferenceListWindow::documentEditorFollows_data()
-{
-    QTest::addColumn<Type>("type");
-    QTest::addColumn<QString>("chooser"); // empty: the tax pop-up of the first row
-    QTest::addColumn<QString>("name");
-    QTest::newRow("tax") << Type::Taxes << QString() << s("Reduced 7");
-    QTest::newRow("payment type") << Type::PaymentTypes << s("paymentTypeChooser") << s("Barter");
-    QTest::newRow("bank") << Type::Banks << s("bankChooser") << s("Harbour Bank");
-    QTest::newRow("currency made selectable") << Type::Currencies << s("currencyChooser") << s("JPY");
-}
-
-// A record added in a list window, or a currency made selectable there, is offered by a document
-// editor that was open before.
-void tst_ReferenceListWindow::documentEditorFollows()
-{
-    QFETCH(Type, type);
-    QFETCH(QString, chooser);
-    QFETCH(QString, name);
-    ui::OpenEditors openEditors;
-    auto* editor = new ui::DocumentEditorWindow(m_company->store(), m_company->prompter(), openEditors);
-    m_windows << editor;
-    QVERIFY(editor->newDocument(0));
-    editor->show();
-
-    ReferenceListWindow* window = open(type);
-    if (type == Type::Currencies) {
-        Record* yen = window->editor().context().fetchFirst(
-            store::FetchRequest(s("Currencies"), predicate::literal("code == 'JPY'")));
-        QVERIFY(yen);
-        window->view()->setCurrentIndex(window->model().indexOf(yen, column(window, s("selectable"))));
-        QTest::keyClick(window->view(), Qt::Key_Space);
-    } else {
-        addNamed(window, name);
+        QCOMPARE(model::CompanyRecord::defaultRecord(m_company->main(), s("default_unit"))->value(s("name")),
+                 QVariant(s("Pallet")));
+        QCOMPARE(tick(pallet).data(Qt::CheckStateRole).toInt(), int(Qt::Checked));
+        const Record* old = window->editor().context().record(before->ref());
+        QCOMPARE(tick(old).data(Qt::CheckStateRole).toInt(), int(Qt::Unchecked));
+        QCOMPARE(window->selectedRecord(), pallet);
     }
 
-    QComboBox* offered = nullptr;
-    if (chooser.isEmpty()) {
-        editor->addRow();
-        auto* rows = editor->findChild<QTableView*>(s("rowsView"));
-        rows->setCurrentIndex(rows->model()->index(0, ui::DocumentRowsModel::Tax));
-        rows->edit(rows->currentIndex());
-        offered = cellEditor<QComboBox>(rows);
-    } else {
-        offered = editor->findChild<QComboBox*>(chooser);
+    void currencySampleFollowsEdits_data()
+    {
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QString>("value"); // typed, chosen, or ticked with Space
+        QTest::addColumn<QString>("sample");
+        QTest::newRow("digits typed") << s("digits") << s("3") << s("$12,345.679");
+        QTest::newRow("placement chosen") << s("symbol_format") << s("sr") << s("12,345.68 $");
+        QTest::newRow("fixed digits ticked") << s("show_fixed_digits") << QString() << s("$12,345.60");
     }
-    QVERIFY(offered);
-    QVERIFY2(offered->findText(name) >= 0, qPrintable(name));
-}
 
-void tst_ReferenceListWindow::customFieldLabel_data()
-{
-    QTest::addColumn<QString>("typed");
-    QTest::addColumn<QVariant>("stored");
-    QTest::addColumn<QString>("shown");
-    QTest::newRow("named") << s("Birthday") << QVariant(s("Birthday")) << s("Birthday");
-    QTest::newRow("emptied") << QString() << QVariant() << s("Custom 3");
-    QTest::newRow("blanks only") << s("   ") << QVariant() << s("Custom 3");
-}
+    // The sample of the default currency (US dollar: "$" before, "," and ".", two digits) changes
+    // as soon as the cell is left.
+    void currencySampleFollowsEdits()
+    {
+        QFETCH(QString, key);
+        QFETCH(QString, value);
+        QFETCH(QString, sample);
+        ReferenceListWindow* window = open(Type::Currencies);
+        Record* dollar = window->editor().defaultCurrency();
+        const QModelIndex cell = window->model().indexOf(dollar, column(window, key));
+        window->view()->setCurrentIndex(cell);
+        if (value.isEmpty()) {
+            QTest::keyClick(window->view(), Qt::Key_Space);
+        } else if (window->view()->edit(cell); auto* chooser = cellEditor<QComboBox>(window->view())) {
+            chooser->setCurrentIndex(chooser->findData(value));
+            QTest::keyClick(chooser, Qt::Key_Return);
+            QCoreApplication::processEvents();
+        } else {
+            typeIn(window->view(), value);
+        }
+        QCOMPARE(window->model().indexOf(dollar, column(window, s("sample"))).data().toString(), sample);
+        QCOMPARE(m_company->named("Currencies", s("code"), s("USD"))->value(s("sample")).toString(), sample);
+    }
 
-// A client field's label is saved as soon as it is typed; emptied, the field shows its readable
-// name and stays listed in a window opened later.
-void tst_ReferenceListWindow::customFieldLabel()
-{
-    QFETCH(QString, typed);
-    QFETCH(QVariant, stored);
-    QFETCH(QString, shown);
-    const auto clientsView = [this] {
-        auto* window = new ui::CustomFieldsWindow(m_company->store(), m_company->prompter());
-        m_windows << window;
-        window->show();
-        return window->view(ui::CustomFieldsWindow::Clients);
-    };
-    QTableView* view = clientsView();
-    QCOMPARE(view->model()->index(2, editors::CustomFieldsModel::Field).data().toString(), s("Custom 3"));
-    view->setCurrentIndex(view->model()->index(2, editors::CustomFieldsModel::Label));
-    view->edit(view->currentIndex());
-    typeIn(view, typed);
-    QCOMPARE(view->currentIndex().data().toString(), shown);
-    QCOMPARE(m_company->named("Compose", s("name"), s("client_custom03"))->value(s("label")), stored);
-    // Listed again, by its label or its readable name, in a window opened later.
-    QCOMPARE(clientsView()->model()->index(2, editors::CustomFieldsModel::Label).data().toString(), shown);
-}
+    void documentEditorFollows_data()
+    {
+        QTest::addColumn<Type>("type");
+        QTest::addColumn<QString>("chooser"); // empty: the tax pop-up of the first row
+        QTest::addColumn<QString>("name");
+        QTest::newRow("tax") << Type::Taxes << QString() << s("Reduced 7");
+        QTest::newRow("payment type") << Type::PaymentTypes << s("paymentTypeChooser") << s("Barter");
+        QTest::newRow("bank") << Type::Banks << s("bankChooser") << s("Harbour Bank");
+        QTest::newRow("currency made selectable") << Type::Currencies << s("currencyChooser") << s("JPY");
+    }
+
+    // A record added in a list window, or a currency made selectable there, is offered by a document
+    // editor that was open before.
+    void documentEditorFollows()
+    {
+        QFETCH(Type, type);
+        QFETCH(QString, chooser);
+        QFETCH(QString, name);
+        ui::OpenEditors openEditors;
+        auto* editor = new ui::DocumentEditorWindow(m_company->store(), m_company->prompter(), openEditors);
+        m_windows << editor;
+        QVERIFY(editor->newDocument(0));
+        editor->show();
+        ReferenceListWindow* window = open(type);
+        if (type == Type::Currencies) {
+            const Record* yen =
+                window->editor().context().record(m_company->named("Currencies", s("code"), s("JPY"))->ref());
+            window->view()->setCurrentIndex(window->model().indexOf(yen, column(window, s("selectable"))));
+            QTest::keyClick(window->view(), Qt::Key_Space);
+        } else {
+            addNamed(window, name);
+        }
+        QComboBox* offered = nullptr;
+        if (chooser.isEmpty()) {
+            editor->addRow();
+            auto* rows = editor->findChild<QTableView*>(s("rowsView"));
+            rows->setCurrentIndex(rows->model()->index(0, ui::DocumentRowsModel::Tax));
+            rows->edit(rows->currentIndex());
+            offered = cellEditor<QComboBox>(rows);
+        } else {
+            offered = editor->findChild<QComboBox*>(chooser);
+        }
+        QVERIFY(offered);
+        QVERIFY2(offered->findText(name) >= 0, qPrintable(name));
+    }
+
+    void customFieldLabel_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QVariant>("stored");
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("named") << s("Birthday") << QVariant(s("Birthday")) << s("Birthday");
+        QTest::newRow("emptied") << QString() << QVariant() << s("Custom 3");
+        QTest::newRow("blanks only") << s("   ") << QVariant() << s("Custom 3");
+    }
+
+    // A client field's label is saved as soon as it is typed; emptied, the field shows its readable
+    // name and stays listed in a window opened later.
+    void customFieldLabel()
+    {
+        QFETCH(QString, typed);
+        QFETCH(QVariant, stored);
+        QFETCH(QString, shown);
+        const auto clientsView = [this] {
+            auto* window = new ui::CustomFieldsWindow(m_company->store(), m_company->prompter());
+            m_windows << window;
+            window->show();
+            return window->view(ui::CustomFieldsWindow::Clients);
+        };
+        QTableView* view = clientsView();
+        view->setCurrentIndex(view->model()->index(2, editors::CustomFieldsModel::Label));
+        view->edit(view->currentIndex());
+        typeIn(view, typed);
+        QCOMPARE(view->currentIndex().data().toString(), shown);
+        QCOMPARE(m_company->named("Compose", s("name"), s("client_custom03"))->value(s("label")), stored);
+        // Listed again, by its label or its readable name, in a window opened later.
+        QCOMPARE(clientsView()->model()->index(2, editors::CustomFieldsModel::Label).data().toString(),
+                 shown);
+    }
+};
 
 CORVANTA_UI_TEST_MAIN(tst_ReferenceListWindow)
 #include "tst_referencelistwindow.moc"
