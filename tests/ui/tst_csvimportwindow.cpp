@@ -144,7 +144,6 @@ private Q_SLOTS:
         QCOMPARE(askedLines(m_company->prompter()),
                  QStringList{s("Import Clients | 2 clients successfully added. | OK")});
         QTRY_VERIFY(!window);
-
         // The columns went where the header put them; the tag chosen was given.
         const Record* acme = m_company->named("Clients", s("company_name"), s("Acme Ltd"));
         QVERIFY(acme && acme->related(s("default_address")));
@@ -171,7 +170,6 @@ private Q_SLOTS:
         QCOMPARE(askedLines(m_company->prompter()),
                  QStringList{s("Import Items | 2 items successfully added. | OK")});
         QTRY_VERIFY(!window);
-
         const Record* widget = m_company->named("Items", s("name"), s("Widget"));
         QVERIFY(widget);
         QCOMPARE(widget->value(s("unit_price")).toDouble(), 1234.5);

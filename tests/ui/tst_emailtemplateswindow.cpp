@@ -103,7 +103,6 @@ private Q_SLOTS:
         if (!answer.isEmpty())
             m_company->prompter().addAnswer(answer);
         QVERIFY(QMetaObject::invokeMethod(m_window, command.toLatin1().constData()));
-
         QCOMPARE(storedTemplates(m_company->store()), stored);
         QCOMPARE(askedLines(m_company->prompter()), questions);
         QCOMPARE(table()->rowCount(), stored.size());
@@ -186,7 +185,6 @@ private Q_SLOTS:
         QCOMPARE(table()->item(1, 1)->checkState(), Qt::Checked);
         QCOMPARE(storedTemplates(m_company->store()),
                  (QStringList{s("Empty Template |  | "), s("*Reminder | Open invoice | Dear @ClientName")}));
-
         QVERIFY(m_window->selectTemplate(s("Reminder")));
         table()->item(1, 0)->setText(s("A Reminder"));
         QCOMPARE(storedTemplates(m_company->store()).constFirst(),

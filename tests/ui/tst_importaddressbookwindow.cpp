@@ -102,7 +102,6 @@ private Q_SLOTS:
         QVERIFY(
             m_window->findChild<QLabel*>(s("desktopHint"))->text().startsWith(s("No contacts were found")));
         QVERIFY(m_company->prompter().questions().isEmpty());
-
         // A file without a card is told.
         const QString empty = m_dir.filePath(s("empty.vcf"));
         QVERIFY(QFile(empty).open(QIODevice::WriteOnly));
@@ -137,7 +136,6 @@ private Q_SLOTS:
             m_window->findChild<QLineEdit*>(s("searchEdit"))->clear();
         }
         QTest::mouseClick(m_window->findChild<QPushButton*>(s("importButton")), Qt::LeftButton);
-
         QCOMPARE(storedClients(m_company->store()), clients);
         QCOMPARE(m_company->prompter().titles(), QStringList{s("Import Address Book")});
         QCOMPARE(m_company->prompter().questions().first().text,

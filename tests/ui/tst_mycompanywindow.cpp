@@ -125,7 +125,6 @@ private Q_SLOTS:
         QCOMPARE(m_company->prompter().titles(), QStringList{databaseInUseText(m_company->store())});
         QCOMPARE(edit->text(), s("Harbour Lights"));
         QCOMPARE(stored(s("name")).toString(), s("My Company"));
-
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression(s("^Saving .* failed: database is locked")));
         QVERIFY(!m_window->close());
         QVERIFY(m_window && m_window->isVisible());

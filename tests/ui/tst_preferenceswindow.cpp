@@ -99,7 +99,6 @@ private Q_SLOTS:
             entries << action->text();
         QCOMPARE(entries, offered);
         button->menu()->actions().at(chosen)->trigger();
-
         QCOMPARE(child<QLineEdit>(s("formatEdit_invoice"))->text(), format);
         QCOMPARE(child<QLabel>(s("sample_invoice"))->text(), sample);
         QCOMPARE(setting("number_format_invoice").toString(), format);
