@@ -1,4 +1,3 @@
-#include "app/commandrules.h"
 #include "editors/customfieldsmodel.h"
 #include "editors/referencelisteditor.h"
 #include "editors/referencelistmodel.h"
@@ -6,13 +5,11 @@
 #include "ui/customfieldswindow.h"
 #include "ui/documenteditorwindow.h"
 #include "ui/documentrowsmodel.h"
-#include "ui/mainwindow.h"
 #include "ui/openeditors.h"
 #include "ui/referencelistwindow.h"
 #include "uitestsupport.h"
 
 #include <QComboBox>
-#include <QHeaderView>
 #include <QLineEdit>
 #include <QTableView>
 #include <QToolButton>

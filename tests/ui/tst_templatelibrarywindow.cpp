@@ -1,6 +1,5 @@
 #include "companies/databasemanager.h"
 #include "model/companyrecord.h"
-#include "templates/templatelibrary.h"
 #include "ui/templatelibrarywindow.h"
 #include "uitestsupport.h"
 
