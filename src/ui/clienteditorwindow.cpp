@@ -10,6 +10,7 @@
 #include "store/record.h"
 #include "taglabel.h"
 #include "tagspopover.h"
+#include "windowplacement.h"
 
 #include <QCloseEvent>
 #include <QComboBox>
@@ -20,7 +21,6 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QSettings>
 #include <QSpinBox>
 #include <QTabWidget>
 #include <QVBoxLayout>
@@ -35,12 +35,6 @@ namespace {
 QString s(const char* text)
 {
     return QString::fromLatin1(text);
-}
-
-// The settings group of the window's size and position.
-QString layoutKey()
-{
-    return QStringLiteral("ClientEditorWindow/geometry");
 }
 
 QString joined(const Record* record, std::initializer_list<const char*> keys, const QString& separator)
@@ -517,15 +511,13 @@ void ClientEditorWindow::closeEvent(QCloseEvent* event)
 
 void ClientEditorWindow::restoreLayout()
 {
-    const QSettings settings(s("corvanta"), s("desktop"));
-    if (!restoreGeometry(settings.value(layoutKey()).toByteArray()))
+    if (!WindowPlacement::restore(this))
         resize(sizeHint().expandedTo(QSize(fontMetrics().height() * 42, fontMetrics().height() * 36)));
 }
 
 void ClientEditorWindow::saveLayout() const
 {
-    QSettings settings(s("corvanta"), s("desktop"));
-    settings.setValue(layoutKey(), saveGeometry());
+    WindowPlacement::save(this);
 }
 
 } // namespace corvanta::ui

@@ -10,6 +10,7 @@
 #include "store/fetchrequest.h"
 #include "store/record.h"
 #include "store/store.h"
+#include "windowplacement.h"
 
 #include <QCloseEvent>
 #include <QComboBox>
@@ -24,7 +25,6 @@
 #include <QProgressDialog>
 #include <QPushButton>
 #include <QScrollBar>
-#include <QSettings>
 #include <QStandardItemModel>
 #include <QTableView>
 #include <QToolButton>
@@ -46,11 +46,6 @@ constexpr int kColumnWidth = 100;
 // sooner when this much time went by.
 constexpr qsizetype kRowsBetweenEvents = 100;
 constexpr qint64 kMillisecondsBetweenEvents = 50;
-
-QSettings windowSettings()
-{
-    return QSettings(QStringLiteral("corvanta"), QStringLiteral("desktop"));
-}
 
 QString linesText(qsizetype count)
 {
@@ -190,7 +185,7 @@ CsvImportWindow::~CsvImportWindow() = default;
 
 void CsvImportWindow::restoreWindowGeometry()
 {
-    if (!restoreGeometry(windowSettings().value(objectName() + s("/geometry")).toByteArray()))
+    if (!WindowPlacement::restore(this))
         resize(fontMetrics().averageCharWidth() * 120, fontMetrics().height() * 36);
 }
 
@@ -331,7 +326,7 @@ bool CsvImportWindow::eventFilter(QObject* watched, QEvent* event)
 
 void CsvImportWindow::closeEvent(QCloseEvent* event)
 {
-    windowSettings().setValue(objectName() + s("/geometry"), saveGeometry());
+    WindowPlacement::save(this);
     QWidget::closeEvent(event);
 }
 

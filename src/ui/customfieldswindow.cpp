@@ -5,11 +5,11 @@
 #include "mainwindow.h"
 #include "store/editingcontext.h"
 #include "store/store.h"
+#include "windowplacement.h"
 
 #include <QAbstractItemDelegate>
 #include <QCloseEvent>
 #include <QHeaderView>
-#include <QSettings>
 #include <QStyle>
 #include <QTabWidget>
 #include <QTableView>
@@ -24,11 +24,6 @@ namespace {
 QString s(const char* text)
 {
     return QString::fromLatin1(text);
-}
-
-QString geometryKey()
-{
-    return s("CustomFieldsWindow/geometry");
 }
 
 } // namespace
@@ -83,8 +78,7 @@ CustomFieldsWindow::CustomFieldsWindow(store::Store& store, support::Prompter& p
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(m_tabs);
 
-    const QSettings settings(s("corvanta"), s("desktop"));
-    if (!restoreGeometry(settings.value(geometryKey()).toByteArray()))
+    if (!WindowPlacement::restore(this))
         resize(fontMetrics().averageCharWidth() * 70, fontMetrics().lineSpacing() * 26);
 }
 
@@ -103,7 +97,7 @@ void CustomFieldsWindow::closeEvent(QCloseEvent* event)
         if (QWidget* editor = view->indexWidget(view->currentIndex()))
             Q_EMIT view->itemDelegate()->commitData(editor);
     }
-    QSettings(s("corvanta"), s("desktop")).setValue(geometryKey(), saveGeometry());
+    WindowPlacement::save(this);
     event->accept();
 }
 

@@ -22,6 +22,7 @@
 #include "store/store.h"
 #include "support/prompter.h"
 #include "tagspopover.h"
+#include "windowplacement.h"
 
 #include <QAction>
 #include <QButtonGroup>
@@ -39,7 +40,6 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScopedValueRollback>
-#include <QSettings>
 #include <QStringListModel>
 #include <QStyle>
 #include <QTabWidget>
@@ -150,8 +150,7 @@ DocumentEditorWindow::DocumentEditorWindow(store::Store& store, support::Prompte
 
     openEditors.addDocumentEditor(this, m_controller.get());
 
-    const QSettings settings(s("corvanta"), s("desktop"));
-    if (!restoreGeometry(settings.value(s("DocumentEditorWindow/geometry")).toByteArray()))
+    if (!WindowPlacement::restore(this))
         resize(1000, 720);
 }
 
@@ -960,8 +959,7 @@ void DocumentEditorWindow::closeEvent(QCloseEvent* event)
             return;
         }
     }
-    QSettings settings(s("corvanta"), s("desktop"));
-    settings.setValue(s("DocumentEditorWindow/geometry"), saveGeometry());
+    WindowPlacement::save(this);
     event->accept();
 }
 

@@ -15,6 +15,7 @@
 #include "soundplayer.h"
 #include "store/record.h"
 #include "todoeditorwindow.h"
+#include "windowplacement.h"
 
 #include <QTimer>
 #include <QWidget>
@@ -63,15 +64,7 @@ QList<QWidget*> EditorWindows::windows() const
 
 QWidget* EditorWindows::show(QWidget* window)
 {
-    if (!window)
-        return nullptr;
-    if (window->isMinimized())
-        window->showNormal();
-    else
-        window->show();
-    window->raise();
-    window->activateWindow();
-    return window;
+    return WindowPlacement::bringToFront(window);
 }
 
 QWidget* EditorWindows::track(QWidget* window, std::function<RecordRef()> record)

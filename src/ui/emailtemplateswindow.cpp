@@ -8,6 +8,7 @@
 #include "store/editingcontext.h"
 #include "store/record.h"
 #include "store/store.h"
+#include "windowplacement.h"
 
 #include <QCloseEvent>
 #include <QFormLayout>
@@ -19,7 +20,6 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScopedValueRollback>
-#include <QSettings>
 #include <QSplitter>
 #include <QTableWidget>
 #include <QTextCursor>
@@ -43,11 +43,6 @@ enum Column { NameColumn, DefaultColumn };
 
 // How long typing may pause before the subject and body are saved.
 constexpr int kTypingPauseMs = 800;
-
-QSettings windowSettings()
-{
-    return QSettings(QStringLiteral("corvanta"), QStringLiteral("desktop"));
-}
 
 QToolButton* iconButton(const char* icon, const QString& text, const char* name, QWidget* parent)
 {
@@ -98,10 +93,9 @@ EmailTemplatesWindow::EmailTemplatesWindow(store::Store& store, support::Prompte
         m_table->selectRow(0);
     updateState();
 
-    const QSettings settings = windowSettings();
-    if (!restoreGeometry(settings.value(s("EmailTemplatesWindow/geometry")).toByteArray()))
+    if (!WindowPlacement::restore(this))
         resize(fontMetrics().averageCharWidth() * 110, fontMetrics().lineSpacing() * 30);
-    m_splitter->restoreState(settings.value(s("EmailTemplatesWindow/splitter")).toByteArray());
+    m_splitter->restoreState(WindowPlacement::partState(this, s("splitter")));
 }
 
 EmailTemplatesWindow::~EmailTemplatesWindow()
@@ -444,9 +438,8 @@ void EmailTemplatesWindow::updateState()
 void EmailTemplatesWindow::closeEvent(QCloseEvent* event)
 {
     commitPending();
-    QSettings settings = windowSettings();
-    settings.setValue(s("EmailTemplatesWindow/geometry"), saveGeometry());
-    settings.setValue(s("EmailTemplatesWindow/splitter"), m_splitter->saveState());
+    WindowPlacement::save(this);
+    WindowPlacement::savePartState(this, s("splitter"), m_splitter->saveState());
     QWidget::closeEvent(event);
 }
 

@@ -6,6 +6,7 @@
 #include "exchange/vcardreader.h"
 #include "mainwindow.h"
 #include "support/prompter.h"
+#include "windowplacement.h"
 
 #include <QCloseEvent>
 #include <QDir>
@@ -18,7 +19,6 @@
 #include <QProgressDialog>
 #include <QPushButton>
 #include <QSet>
-#include <QSettings>
 #include <QTableWidget>
 #include <QThread>
 #include <QVBoxLayout>
@@ -39,11 +39,6 @@ enum Column { NameColumn, OrganizationColumn, EmailColumn, PhoneColumn, SourceCo
 
 // How long the desktop's contacts service may take to answer each call.
 constexpr std::chrono::seconds kDesktopTimeout(5);
-
-QSettings windowSettings()
-{
-    return QSettings(QStringLiteral("corvanta"), QStringLiteral("desktop"));
-}
 
 // The name a person is listed under: a company's name, or the first and the last name.
 QString displayName(const AddressBookPerson& person)
@@ -141,7 +136,7 @@ ImportAddressBookWindow::ImportAddressBookWindow(store::Store& store, support::P
     connect(m_table, &QTableWidget::itemChanged, this, &ImportAddressBookWindow::updateState);
 
     updateState();
-    if (!restoreGeometry(windowSettings().value(s("ImportAddressBookWindow/geometry")).toByteArray()))
+    if (!WindowPlacement::restore(this))
         resize(fontMetrics().averageCharWidth() * 150, fontMetrics().lineSpacing() * 30);
     readDesktopContacts();
 }
@@ -330,7 +325,7 @@ bool ImportAddressBookWindow::import()
 
 void ImportAddressBookWindow::closeEvent(QCloseEvent* event)
 {
-    windowSettings().setValue(s("ImportAddressBookWindow/geometry"), saveGeometry());
+    WindowPlacement::save(this);
     QWidget::closeEvent(event);
 }
 

@@ -15,6 +15,7 @@
 #include "store/record.h"
 #include "support/prompter.h"
 #include "tagspopover.h"
+#include "windowplacement.h"
 
 #include <QCheckBox>
 #include <QCloseEvent>
@@ -27,7 +28,6 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScopedValueRollback>
-#include <QSettings>
 #include <QVBoxLayout>
 
 namespace corvanta::ui {
@@ -46,16 +46,6 @@ QString s(const char* text)
 QString numbered(const char* prefix, int n)
 {
     return QStringLiteral("%1%2").arg(s(prefix)).arg(n, 2, 10, QLatin1Char('0'));
-}
-
-QSettings windowSettings()
-{
-    return QSettings(QStringLiteral("corvanta"), QStringLiteral("desktop"));
-}
-
-QString geometryKey()
-{
-    return QStringLiteral("ItemEditorWindow/geometry");
 }
 
 } // namespace
@@ -100,7 +90,7 @@ ItemEditorWindow::ItemEditorWindow(store::Store& store, support::Prompter& promp
 
     setEnabled(false);
     updateTitle();
-    if (!restoreGeometry(windowSettings().value(geometryKey()).toByteArray()))
+    if (!WindowPlacement::restore(this))
         resize(sizeHint().expandedTo(QSize(fontMetrics().averageCharWidth() * 120, 0)));
 }
 
@@ -431,7 +421,7 @@ void ItemEditorWindow::closeEvent(QCloseEvent* event)
             return;
         }
     }
-    windowSettings().setValue(geometryKey(), saveGeometry());
+    WindowPlacement::save(this);
     event->accept();
 }
 

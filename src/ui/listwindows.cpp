@@ -11,6 +11,7 @@
 #include "preferenceswindow.h"
 #include "referencelistwindow.h"
 #include "templatelibrarywindow.h"
+#include "windowplacement.h"
 
 #include <QWidget>
 #include <memory>
@@ -120,13 +121,7 @@ QWidget* ListWindows::showOrMake(int key, const std::function<QWidget*()>& make)
             return nullptr;
         m_windows.insert(key, window);
     }
-    if (window->isMinimized())
-        window->showNormal();
-    else
-        window->show();
-    window->raise();
-    window->activateWindow();
-    return window;
+    return WindowPlacement::bringToFront(window);
 }
 
 QList<QWidget*> ListWindows::windows() const

@@ -11,6 +11,7 @@
 #include "store/record.h"
 #include "store/store.h"
 #include "support/prompter.h"
+#include "windowplacement.h"
 
 #include <QCloseEvent>
 #include <QComboBox>
@@ -21,7 +22,6 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QScopedValueRollback>
-#include <QSettings>
 #include <QVBoxLayout>
 
 namespace corvanta::ui {
@@ -38,16 +38,6 @@ QString s(const char* text)
 QString numbered(const char* prefix, int n)
 {
     return QStringLiteral("%1%2").arg(s(prefix)).arg(n, 2, 10, QLatin1Char('0'));
-}
-
-QSettings windowSettings()
-{
-    return QSettings(QStringLiteral("corvanta"), QStringLiteral("desktop"));
-}
-
-QString geometryKey()
-{
-    return QStringLiteral("MyCompanyWindow/geometry");
 }
 
 QFormLayout* newForm(QWidget* box)
@@ -107,7 +97,7 @@ MyCompanyWindow::MyCompanyWindow(store::Store& store, support::Prompter& prompte
             &MyCompanyWindow::contextDidChange);
 
     load();
-    if (!restoreGeometry(windowSettings().value(geometryKey()).toByteArray()))
+    if (!WindowPlacement::restore(this))
         resize(sizeHint().expandedTo(QSize(fontMetrics().averageCharWidth() * 130, 0)));
 }
 
@@ -256,7 +246,7 @@ void MyCompanyWindow::closeEvent(QCloseEvent* event)
         event->ignore();
         return;
     }
-    windowSettings().setValue(geometryKey(), saveGeometry());
+    WindowPlacement::save(this);
     QWidget::closeEvent(event);
 }
 

@@ -10,6 +10,7 @@
 #include "store/editingcontext.h"
 #include "store/store.h"
 #include "support/prompter.h"
+#include "windowplacement.h"
 
 #include <QCheckBox>
 #include <QCloseEvent>
@@ -21,7 +22,6 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScopedValueRollback>
-#include <QSettings>
 #include <QSpinBox>
 #include <QTabWidget>
 #include <QVBoxLayout>
@@ -36,16 +36,6 @@ namespace {
 QString s(const char* text)
 {
     return QString::fromLatin1(text);
-}
-
-QSettings windowSettings()
-{
-    return QSettings(QStringLiteral("corvanta"), QStringLiteral("desktop"));
-}
-
-QString geometryKey()
-{
-    return QStringLiteral("PreferencesWindow/geometry");
 }
 
 } // namespace
@@ -78,7 +68,7 @@ PreferencesWindow::PreferencesWindow(store::Store& store, support::Prompter& pro
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(m_pages);
 
-    if (!restoreGeometry(windowSettings().value(geometryKey()).toByteArray()))
+    if (!WindowPlacement::restore(this))
         resize(sizeHint());
 }
 
@@ -113,7 +103,7 @@ void PreferencesWindow::closeEvent(QCloseEvent* event)
         event->ignore();
         return;
     }
-    windowSettings().setValue(geometryKey(), saveGeometry());
+    WindowPlacement::save(this);
     QWidget::closeEvent(event);
 }
 

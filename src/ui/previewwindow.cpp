@@ -4,6 +4,7 @@
 #include "mainwindow.h"
 #include "pdfprinter.h"
 #include "support/prompter.h"
+#include "windowplacement.h"
 
 #include <QAction>
 #include <QCloseEvent>
@@ -18,7 +19,6 @@
 #include <QPrintDialog>
 #include <QPrinter>
 #include <QSaveFile>
-#include <QSettings>
 #include <QStandardPaths>
 #include <QStyle>
 #include <QToolBar>
@@ -31,11 +31,6 @@ namespace {
 QString s(const char* text)
 {
     return QString::fromLatin1(text);
-}
-
-QSettings windowSettings()
-{
-    return QSettings(s("corvanta"), s("desktop"));
 }
 
 } // namespace
@@ -94,8 +89,7 @@ PreviewWindow::PreviewWindow(support::Prompter& prompter, QWidget* parent)
             &PreviewWindow::updatePageActions);
     connect(m_document, &QPdfDocument::pageCountChanged, this, &PreviewWindow::updatePageActions);
 
-    const QByteArray geometry = windowSettings().value(s("PreviewWindow/geometry")).toByteArray();
-    if (geometry.isEmpty() || !restoreGeometry(geometry)) {
+    if (!WindowPlacement::restore(this)) {
         // About an A4 page at a readable width.
         const int width = fontMetrics().averageCharWidth() * 100;
         resize(width, width * 1414 / 1000);
@@ -191,7 +185,7 @@ void PreviewWindow::saveAs()
 
 void PreviewWindow::closeEvent(QCloseEvent* event)
 {
-    windowSettings().setValue(s("PreviewWindow/geometry"), saveGeometry());
+    WindowPlacement::save(this);
     QMainWindow::closeEvent(event);
 }
 

@@ -8,13 +8,13 @@
 #include "store/editingcontext.h"
 #include "store/record.h"
 #include "store/store.h"
+#include "windowplacement.h"
 
 #include <QAbstractItemDelegate>
 #include <QCloseEvent>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QScrollBar>
-#include <QSettings>
 #include <QStyle>
 #include <QTableView>
 #include <QToolButton>
@@ -65,11 +65,6 @@ QToolButton* listButton(const char* icon, const char* mark, const QString& text,
     button->setToolTip(text);
     button->setAccessibleName(text);
     return button;
-}
-
-QString geometryKey(ReferenceListType type)
-{
-    return ReferenceListWindow::objectNameFor(type) + s("/geometry");
 }
 
 } // namespace
@@ -180,8 +175,7 @@ ReferenceListWindow::ReferenceListWindow(ReferenceListType type, store::Store& s
     connect(m_model, &QAbstractItemModel::rowsRemoved, this, &ReferenceListWindow::selectionChanged);
     selectionChanged();
 
-    const QSettings settings(s("corvanta"), s("desktop"));
-    if (!restoreGeometry(settings.value(geometryKey(type)).toByteArray())) {
+    if (!WindowPlacement::restore(this)) {
         // Wide enough for every column, with room for a dozen rows.
         const int width = header->length() + m_view->verticalScrollBar()->sizeHint().width() +
                           2 * m_view->frameWidth() + fontMetrics().averageCharWidth() * 24;
@@ -273,7 +267,7 @@ void ReferenceListWindow::closeEvent(QCloseEvent* event)
     // A cell still being edited is committed as leaving it would.
     if (QWidget* editor = m_view->indexWidget(m_view->currentIndex()))
         Q_EMIT m_view->itemDelegate()->commitData(editor);
-    QSettings(s("corvanta"), s("desktop")).setValue(geometryKey(type()), saveGeometry());
+    WindowPlacement::save(this);
     event->accept();
 }
 

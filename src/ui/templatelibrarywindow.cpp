@@ -9,6 +9,7 @@
 #include "templates/printedoutput.h"
 #include "templates/templatelibrary.h"
 #include "templates/templatetypes.h"
+#include "windowplacement.h"
 
 #include <QCloseEvent>
 #include <QDir>
@@ -24,7 +25,6 @@
 #include <QPdfView>
 #include <QPushButton>
 #include <QSet>
-#include <QSettings>
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QStyle>
@@ -47,11 +47,6 @@ QString s(const char* text)
 }
 
 const QString kTemplates = QStringLiteral("Templates");
-
-QSettings windowSettings()
-{
-    return QSettings(QStringLiteral("corvanta"), QStringLiteral("desktop"));
-}
 
 // A pause long enough to pass over rows while arrowing through the list.
 constexpr int kPreviewDelayMs = 150;
@@ -159,10 +154,9 @@ TemplateLibraryWindow::TemplateLibraryWindow(store::Store& store, support::Promp
         }
     }
 
-    const QSettings settings = windowSettings();
-    if (!restoreGeometry(settings.value(s("TemplateLibraryWindow/geometry")).toByteArray()))
+    if (!WindowPlacement::restore(this))
         resize(QSize(fontMetrics().averageCharWidth() * 140, fontMetrics().lineSpacing() * 42));
-    splitter->restoreState(settings.value(s("TemplateLibraryWindow/splitter")).toByteArray());
+    splitter->restoreState(WindowPlacement::partState(this, s("splitter")));
 }
 
 TemplateLibraryWindow::~TemplateLibraryWindow()
@@ -286,10 +280,9 @@ QWidget* TemplateLibraryWindow::makePreview()
 
 void TemplateLibraryWindow::closeEvent(QCloseEvent* event)
 {
-    QSettings settings = windowSettings();
-    settings.setValue(s("TemplateLibraryWindow/geometry"), saveGeometry());
+    WindowPlacement::save(this);
     if (auto* splitter = findChild<QSplitter*>(s("splitter")))
-        settings.setValue(s("TemplateLibraryWindow/splitter"), splitter->saveState());
+        WindowPlacement::savePartState(this, s("splitter"), splitter->saveState());
     event->accept();
 }
 

@@ -8,6 +8,7 @@
 #include "store/store.h"
 #include "tagspopover.h"
 #include "tasks/recurrence.h"
+#include "windowplacement.h"
 
 #include <QAbstractItemView>
 #include <QAbstractProxyModel>
@@ -27,7 +28,6 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QSettings>
 #include <QSpinBox>
 #include <QStringListModel>
 #include <QToolButton>
@@ -48,16 +48,6 @@ QString s(const char* text)
 
 // Set on a client or item field while its text is typed and not yet linked.
 constexpr const char* kTypedProperty = "corvantaTyped";
-
-QSettings windowSettings()
-{
-    return QSettings(s("corvanta"), s("desktop"));
-}
-
-QString geometryKey()
-{
-    return s("ToDoEditorWindow/geometry");
-}
 
 // The locale's name of a weekday numbered 1 Sunday … 7 Saturday.
 QString weekdayName(int number, QLocale::FormatType format)
@@ -98,8 +88,7 @@ ToDoEditorWindow::ToDoEditorWindow(store::Store& store, support::Prompter& promp
     connect(m_controller.get(), &ToDoController::editedChanged, this, &QWidget::setWindowModified);
     connect(m_controller.get(), &ToDoController::closeRequested, this, &QWidget::close);
 
-    const QByteArray geometry = windowSettings().value(geometryKey()).toByteArray();
-    if (geometry.isEmpty() || !restoreGeometry(geometry))
+    if (!WindowPlacement::restore(this))
         resize(sizeHint().expandedTo(QSize(fontMetrics().averageCharWidth() * 64, 0)));
     refreshTitle();
 }
@@ -520,8 +509,7 @@ void ToDoEditorWindow::closeEvent(QCloseEvent* event)
         event->ignore();
         return;
     }
-    QSettings settings = windowSettings();
-    settings.setValue(geometryKey(), saveGeometry());
+    WindowPlacement::save(this);
     event->accept();
 }
 
