@@ -11,6 +11,7 @@
 #include "ui/importaddressbookwindow.h"
 #include "ui/listwindows.h"
 #include "ui/mainwindow.h"
+#include "ui/preferenceswindow.h"
 #include "ui/referencelistwindow.h"
 #include "ui/templatelibrarywindow.h"
 #include "uitestsupport.h"
@@ -27,7 +28,6 @@
 #include <QTableView>
 #include <QTemporaryDir>
 #include <QTimer>
-#include <QTreeWidget>
 
 using namespace corvanta;
 using namespace corvanta::ui::testing;
@@ -44,6 +44,9 @@ private Q_SLOTS:
 
 private:
     void activate(QWidget* window);
+    // The list window of a class that is open now.
+    template <typename Window>
+    Window* listWindow() const;
     QString writeFile(const char* name, const QByteArray& contents);
     void importClientsFromCsv();
     void importPeopleFromVCard();
@@ -75,6 +78,16 @@ void TestCompanySetup::activate(QWidget* window)
     window->activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(window));
     m_window->updateCommandStates();
+}
+
+template <typename Window>
+Window* TestCompanySetup::listWindow() const
+{
+    for (QWidget* open : m_window->listWindows()->windows()) {
+        if (auto* window = qobject_cast<Window*>(open))
+            return window;
+    }
+    return nullptr;
 }
 
 QString TestCompanySetup::writeFile(const char* name, const QByteArray& contents)
@@ -131,11 +144,7 @@ void TestCompanySetup::importPeopleFromVCard()
                                 "BEGIN:VCARD\r\nVERSION:3.0\r\nN:;;;;\r\nFN:Harbour Café\r\n"
                                 "ORG:Harbour Café\r\nX-ABShowAs:COMPANY\r\nEND:VCARD\r\n");
     m_window->findChild<QAction*>(s("actionImportAddressBook"))->trigger();
-    QPointer<ui::ImportAddressBookWindow> window;
-    for (QWidget* open : m_window->listWindows()->windows()) {
-        if (auto* addressBook = qobject_cast<ui::ImportAddressBookWindow*>(open))
-            window = addressBook;
-    }
+    QPointer<ui::ImportAddressBookWindow> window = listWindow<ui::ImportAddressBookWindow>();
     QVERIFY(window);
     QVERIFY(window->addFiles({vcard}));
     QTest::mouseClick(window->findChild<QPushButton*>(s("importButton")), Qt::LeftButton);
@@ -152,11 +161,7 @@ void TestCompanySetup::editTax()
 {
     // Company ▸ Taxes: the default tax's first rate typed over in its cell.
     m_window->findChild<QAction*>(s("actionWindow105"))->trigger();
-    QPointer<ui::ReferenceListWindow> taxes;
-    for (QWidget* open : m_window->listWindows()->windows()) {
-        if (auto* list = qobject_cast<ui::ReferenceListWindow*>(open))
-            taxes = list;
-    }
+    QPointer<ui::ReferenceListWindow> taxes = listWindow<ui::ReferenceListWindow>();
     QVERIFY(taxes);
     activate(taxes);
     Record* tax = m_company->named("Taxes", s("name"), s("10%"));
@@ -186,11 +191,7 @@ void TestCompanySetup::numberInvoicesTheNewWay()
 {
     // Company ▸ Preferences: the invoice format typed, its sample following.
     m_window->findChild<QAction*>(s("actionPreferences"))->trigger();
-    QWidget* preferences = nullptr;
-    for (QWidget* open : m_window->listWindows()->windows()) {
-        if (open->objectName() == s("PreferencesWindow"))
-            preferences = open;
-    }
+    auto* preferences = listWindow<ui::PreferencesWindow>();
     QVERIFY(preferences);
     auto* format = preferences->findChild<QLineEdit*>(s("formatEdit_invoice"));
     QVERIFY(format);
@@ -242,11 +243,7 @@ void TestCompanySetup::duplicateInvoiceTemplateAsQuotation()
 {
     // Company ▸ Template Library: the default invoice template duplicated into a quotation one.
     m_window->findChild<QAction*>(s("actionWindow107"))->trigger();
-    QPointer<ui::TemplateLibraryWindow> library;
-    for (QWidget* open : m_window->listWindows()->windows()) {
-        if (auto* window = qobject_cast<ui::TemplateLibraryWindow*>(open))
-            library = window;
-    }
+    QPointer<ui::TemplateLibraryWindow> library = listWindow<ui::TemplateLibraryWindow>();
     QVERIFY(library);
     Record* invoiceTemplate = m_company->main()
                                   .fetchFirst(store::FetchRequest(s("MyCompany")))
