@@ -250,6 +250,15 @@ void TestMainWindow::windowTags()
     QPointer<QWidget> window = opened.first();
     QCOMPARE(QString::fromLatin1(window->metaObject()->className()), className);
     QCOMPARE(WindowKind(window->property(MainWindow::windowKindProperty()).toInt()), kind);
+    // A list window or the document editor in front takes Edit ▸ New as a new row of its own.
+    const bool rows = kind == WindowKind::DocumentEditor ||
+                      (kind >= WindowKind::TaxesList && kind <= WindowKind::DueDaysList);
+    activate(window);
+    QCOMPARE(enabled(Command::New), rows);
+    if (rows && kind != WindowKind::DocumentEditor) {
+        m_window->commandAction(Command::New)->trigger();
+        QCOMPARE(window->property("selectedRowCount").toInt(), 1);
+    }
 
     window->showMinimized();
     opened = openedBy();
