@@ -67,41 +67,17 @@ private Q_SLOTS:
     void init() { m_company = std::make_unique<UiCompany>(); }
     void cleanup() { m_company.reset(); }
 
-    void preview_data()
+    // Read as UTF-8 first, the file is refused; the encoding chosen reads it again with the
+    // separator chosen before.
+    void encodingChosenAfterARefusal()
     {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<QString>("separator");
-        QTest::addColumn<QString>("encoding");
-        QTest::addColumn<QStringList>("rows");
-        QTest::addColumn<QString>("count");
-        QTest::newRow("semicolon, quotes holding the separator")
-            << QByteArray("\"Acme; Ltd\";Main St\nBeta;\"Elm St\"\n") << s(";") << QString()
-            << QStringList{s("Acme| Ltd|Main St"), s("Beta|Elm St|")} << s("2 lines, 3 columns");
-        QTest::newRow("comma, fields beyond the first line dropped")
-            << QByteArray("a;1,b\nc,d,e\n") << s(",") << QString() << QStringList{s("a;1|b"), s("c|d")}
-            << s("2 lines, 2 columns");
-        QTest::newRow("latin-1 accents after switching the encoding")
-            << QByteArray("Caf\xe9;Z\xfcrich\n") << s(";") << s("Western (ISO Latin 1)")
-            << QStringList{s("Café|Zürich")} << s("1 line, 2 columns");
-    }
-
-    void preview()
-    {
-        QFETCH(QByteArray, bytes);
-        QFETCH(QString, separator);
-        QFETCH(QString, encoding);
-        QFETCH(QStringList, rows);
-        QFETCH(QString, count);
         ui::ImportClientsWindow window(m_company->store(), m_company->prompter());
-        pickText(window.findChild<QComboBox*>(s("separatorPopup")), separator);
-        // Latin-1 accents are not UTF-8: the first reading is refused.
-        QCOMPARE(window.openFile(write(bytes)), encoding.isEmpty());
-        if (!encoding.isEmpty()) {
-            QCOMPARE(m_company->prompter().titles(), QStringList{s("Warning")});
-            pickText(window.findChild<QComboBox*>(s("encodingPopup")), encoding);
-        }
-        QCOMPARE(previewRows(&window), rows);
-        QCOMPARE(window.findChild<QLabel*>(s("countLabel"))->text(), count);
+        pickText(window.findChild<QComboBox*>(s("separatorPopup")), s(";"));
+        QVERIFY(!window.openFile(write("Caf\xe9;Z\xfcrich\n")));
+        QCOMPARE(m_company->prompter().titles(), QStringList{s("Warning")});
+        pickText(window.findChild<QComboBox*>(s("encodingPopup")), s("Western (ISO Latin 1)"));
+        QCOMPARE(previewRows(&window), QStringList{s("Café|Zürich")});
+        QCOMPARE(window.findChild<QLabel*>(s("countLabel"))->text(), s("1 line, 2 columns"));
     }
 
     void composeBuildsHeader()
@@ -131,25 +107,21 @@ private Q_SLOTS:
         QVERIFY(menu->findChild<QAction*>(s("last_name"))->isChecked());
     }
 
-    void importClients()
+    // The tag chosen is given to every client brought in.
+    void importedClientsAreTagged()
     {
         QPointer<ui::ImportClientsWindow> window =
             new ui::ImportClientsWindow(m_company->store(), m_company->prompter());
         window->show();
-        QVERIFY(window->openFile(write("Acme Ltd;Main Street 1;Springfield\nBeta GmbH;Ring 2;Berlin\n")));
-        tick(window, "street");
-        tick(window, "city");
+        QVERIFY(window->openFile(write("Acme Ltd\nBeta GmbH\n")));
         pickText(window->findChild<QComboBox*>(s("tagPopup")), s("Supplier"));
         clickImport(window);
-        QCOMPARE(askedLines(m_company->prompter()),
-                 QStringList{s("Import Clients | 2 clients successfully added. | OK")});
         QTRY_VERIFY(!window);
-        // The columns went where the header put them; the tag chosen was given.
-        const Record* acme = m_company->named("Clients", s("company_name"), s("Acme Ltd"));
-        QVERIFY(acme && acme->related(s("default_address")));
-        QCOMPARE(acme->related(s("default_address"))->value(s("city")).toString(), s("Springfield"));
-        QCOMPARE(acme->relatedList(s("tags")).size(), 1);
-        QCOMPARE(acme->relatedList(s("tags")).constFirst()->value(s("name")).toString(), s("Supplier"));
+        for (const char* name : {"Acme Ltd", "Beta GmbH"}) {
+            const Record* client = m_company->named("Clients", s("company_name"), s(name));
+            QVERIFY2(client && client->relatedList(s("tags")).size() == 1, name);
+            QCOMPARE(client->relatedList(s("tags")).constFirst()->value(s("name")).toString(), s("Supplier"));
+        }
     }
 
     void importItems()
@@ -159,13 +131,10 @@ private Q_SLOTS:
         window->show();
         QVERIFY(window->openFile(write("Widget;1 234,50\nGadget;3\n")));
         tick(window, "unit_price");
+        // The company's default tax comes first; the next one is chosen.
         auto* taxPopup = window->findChild<QComboBox*>(s("taxPopup"));
-        auto* unitPopup = window->findChild<QComboBox*>(s("unitPopup"));
-        // The company's defaults come first; the next ones are chosen.
-        const QString tax = taxPopup->itemText(1), unit = unitPopup->itemText(1);
-        QVERIFY(!tax.isEmpty() && !unit.isEmpty());
+        const QString tax = taxPopup->itemText(1);
         pickText(taxPopup, tax);
-        pickText(unitPopup, unit);
         clickImport(window);
         QCOMPARE(askedLines(m_company->prompter()),
                  QStringList{s("Import Items | 2 items successfully added. | OK")});
@@ -174,7 +143,6 @@ private Q_SLOTS:
         QVERIFY(widget);
         QCOMPARE(widget->value(s("unit_price")).toDouble(), 1234.5);
         QCOMPARE(widget->related(s("tax"))->value(s("name")).toString(), tax);
-        QCOMPARE(widget->related(s("unit"))->value(s("name")).toString(), unit);
     }
 
     void cancelStoresNothing()
