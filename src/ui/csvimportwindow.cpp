@@ -24,6 +24,7 @@
 #include <QMenu>
 #include <QProgressDialog>
 #include <QPushButton>
+#include <QScopedValueRollback>
 #include <QScrollBar>
 #include <QStandardItemModel>
 #include <QTableView>
@@ -304,7 +305,10 @@ void CsvImportWindow::startImport()
         return true;
     };
     m_importButton->setEnabled(false);
-    const std::optional<int> added = runImport(rows, m_fields.tickedKeys(), told);
+    const std::optional<int> added = [&] {
+        QScopedValueRollback importing(m_importing, true);
+        return runImport(rows, m_fields.tickedKeys(), told);
+    }();
     progress.close();
     m_importButton->setEnabled(true);
     if (added)
@@ -326,6 +330,12 @@ bool CsvImportWindow::eventFilter(QObject* watched, QEvent* event)
 
 void CsvImportWindow::closeEvent(QCloseEvent* event)
 {
+    // The import runs inside this window's progress dialog: the window stays until it is over
+    // (its Cancel stops it).
+    if (m_importing) {
+        event->ignore();
+        return;
+    }
     WindowPlacement::save(this);
     QWidget::closeEvent(event);
 }

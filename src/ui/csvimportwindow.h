@@ -90,6 +90,8 @@ private:
     exchange::CsvPreview m_preview;
     exchange::ImportFields m_fields;
     QString m_title;
+    // An import is running in this window's progress dialog.
+    bool m_importing = false;
 
     QComboBox* m_separatorPopup = nullptr;
     QComboBox* m_encodingPopup = nullptr;

@@ -18,6 +18,7 @@
 #include <QLineEdit>
 #include <QProgressDialog>
 #include <QPushButton>
+#include <QScopedValueRollback>
 #include <QSet>
 #include <QTableWidget>
 #include <QThread>
@@ -311,11 +312,13 @@ bool ImportAddressBookWindow::import()
     progress.setAutoReset(false);
     progress.setAutoClose(false);
     exchange::AddressBookImport addressBookImport(m_store, m_prompter);
-    const std::optional<int> added =
-        addressBookImport.importPersons(persons, [&progress](qsizetype done, qsizetype) {
+    const std::optional<int> added = [&] {
+        QScopedValueRollback importing(m_importing, true);
+        return addressBookImport.importPersons(persons, [&progress](qsizetype done, qsizetype) {
             progress.setValue(int(done));
             return !progress.wasCanceled();
         });
+    }();
     progress.hide();
     if (!added)
         return false;
@@ -325,6 +328,12 @@ bool ImportAddressBookWindow::import()
 
 void ImportAddressBookWindow::closeEvent(QCloseEvent* event)
 {
+    // The import runs inside this window's progress dialog: the window stays until it is over
+    // (its Cancel stops it).
+    if (m_importing) {
+        event->ignore();
+        return;
+    }
     WindowPlacement::save(this);
     QWidget::closeEvent(event);
 }

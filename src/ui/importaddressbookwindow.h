@@ -76,6 +76,8 @@ private:
     support::Prompter& m_prompter;
     QList<exchange::AddressBookPerson> m_persons; // a row each, in the table's order
     bool m_desktopRead = false;
+    // An import is running in this window's progress dialog.
+    bool m_importing = false;
     QThread* m_reader = nullptr; // reads this computer's contacts
     std::chrono::milliseconds m_progressDelay{500};
 

@@ -159,8 +159,9 @@ private Q_SLOTS:
         bool cancelled = false;
         QTimer::singleShot(0, window, [&] {
             if (auto* progress = window->findChild<QProgressDialog*>(s("importProgress"))) {
+                // The window stays while its import runs; Cancel stops it.
+                cancelled = !window->close();
                 progress->cancel();
-                cancelled = true;
             }
         });
         clickImport(window);

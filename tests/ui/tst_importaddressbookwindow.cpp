@@ -141,6 +141,8 @@ private Q_SLOTS:
         QTimer cancel;
         connect(&cancel, &QTimer::timeout, m_window, [&] {
             if (auto* progress = m_window->findChild<QProgressDialog*>(s("importProgress"))) {
+                // The window stays while its import runs; Cancel stops it.
+                QVERIFY(!m_window->close());
                 progress->cancel();
                 cancel.stop();
             }
