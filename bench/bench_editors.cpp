@@ -5,6 +5,7 @@
 #include "benchoutput.h"
 #include "editors/documentcontroller.h"
 #include "model/companyrecord.h"
+#include "scratchcompany.h"
 #include "store/editingcontext.h"
 #include "store/record.h"
 #include "store/store.h"
@@ -240,9 +241,7 @@ double worstOf(const QList<double>& values)
 
 int main(int argc, char** argv)
 {
-    QTemporaryDir scratch;
-    // The windows keep their size in the user's settings: these go to the scratch folder.
-    qputenv("XDG_CONFIG_HOME", scratch.filePath(s("config")).toLocal8Bit());
+    ScratchCompany company;
     QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
     QApplication application(argc, argv);
     QCommandLineParser parser;
@@ -259,15 +258,8 @@ int main(int argc, char** argv)
     const int runs = qMax(1, parser.value(runsOption).toInt());
     const int keys = qMax(1, parser.value(keysOption).toInt());
 
-    const companies::DatabaseFolders folders{scratch.filePath(s("data/corvanta")),
-                                             scratch.filePath(s("Desktop")),
-                                             scratch.filePath(s("Documents"))};
-    QDir().mkpath(folders.applicationFiles);
-    support::ScriptedPrompter prompter;
-    app::ApplicationCore core(prompter, folders);
-    if (!core.start())
-        qFatal("the new company does not open: %s", qPrintable(prompter.titles().join(s(", "))));
-    store::Store& store = *core.store();
+    store::Store& store = company.start();
+    support::ScriptedPrompter& prompter = company.prompter();
     const predicate::RecordRef invoice = addInvoice(store.mainContext(), rowCount);
     ui::OpenEditors openEditors;
 

@@ -4,6 +4,7 @@
 // no client behind.
 #include "app/applicationcore.h"
 #include "benchoutput.h"
+#include "scratchcompany.h"
 #include "store/editingcontext.h"
 #include "store/fetchrequest.h"
 #include "store/store.h"
@@ -37,7 +38,7 @@ QString s(const char* text)
 
 // A file as an address list exports it, its columns in the order of the compose pop-up: company
 // name, e-mail, phone, street, city, zip code and country.
-QString writeClients(const QTemporaryDir& folder, int lines)
+QString writeClients(const ScratchCompany& folder, int lines)
 {
     const QString path = folder.filePath(s("clients.csv"));
     QFile file(path);
@@ -98,9 +99,7 @@ void tick(QWidget* window, const char* key)
 
 int main(int argc, char** argv)
 {
-    QTemporaryDir scratch;
-    // The window keeps its size in the user's settings: these go to the scratch folder.
-    qputenv("XDG_CONFIG_HOME", scratch.filePath(s("config")).toLocal8Bit());
+    ScratchCompany company;
     QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
     QApplication application(argc, argv);
     QCommandLineParser parser;
@@ -111,16 +110,9 @@ int main(int argc, char** argv)
     parser.process(application);
     const int lines = qMax(2, parser.value(linesOption).toInt());
 
-    const companies::DatabaseFolders folders{scratch.filePath(s("data/corvanta")),
-                                             scratch.filePath(s("Desktop")),
-                                             scratch.filePath(s("Documents"))};
-    QDir().mkpath(folders.applicationFiles);
-    support::ScriptedPrompter prompter;
-    app::ApplicationCore core(prompter, folders);
-    if (!core.start())
-        qFatal("the new company does not open: %s", qPrintable(prompter.titles().join(s(", "))));
-    store::Store& store = *core.store();
-    const QString path = writeClients(scratch, lines);
+    store::Store& store = company.start();
+    support::ScriptedPrompter& prompter = company.prompter();
+    const QString path = writeClients(company, lines);
     const int before = clientCount(store);
 
     QPointer<ui::ImportClientsWindow> window = new ui::ImportClientsWindow(store, prompter);
