@@ -5,6 +5,13 @@ set -euo pipefail
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
 "$root/scripts/setup.sh"
 
+# The two builds and the fuzzing build take some 10 GiB together; a full disk shows up only as a
+# compiler failing to write its temporary files, so say it first.
+free_kib="$(df -Pk "$root" | awk 'NR == 2 { print $4 }')"
+if [ "$free_kib" -lt $((12 * 1024 * 1024)) ]; then
+    echo "warning: only $((free_kib / 1024 / 1024)) GiB free beside $root; the builds need about 12 GiB" >&2
+fi
+
 export QT_QPA_PLATFORM=offscreen
 export QTWEBENGINE_DISABLE_SANDBOX=1
 
