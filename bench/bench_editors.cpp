@@ -258,7 +258,8 @@ int main(int argc, char** argv)
     const int runs = qMax(1, parser.value(runsOption).toInt());
     const int keys = qMax(1, parser.value(keysOption).toInt());
 
-    store::Store& store = company.start();
+    const std::unique_ptr<app::ApplicationCore> core = company.start();
+    store::Store& store = *core->store();
     support::ScriptedPrompter& prompter = company.prompter();
     const predicate::RecordRef invoice = addInvoice(store.mainContext(), rowCount);
     ui::OpenEditors openEditors;

@@ -110,7 +110,8 @@ int main(int argc, char** argv)
     parser.process(application);
     const int lines = qMax(2, parser.value(linesOption).toInt());
 
-    store::Store& store = company.start();
+    const std::unique_ptr<app::ApplicationCore> core = company.start();
+    store::Store& store = *core->store();
     support::ScriptedPrompter& prompter = company.prompter();
     const QString path = writeClients(company, lines);
     const int before = clientCount(store);

@@ -2,7 +2,6 @@
 
 #include "app/applicationcore.h"
 #include "companies/databasefolders.h"
-#include "store/store.h"
 #include "support/scriptedprompter.h"
 
 #include <QDir>
@@ -20,22 +19,23 @@ public:
     QString filePath(const QString& name) const { return m_folder.filePath(name); }
     corvanta::support::ScriptedPrompter& prompter() { return m_prompter; }
 
-    // Starts the company; the benchmark ends when it does not open.
-    corvanta::store::Store& start()
+    // Starts the company; the benchmark ends when it does not open. The caller keeps the core
+    // inside the application object's life: the company must be closed while the application
+    // (and the SQL driver it loaded) is still there.
+    std::unique_ptr<corvanta::app::ApplicationCore> start()
     {
         const corvanta::companies::DatabaseFolders folders{filePath(QStringLiteral("data/corvanta")),
                                                            filePath(QStringLiteral("Desktop")),
                                                            filePath(QStringLiteral("Documents"))};
         QDir().mkpath(folders.applicationFiles);
-        m_core = std::make_unique<corvanta::app::ApplicationCore>(m_prompter, folders);
-        if (!m_core->start())
+        auto core = std::make_unique<corvanta::app::ApplicationCore>(m_prompter, folders);
+        if (!core->start())
             qFatal("the new company does not open: %s",
                    qPrintable(m_prompter.titles().join(QStringLiteral(", "))));
-        return *m_core->store();
+        return core;
     }
 
 private:
     QTemporaryDir m_folder;
     corvanta::support::ScriptedPrompter m_prompter;
-    std::unique_ptr<corvanta::app::ApplicationCore> m_core;
 };
