@@ -81,19 +81,28 @@ QList<QByteArray> VCardReader::splitCards(const QByteArray& data)
             continue;
         }
         const bool folded = line.startsWith(' ') || line.startsWith('\t');
+        // The card's own BEGIN and END lines are written plainly: a blank around them (a
+        // vertical tab, say) would leave the parser a card it does not recognise.
         if (!folded && isLine(line, "BEGIN:VCARD")) {
-            ++depth;
-        } else if (depth == 0) {
+            if (++depth == 1)
+                card = "BEGIN:VCARD\n";
+            softBreak = false;
+            continue;
+        }
+        if (depth == 0)
             continue; // text between cards
+        if (!folded && isLine(line, "END:VCARD")) {
+            if (--depth == 0) {
+                cards << card + "END:VCARD\n";
+                card.clear();
+            }
+            softBreak = false;
+            continue;
         }
         // A card inside a card (a 2.1 AGENT's) describes someone else: the parser would take
         // its properties for the outer card's, so it is left out.
         if (depth == 1 && (folded || namesProperty(line)))
             card += line + '\n';
-        if (!folded && isLine(line, "END:VCARD") && --depth == 0) {
-            cards << card;
-            card.clear();
-        }
         softBreak = !folded && continuesQuotedPrintable(line);
     }
     if (depth > 0) {

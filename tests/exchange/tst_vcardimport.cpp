@@ -185,6 +185,8 @@ void tst_VCardImport::splitCards_data()
         << card("2.1", "N:Soft;A\nNOTE;ENCODING=QUOTED-PRINTABLE:x=\nEND:VCARD\nTEL:555\n") << 1 << s("Soft");
     QTest::newRow("a folded line that reads END:VCARD")
         << card("3.0", "N:Fold;A\nNOTE:x\n END:VCARD\nTEL:555\n") << 1 << s("Fold");
+    QTest::newRow("blanks around BEGIN and END")
+        << lines("\vBEGIN:VCARD \nVERSION:3.0\nN:Blank;A\nEND:VCARD\v\n") << 1 << s("Blank");
     QTest::newRow("a card cut off at the end of the file")
         << card("3.0", "N:Whole;A\n") + lines("BEGIN:VCARD\nVERSION:3.0\nN:Cut;B\n") << 2 << s("Whole,Cut");
     QTest::newRow("lines that name no property")
@@ -208,7 +210,10 @@ void tst_VCardImport::splitCards()
     QFETCH(QByteArray, text);
     QFETCH(int, cards);
     QFETCH(QString, names);
-    QCOMPARE(VCardReader::splitCards(text).size(), cards);
+    const QList<QByteArray> split = VCardReader::splitCards(text);
+    QCOMPARE(split.size(), cards);
+    for (const QByteArray& card : split)
+        QVERIFY2(card.startsWith("BEGIN:VCARD\n") && card.endsWith("END:VCARD\n"), card.constData());
     QStringList read;
     for (const AddressBookPerson& person : VCardReader::read(text))
         read << person.lastName;
