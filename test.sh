@@ -5,8 +5,9 @@ set -euo pipefail
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
 "$root/scripts/setup.sh"
 
-# The two builds and the fuzzing build take some 10 GiB together; a full disk shows up only as a
-# compiler failing to write its temporary files, so say it first.
+# The normal build (2.5 GiB), the sanitizer build (7.6 GiB) and the fuzzing build, with room for
+# the compiler's temporary files; a full disk shows up only as a compiler failing to write one,
+# so say it first.
 free_kib="$(df -Pk "$root" | awk 'NR == 2 { print $4 }')"
 if [ "$free_kib" -lt $((12 * 1024 * 1024)) ]; then
     echo "warning: only $((free_kib / 1024 / 1024)) GiB free beside $root; the builds need about 12 GiB" >&2
